@@ -1,0 +1,16 @@
+// IOrnAPI: the host itself.
+//
+// What it is     Proof that a host stands behind the module. It must be attached
+//                for IOrnKVETMCtrl::Open; none of its operations is called there.
+//                IOrnAPIBase::SetAPI asks it for its interface name, nothing more.
+// Who owns it    The host; it outlives its attachment.
+// Which thread   The host's one thread (see IOrnInterface.h).
+
+#pragma once
+
+#include "IOrnInterface.h"
+
+class IOrnAPI : public IOrnInterface {
+protected:
+    ~IOrnAPI() = default;
+};

@@ -1,0 +1,53 @@
+// IOrnInterface: the root of every interface that the module and its host
+// exchange.
+//
+// What it is     Six identity operations. Every object that crosses the module's
+//                border, in either direction, begins with these six slots.
+// Who owns it    Whoever made it. The module never frees, counts or releases an
+//                object of the host, and a host frees an object of the module
+//                only through IOrnAPIBase::DestroyRowObject.
+// Which thread   All calls, in both directions, are made on the one thread on
+//                which the host calls the module.
+//
+// Rules for all interfaces:
+//  * Abstract classes without data, without overloads and without a virtual
+//    destructor: an object is its table of operations, in the order in which
+//    the header declares them. "Slot n" is the n-th entry of that table, from 0.
+//  * Text is 8-bit and NUL-terminated. A text that an operation returns belongs
+//    to the object that returned it and remains valid at least until the next
+//    call on the same interface.
+//  * Whole numbers have 32 bits; ids, words and masks are unsigned. `bool` is
+//    one byte, zero or not zero.
+//  * No exception crosses the border.
+
+#pragma once
+
+#include <cstdint>
+
+class IOrnInterface {
+public:
+    /// Slot 0. Returns the name of the interface that this object implements,
+    /// "IOrnAPI" for example. Static text.
+    virtual const char* GetInterfaceName() = 0;
+
+    /// Slot 1. Returns the version of that interface, a plain whole number to be
+    /// tested for a minimum.
+    virtual int32_t GetInterfaceVersion() = 0;
+
+    /// Slot 2. Returns the name of the component that implements it. Static text.
+    virtual const char* GetComponentName() = 0;
+
+    /// Slot 3. Returns the version of the implementation: 107 stands for 1.7.0.0.
+    virtual int32_t GetComponentVersion() = 0;
+
+    /// Slot 4. Returns an object that offers the interface `name`, or null.
+    /// Names are compared exactly. The object stays with its owner.
+    virtual IOrnInterface* GetInterface(const char* name) = 0;
+
+    /// Slot 5. Tells the owner that `object` is no longer used. Objects of this
+    /// module do nothing at all.
+    virtual void ReleaseInterface(IOrnInterface* object) = 0;
+
+protected:
+    ~IOrnInterface() = default; // never deleted through an interface
+};

@@ -1,0 +1,43 @@
+// IOrnKVETMSupp: the support component "KVETMSupp".
+//
+// What it is     Settles which board file prepares the board's trace pins, and
+//                asks the user where that is not settled yet.
+// Who owns it    The control component, whose GetInterface("IOrnKVETMSupp") hands
+//                it out: one object, however often it is asked for, valid until
+//                the control component is destroyed.
+// Which thread   The host's one thread (see IOrnInterface.h). InitBoardFile may
+//                show a dialog and then runs a modal message loop.
+
+#pragma once
+
+#include "IOrnInterface.h"
+
+class IOrnKVETMSupp : public IOrnInterface {
+public:
+    /// Slot 6. Returns true iff the board selection is settled.
+    ///
+    /// `directory`  where board files live; empty or null: the directory of the
+    ///              module's file.
+    /// `value`      receives the selection, at most `size` bytes, terminated; may
+    ///              be null: "/none", "/startup" or the path of a board file.
+    ///              With mode -1 it receives the value of the last success.
+    /// `mode`       receives what the selection is; may be null:
+    ///              -1 none that can be used, 0 no board file, 1 the debugger's
+    ///              startup macro does the work, 2 a board file.
+    ///
+    /// A selection that is not known, or a path that can't be opened, brings up
+    /// the ETM Configuration dialog. Behind false, GetLastError tells why:
+    /// "Cancelled by user", or the text of IOrnKVETMCtrl::Open.
+    /// REQUIRES: a successful IOrnKVETMCtrl::Init.
+    virtual bool InitBoardFile(const char* directory, char* value, uint32_t size,
+                               int32_t* mode) = 0;
+
+    /// Slot 7. Returns true.
+    virtual bool CanInitBoardFile() = 0;
+
+    /// Slot 8. Like IOrnKVETMCtrl::GetLastError, for this component.
+    virtual void GetLastError(char* buffer, int32_t size) = 0;
+
+protected:
+    ~IOrnKVETMSupp() = default;
+};

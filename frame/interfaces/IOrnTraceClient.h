@@ -1,0 +1,24 @@
+// IOrnTraceClient: named actions of the host.
+//
+// What it is     One operation; the module uses it to let the host judge the
+//                addresses that a person types.
+// Who owns it    The host; it outlives its attachment. May be left unattached:
+//                the module then accepts integer constants only.
+// Which thread   The host's one thread (see IOrnInterface.h), also from inside
+//                IOrnKVETMCtrl::Open.
+
+#pragma once
+
+#include "IOrnInterface.h"
+
+class IOrnTraceClient : public IOrnInterface {
+public:
+    /// Slot 6. Performs `action`; `argument` may be null. Returns true on success.
+    /// The module calls, once each per address entry:
+    ///   Action("CheckAction", "Eval")   true iff the host evaluates expressions;
+    ///   Action("Eval <entry>", null)    true iff the entry is a valid expression.
+    virtual bool Action(const char* action, const char* argument) = 0;
+
+protected:
+    ~IOrnTraceClient() = default;
+};

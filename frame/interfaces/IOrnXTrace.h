@@ -1,0 +1,15 @@
+// IOrnXTrace: the host's extended trace interface.
+//
+// What it is     Taken by AttachInterface and handed back by
+//                GetAttachedInterface; the module calls none of its operations.
+// Who owns it    The host; it outlives its attachment.
+// Which thread   The host's one thread (see IOrnInterface.h).
+
+#pragma once
+
+#include "IOrnInterface.h"
+
+class IOrnXTrace : public IOrnInterface {
+protected:
+    ~IOrnXTrace() = default;
+};

@@ -1,0 +1,36 @@
+// IOrnXTraceClient: the host's named settings, and its commands by name.
+//
+// What it is     A store of texts by section and key, in which the module keeps
+//                its one persistent value, and a test for host commands.
+// Who owns it    The host; it outlives its attachment.
+// Which thread   The host's one thread (see IOrnInterface.h), also from inside
+//                IOrnKVETMCtrl::Open.
+//
+// The one setting: section "KVETM", key "BoardFile", at most 259 characters: the
+// path of a board file, "/none" or "/startup".
+//
+// GetInterfaceVersion matters here: HasCommand is called from version 111 on.
+
+#pragma once
+
+#include "IOrnInterface.h"
+
+class IOrnXTraceClient : public IOrnInterface {
+public:
+    /// Slot 6. Returns true iff the host offers the command `name`. The module
+    /// asks for "ExecuteCmd", which stands for startup macro functions.
+    virtual bool HasCommand(const char* name) = 0;
+
+    /// Slot 7. Stores `value` under `section` and `key`. The result is not looked
+    /// at.
+    virtual bool WriteSetting(const char* section, const char* key, const char* value) = 0;
+
+    /// Slot 8. Copies the text stored under `section` and `key` into the `size`
+    /// bytes at `buffer`, terminator included. Returns false if there is none;
+    /// the buffer is then not looked at.
+    virtual bool ReadSetting(const char* section, const char* key, int32_t size,
+                             char* buffer) = 0;
+
+protected:
+    ~IOrnXTraceClient() = default;
+};

@@ -1,0 +1,43 @@
+// CWinApp: the module's application object: its title and its display.
+//
+// One static instance exists per module. The display is made at the first need
+// and kept until the last client has gone, so that an application object of the
+// window system lives no longer than the components that need it.
+
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "toolkit/display.h"
+
+class CWinApp {
+public:
+    /// A null `name` gives the title "KVETMControl". The instance constructed last
+    /// is the one of AfxGetApp.
+    explicit CWinApp(const char* name = nullptr);
+    virtual ~CWinApp();
+    CWinApp(const CWinApp&) = delete;
+    CWinApp& operator=(const CWinApp&) = delete;
+
+    /// Title of AfxMessageBox.
+    const char* GetTitle() const { return m_Title.c_str(); }
+
+    /// Counts those who may need the display; behind the last one it is destroyed.
+    void AddClient();
+    void RemoveClient();
+
+    /// The display, made on demand; never null.
+    Display& GetDisplay();
+    /// Puts another display in its place, for tests; null: the linked one again.
+    void UseDisplay(Display* display);
+
+private:
+    std::string m_Title;
+    int m_Clients = 0;
+    std::unique_ptr<Display> m_Own;
+    Display* m_Other = nullptr;
+};
+
+/// The module's application object; never null while dialogs are used.
+CWinApp* AfxGetApp();
