@@ -46,7 +46,7 @@ public:
 
     /// The control with a resource number, or null.
     CWnd* GetDlgItem(int id) const;
-    /// All controls, in tab order; empty while the dialog does not exist.
+    /// All controls, in tab order; empty until the dialog is created.
     const std::vector<std::unique_ptr<CWnd>>& GetControls() const { return m_Controls; }
     const DialogTemplate* GetDialogTemplate() const { return m_DialogTemplate; }
 
@@ -60,13 +60,15 @@ public:
     void Notify(Notification& notification);
 
     /// The frame's close button or Escape: as if Cancel had been pressed.
-    virtual void OnClose();
+    void OnClose();
 
     /// Unchecks the other radio buttons of the group and checks this one.
     void CheckRadioButton(CButton& radio);
 
-    // For property sheets and displays: making and taking down the window.
+    // For DoModal and property sheets.
+    /// Makes the controls from the template and the window on the display.
     bool CreateDialogWindow();
+    /// Calls OnDestroy and takes the window down; the models of the controls stay.
     void DestroyDialogWindow();
 
 protected:
@@ -92,13 +94,11 @@ protected:
                 return (dialog.*row.handler)(notification);
     }
 
-    /// Makes the models from the template, without a window.
-    void MakeControls();
-    void AddControl(std::unique_ptr<CWnd> control, const ControlTemplate& row);
-
     const DialogTemplate* m_DialogTemplate = nullptr;
 
 private:
+    void AddControl(const ControlTemplate& row);
+
     std::vector<std::unique_ptr<CWnd>> m_Controls;
     int m_Exchanging = 0;
     bool m_Ended = false;

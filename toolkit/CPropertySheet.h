@@ -17,6 +17,8 @@
 
 #pragma once
 
+#include <array>
+
 #include "toolkit/CPropertyPage.h"
 
 class CPropertySheet : public CDialog {
@@ -35,25 +37,34 @@ public:
     /// PSBTN_CANCEL or PSBTN_APPLYNOW.
     void PressButton(int button);
 
-    /// A tab was chosen. Returns false if the page in front can't be left.
+    /// A tab was chosen, counted from 0. Returns false if the page in front can't be
+    /// left.
     bool SetActivePage(int index);
-    CPropertyPage* GetActivePage() const;
+    /// The page in front; null while the sheet does not run.
+    CPropertyPage* GetActivePage() const { return m_Active; }
     const std::vector<CPropertyPage*>& GetPages() const { return m_Pages; }
 
-    void OnClose() override;
-
 protected:
+    bool OnInitDialog() override;
+    void OnDestroy() override;
     void OnOK() override;
     void OnCancel() override;
     void OnNotify(Notification& notification) override;
 
 private:
     friend class CPropertyPage;
-    void UpdateApplyButton();
+    void LayOut();
+    void ShowPage(int index);
     bool ApplyPages();
-    bool ActivatePage(int index);
+    void OnApplyNow();
+    void UpdateApplyButton();
 
     std::vector<CPropertyPage*> m_Pages;
     int m_FirstTab;
-    int m_Active = -1;
+    CPropertyPage* m_Active = nullptr;
+    CTabCtrl* m_Tab = nullptr;
+    CWnd* m_ApplyButton = nullptr;
+    // The frame's own template, made to fit the largest page.
+    std::array<ControlTemplate, 4> m_Rows{};
+    DialogTemplate m_FrameTemplate{};
 };

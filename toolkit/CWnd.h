@@ -63,6 +63,8 @@ public:
     const std::string& GetWindowText() const { return m_Text; }
     /// A single-line edit reports EN_CHANGE to its dialog if the text is new.
     void SetWindowText(std::string_view text);
+    /// The text that a person typed, which the display shows already.
+    void AcceptTypedText(std::string_view text) { m_Text = text; }
 
     bool IsWindowEnabled() const { return m_Enabled; }
     void EnableWindow(bool enable);

@@ -103,6 +103,8 @@ public:
     /// The lines of message boxes alone: "[title] text".
     std::vector<std::string> Boxes() const;
     int UnansweredBoxes() const { return m_Unanswered; }
+    /// What scripts threw, such as "no control 9 in front"; a test expects none.
+    const std::vector<std::string>& ScriptErrors() const { return m_ScriptErrors; }
     /// Windows that exist; 0 when all is closed.
     int OpenWindows() const { return m_OpenWindows; }
 
@@ -147,6 +149,7 @@ private:
     uint64_t m_Now = 0; // milliseconds
     std::map<const CWnd*, std::string> m_ToolTips;
     std::vector<std::string> m_Log;
+    std::vector<std::string> m_ScriptErrors;
     int m_Unanswered = 0;
     int m_OpenWindows = 0;
 };

@@ -1,0 +1,61 @@
+#include "toolkit/CWnd.h"
+
+#include "toolkit/CDialog.h"
+#include "toolkit/CWinApp.h"
+
+namespace {
+
+constexpr const char* kDefaultTitle = "Error";
+
+} // namespace
+
+CWnd::~CWnd() = default;
+
+void CWnd::Changed(Change what) {
+    if (m_Created) AfxGetApp()->GetDisplay().Refresh(*this, what);
+}
+
+void CWnd::SetWindowText(std::string_view text) {
+    if (text == m_Text) return;
+    m_Text = text;
+    Changed(Change::Text);
+    if (m_Created && m_Kind == ControlKind::Edit && (m_Style & style::MultiLine) == 0) {
+        Notification notification{m_Id, Event::TextChanged};
+        if (auto* dialog = dynamic_cast<CDialog*>(m_Parent)) dialog->Notify(notification);
+    }
+}
+
+void CWnd::EnableWindow(bool enable) {
+    if (enable == m_Enabled) return;
+    m_Enabled = enable;
+    Changed(Change::Enabled);
+}
+
+void CWnd::ShowWindow(int command) {
+    const bool visible = command != SW_HIDE;
+    if (visible == m_Visible) return;
+    m_Visible = visible;
+    Changed(Change::Visible);
+}
+
+int CWnd::MessageBox(const char* text, const char* title, unsigned flags) {
+    return AfxGetApp()->GetDisplay().ShowMessage(this, text != nullptr ? text : "",
+                                                 title != nullptr ? title : kDefaultTitle, flags);
+}
+
+int MessageBoxWithoutOwner(const char* text, const char* title, unsigned flags) {
+    return AfxGetApp()->GetDisplay().ShowMessage(nullptr, text != nullptr ? text : "",
+                                                 title != nullptr ? title : kDefaultTitle, flags);
+}
+
+void MessageBeep(unsigned flags) { AfxGetApp()->GetDisplay().Beep(flags); }
+
+void CWnd::SetTimer(unsigned id, unsigned milliseconds) {
+    if (m_Created) AfxGetApp()->GetDisplay().StartTimer(*this, id, milliseconds);
+}
+
+void CWnd::KillTimer(unsigned id) {
+    if (m_Created) AfxGetApp()->GetDisplay().StopTimer(*this, id);
+}
+
+void CWnd::OnTimer(unsigned) {}

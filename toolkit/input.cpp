@@ -1,0 +1,108 @@
+#include "toolkit/input.h"
+
+#include "toolkit/CWinApp.h"
+#include "toolkit/guarded.h"
+
+namespace {
+
+/// The dialog of a control that can take input now, or null: the control and its
+/// page are enabled and visible, and neither their dialog nor its sheet has ended.
+CDialog* DialogTakingInput(const CWnd& control) {
+    if (!control.IsCreated()) return nullptr;
+    for (const CWnd* window = &control; window != nullptr; window = window->GetParent()) {
+        const auto* dialog = dynamic_cast<const CDialog*>(window);
+        if (!window->IsWindowVisible() || !window->IsWindowEnabled()) return nullptr;
+        if (dialog != nullptr && dialog->HasEnded()) return nullptr;
+        // A top-level dialog takes input whatever its owner does.
+        if (dialog != nullptr && dynamic_cast<const CPropertyPage*>(dialog) == nullptr) break;
+    }
+    return dynamic_cast<CDialog*>(control.GetParent());
+}
+
+void Refresh(CWnd& control, Change what) {
+    if (control.IsCreated()) AfxGetApp()->GetDisplay().Refresh(control, what);
+}
+
+/// Lets `change` act on the model and then tells the dialog; for a control that
+/// takes no input now, shows its present state again.
+template <class Work>
+void Report(CWnd& control, Change shown, Event event, unsigned drawStage, Work&& change) {
+    Guarded([&] {
+        CDialog* dialog = DialogTakingInput(control);
+        if (dialog == nullptr) return Refresh(control, shown);
+        change(*dialog);
+        Notification notification{control.GetDlgCtrlID(), event, drawStage};
+        dialog->Notify(notification);
+    });
+}
+
+} // namespace
+
+namespace input {
+
+void Click(CWnd& button) {
+    Report(button, Change::Checked, Event::Clicked, 0, [&](CDialog& dialog) {
+        auto* model = dynamic_cast<CButton*>(&button);
+        if (model == nullptr) return;
+        if (button.GetKind() == ControlKind::CheckBox) model->SetCheck(!model->GetCheck());
+        if (button.GetKind() == ControlKind::RadioButton) dialog.CheckRadioButton(*model);
+        Refresh(button, Change::Checked); // in case the display went ahead of the model
+    });
+}
+
+void Type(CWnd& edit, std::string_view text) {
+    if ((edit.GetStyle() & style::ReadOnly) != 0) return;
+    Report(edit, Change::Text, Event::TextChanged, 0,
+           [&](CDialog&) { edit.AcceptTypedText(text); });
+}
+
+void Select(CWnd& list, int index) {
+    if (list.GetKind() == ControlKind::Tab) {
+        Guarded([&] {
+            auto* sheet = dynamic_cast<CPropertySheet*>(DialogTakingInput(list));
+            if (sheet == nullptr) return Refresh(list, Change::Selection);
+            sheet->SetActivePage(index);
+        });
+        return;
+    }
+    auto* combo = dynamic_cast<CComboBox*>(&list);
+    if (combo == nullptr || combo->GetCurSel() == index) return; // chosen again: no change
+    Report(list, Change::Selection, Event::SelectionChanged, 0,
+           [&](CDialog&) { combo->SetCurSel(index); });
+}
+
+void Slide(CSliderCtrl& slider, int position) {
+    Guarded([&] {
+        if (DialogTakingInput(slider) != nullptr)
+            slider.SetPos(position);
+        else
+            Refresh(slider, Change::Position);
+    });
+}
+
+void Paint(CSliderCtrl& slider) {
+    Guarded([&] {
+        auto* dialog = dynamic_cast<CDialog*>(slider.GetParent());
+        if (dialog == nullptr || !slider.IsCreated()) return;
+        Notification notification{slider.GetDlgCtrlID(), Event::CustomDraw, CDDS_PREPAINT};
+        dialog->Notify(notification);
+    });
+}
+
+void Release(CSliderCtrl& slider) {
+    Report(slider, Change::Position, Event::ReleasedCapture, 0, [](CDialog&) {});
+}
+
+void Close(CDialog& dialog) {
+    Guarded([&] {
+        if (dialog.IsCreated() && !dialog.HasEnded()) dialog.OnClose();
+    });
+}
+
+void Tick(CWnd& window, unsigned id) {
+    Guarded([&] {
+        if (window.IsCreated()) window.OnTimer(id);
+    });
+}
+
+} // namespace input
