@@ -1,5 +1,6 @@
 #include "toolkit/CWinApp.h"
 
+#include "platform/version.h"
 #include "toolkit/guarded.h"
 
 namespace {
@@ -58,3 +59,5 @@ void ReportException(const char* what) noexcept {
 bool GetSaveFileName(SaveFileRecord& record) {
     return AfxGetApp()->GetDisplay().AskSaveFile(record);
 }
+
+uint32_t GetPlatformVersion() { return PlatformVersion(); }

@@ -1,0 +1,3 @@
+#include "platform/version.h"
+
+uint32_t PlatformVersion() { return 10; }

@@ -1,0 +1,152 @@
+#include "tests/support/RecordingHost.h"
+
+#include <cstdio>
+#include <cstring>
+#include <utility>
+
+#include "frame/slots.h"
+
+namespace {
+
+std::string Hex(uint32_t value) {
+    char text[16];
+    std::snprintf(text, sizeof text, "0x%X", value);
+    return text;
+}
+
+} // namespace
+
+const char* const RecordingHost::kReport = "ETM protocol version: 3\n"
+                                           "ETM architecture version: 1.3\n"
+                                           "Number of address comparator pairs: 4\n"
+                                           "Number of data comparators: 2\n"
+                                           "Number of memory map decoders: 8\n"
+                                           "Number of counters: 2\n"
+                                           "Sequencer present: yes\n"
+                                           "Number of external inputs: 4\n"
+                                           "Number of external outputs: 1\n"
+                                           "FIFOFULL logic present: yes\n"
+                                           "Half-rate clocking supported: yes\n"
+                                           "Full-rate clocking supported: no\n"
+                                           "Normal format supported: yes\n"
+                                           "Multiplexed  format  supported: no\n"
+                                           "Demultiplexed format supported: no\n";
+
+RecordingHost::RecordingHost() {
+    values = {{0x1000004, 0x00194824}, {0x1000014, 0x2A}, {5, 0x8088}, {0, 0}, {1, 2048}, {2, 1024}};
+}
+
+RecordingHost::~RecordingHost() {
+    if (g_VETMTrace != &trace) return;
+    g_API = nullptr;
+    g_VETMTrace = nullptr;
+    g_TraceClient = nullptr;
+    g_XTraceClient = nullptr;
+    g_XTrace = nullptr;
+    g_Emu = nullptr;
+}
+
+void RecordingHost::Attach(IOrnKVETMCtrl& control) {
+    control.AttachInterface("IOrnAPI", &api);
+    control.AttachInterface("IOrnVETMTrace", &trace);
+    control.AttachInterface("IOrnTraceClient", &traceClient);
+    control.AttachInterface("IOrnXTraceClient", &xTraceClient);
+    control.AttachInterface("IOrnXTrace", &xTrace);
+    control.AttachInterface("IOrnEmu", &emu);
+}
+
+void RecordingHost::AttachSlots() {
+    g_API = &api;
+    g_VETMTrace = &trace;
+    g_TraceClient = &traceClient;
+    g_XTraceClient = &xTraceClient;
+    g_XTrace = &xTrace;
+    g_Emu = &emu;
+}
+
+std::vector<std::string> RecordingHost::TakeCalls() { return std::exchange(calls, {}); }
+
+std::vector<std::string> RecordingHost::TakeChanges() {
+    std::vector<std::string> changes;
+    for (std::string& call : TakeCalls())
+        if (call.starts_with("Command(") || call.starts_with("SetValue(") ||
+            call.starts_with("WriteSetting("))
+            changes.push_back(std::move(call));
+    return changes;
+}
+
+const char* RecordingHost::Trace::Command(const char* text, std::ostream* stream) {
+    m_Host.calls.push_back(std::string("Command(") + text + ")");
+    if (!m_Host.refuseAllCommands.empty()) return m_Host.refuseAllCommands.c_str();
+    const auto refusal = m_Host.refusals.find(text);
+    if (refusal != m_Host.refusals.end()) return refusal->second.c_str();
+    if (stream != nullptr) {
+        stream->write(m_Host.report.data(), static_cast<std::streamsize>(m_Host.report.size()));
+        if (m_Host.reportEndsWithNul) stream->put('\0');
+    }
+    return nullptr;
+}
+
+const char* RecordingHost::Trace::GetInfoText(uint32_t which) {
+    m_Host.calls.push_back("GetInfoText(" + std::to_string(which) + ")");
+    return m_Host.info ? m_Host.info->c_str() : nullptr;
+}
+
+uint32_t RecordingHost::Trace::GetTraceState(uint32_t* detail) {
+    m_Host.calls.push_back("GetTraceState");
+    if (detail != nullptr) *detail = 0xFFFFFFFF;
+    return m_Host.state;
+}
+
+bool RecordingHost::Trace::HasFeature(uint32_t feature) {
+    m_Host.calls.push_back("HasFeature(" + Hex(feature) + ")");
+    return m_Host.features.contains(feature);
+}
+
+bool RecordingHost::Trace::SetValue(uint32_t id, uint32_t value) {
+    m_Host.calls.push_back("SetValue(" + Hex(id) + "," + Hex(value) + ")");
+    if (m_Host.refusedSetValues.contains(id)) return false;
+    m_Host.values[id] = value;
+    return true;
+}
+
+bool RecordingHost::Trace::GetValue(uint32_t id, uint32_t* value) {
+    m_Host.calls.push_back("GetValue(" + Hex(id) + ")");
+    const auto found = m_Host.values.find(id);
+    if (found == m_Host.values.end()) return false;
+    *value = found->second;
+    return true;
+}
+
+const char* RecordingHost::Trace::GetSettingsLine(uint32_t index) {
+    m_Host.calls.push_back("GetSettingsLine(" + std::to_string(index) + ")");
+    return index < m_Host.lines.size() ? m_Host.lines[index].c_str() : nullptr;
+}
+
+bool RecordingHost::XTraceClient::HasCommand(const char* name) {
+    m_Host.calls.push_back(std::string("HasCommand(") + name + ")");
+    return m_Host.offersExecuteCmd;
+}
+
+bool RecordingHost::XTraceClient::WriteSetting(const char* section, const char* key,
+                                               const char* value) {
+    m_Host.calls.push_back(std::string("WriteSetting(") + section + "," + key + "," + value + ")");
+    m_Host.boardFile = value;
+    return true;
+}
+
+bool RecordingHost::XTraceClient::ReadSetting(const char* section, const char* key, int32_t size,
+                                              char* buffer) {
+    m_Host.calls.push_back(std::string("ReadSetting(") + section + "," + key + ")");
+    if (!m_Host.boardFile) return false;
+    std::strncpy(buffer, m_Host.boardFile->c_str(), static_cast<size_t>(size));
+    return true;
+}
+
+bool RecordingHost::TraceClient::Action(const char* action, const char* argument) {
+    m_Host.calls.push_back(std::string("Action(") + action + "," +
+                           (argument != nullptr ? argument : "null") + ")");
+    if (std::strcmp(action, "CheckAction") == 0) return m_Host.evaluates;
+    const std::string expression = std::string(action).substr(5); // behind "Eval "
+    return m_Host.validExpressions.empty() || m_Host.validExpressions.contains(expression);
+}

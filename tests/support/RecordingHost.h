@@ -1,0 +1,119 @@
+// RecordingHost: a debugger host for tests. It answers from plain fields, which a
+// test sets, and writes down every call of the module in order.
+//
+//     GetValue(0x1000004)   Command(etm pc=all)   SetValue(0x0,0x101)
+//     GetSettingsLine(0)    HasFeature(0x4000000) WriteSetting(KVETM,BoardFile,/none)
+//     ReadSetting(KVETM,BoardFile)   Action(CheckAction,Eval)   HasCommand(ExecuteCmd)
+//     GetTraceState         GetInfoText(0)
+
+#pragma once
+
+#include <map>
+#include <optional>
+#include <ostream>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "frame/interfaces/IOrnAPI.h"
+#include "frame/interfaces/IOrnEmu.h"
+#include "frame/interfaces/IOrnKVETMCtrl.h"
+#include "frame/interfaces/IOrnTraceClient.h"
+#include "frame/interfaces/IOrnVETMTrace.h"
+#include "frame/interfaces/IOrnXTrace.h"
+#include "frame/interfaces/IOrnXTraceClient.h"
+
+/// The six identity operations of a host object.
+template <class Interface> class HostObject : public Interface {
+public:
+    explicit HostObject(const char* name, int32_t version = 120)
+        : m_Name(name), m_Version(version) {}
+    const char* GetInterfaceName() override { return m_Name; }
+    int32_t GetInterfaceVersion() override { return m_Version; }
+    const char* GetComponentName() override { return "RecordingHost"; }
+    int32_t GetComponentVersion() override { return 1; }
+    IOrnInterface* GetInterface(const char*) override { return nullptr; }
+    void ReleaseInterface(IOrnInterface*) override {}
+
+    const char* m_Name;
+    int32_t m_Version;
+};
+
+class RecordingHost {
+public:
+    RecordingHost();
+    /// Detaches what AttachSlots attached.
+    ~RecordingHost();
+    RecordingHost(const RecordingHost&) = delete;
+    RecordingHost& operator=(const RecordingHost&) = delete;
+
+    /// Attaches all six interfaces to a control component.
+    void Attach(IOrnKVETMCtrl& control);
+    /// Attaches them by way of the module-wide slots, for tests without a component.
+    void AttachSlots();
+
+    /// The calls so far, emptied by this.
+    std::vector<std::string> TakeCalls();
+    /// Those among them that change the target: Command, SetValue, WriteSetting.
+    std::vector<std::string> TakeChanges();
+
+    // --- What the target answers -------------------------------------------------
+
+    /// GetValue; an id that is missing gives false. SetValue stores here.
+    std::map<uint32_t, uint32_t> values;
+    std::set<uint32_t> refusedSetValues;
+    std::vector<std::string> lines; // GetSettingsLine
+    std::optional<std::string> boardFile;
+    std::string report = kReport;
+    bool reportEndsWithNul = true;
+    std::map<std::string, std::string> refusals; // command: error text
+    std::string refuseAllCommands;               // an error text for every command
+    std::set<uint32_t> features;
+    uint32_t state = 0;
+    std::optional<std::string> info;
+    bool evaluates = false;
+    std::set<std::string> validExpressions; // empty: all are valid
+    bool offersExecuteCmd = false;
+
+    /// A chip with four comparator pairs, architecture 1.2 and ports of 4, 8 and 16
+    /// bits; what the constructor sets up. `values` has a buffer of 2048 units, 1024
+    /// of them behind the trigger, and the control word 0.
+    static const char* const kReport;
+
+    // --- The interfaces ---------------------------------------------------------------
+
+    struct Trace final : HostObject<IOrnVETMTrace> {
+        explicit Trace(RecordingHost& host) : HostObject("IOrnVETMTrace"), m_Host(host) {}
+        const char* Command(const char* text, std::ostream* stream) override;
+        const char* GetInfoText(uint32_t which) override;
+        uint32_t GetTraceState(uint32_t* detail) override;
+        bool HasFeature(uint32_t feature) override;
+        bool SetValue(uint32_t id, uint32_t value) override;
+        bool GetValue(uint32_t id, uint32_t* value) override;
+        const char* GetSettingsLine(uint32_t index) override;
+        RecordingHost& m_Host;
+    };
+    struct XTraceClient final : HostObject<IOrnXTraceClient> {
+        explicit XTraceClient(RecordingHost& host)
+            : HostObject("IOrnXTraceClient", 111), m_Host(host) {}
+        bool HasCommand(const char* name) override;
+        bool WriteSetting(const char* section, const char* key, const char* value) override;
+        bool ReadSetting(const char* section, const char* key, int32_t size,
+                         char* buffer) override;
+        RecordingHost& m_Host;
+    };
+    struct TraceClient final : HostObject<IOrnTraceClient> {
+        explicit TraceClient(RecordingHost& host) : HostObject("IOrnTraceClient"), m_Host(host) {}
+        bool Action(const char* action, const char* argument) override;
+        RecordingHost& m_Host;
+    };
+
+    HostObject<IOrnAPI> api{"IOrnAPI"};
+    Trace trace{*this};
+    TraceClient traceClient{*this};
+    XTraceClient xTraceClient{*this};
+    HostObject<IOrnXTrace> xTrace{"IOrnXTrace"};
+    HostObject<IOrnEmu> emu{"IOrnEmu"};
+
+    std::vector<std::string> calls;
+};
