@@ -45,19 +45,19 @@ public:
     virtual int32_t GetToken();
 
     union {
-        int32_t Integer; // TK_DECIMAL, TK_INTEGER: the low 32 bits of the number
-        double Float;    // TK_FLOAT
-    } Value;             // others leave it as it was; after an error it has no meaning
-    char* Text;          // owned, kTextSize bytes; the token's text or the message
-    int32_t Kind;        // what GetToken returned last
-    int32_t Line;        // from 1
-    int32_t Column;      // from 1, in bytes
-    const char* Cursor;  // the first byte that is not read yet
+        int32_t Integer;    // TK_DECIMAL, TK_INTEGER: the low 32 bits of the number
+        double Float;       // TK_FLOAT
+    } Value;                // others leave it as it was; after an error it has no meaning
+    char* Text;             // owned, kTextSize bytes; the token's text or the message
+    int32_t Kind;           // what GetToken returned last
+    int32_t Line;           // from 1
+    int32_t Column;         // from 1, in bytes
+    const char* Cursor;     // the first byte that is not read yet
     const char* TokenStart; // the first byte of the last token
     const char* End;
 
 private:
-    class Copy;
+    class TokenText;
 
     void SkipBlanksAndComments();
     int32_t ScanIdentifier();
@@ -65,7 +65,7 @@ private:
     int32_t ScanRadix(const char* digits, uint32_t bits, bool suffixed);
     int32_t ScanDecimal();
     int32_t ScanQuoted();
-    const char* ApplyScale(const char* behind, uint32_t& value) const;
-    int32_t Accept(TokenKind kind, const char* behind);
+    static const char* ApplyScale(const char* at, uint32_t& value);
+    int32_t Accept(TokenKind kind, const char* behind, TokenText& text);
     int32_t Fail(const char* message);
 };

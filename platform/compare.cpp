@@ -1,0 +1,21 @@
+#include "platform/compare.h"
+
+#include <cstdint>
+
+static int SmallLetter(char ch) {
+    return ch >= 'A' && ch <= 'Z' ? ch - 'A' + 'a' : static_cast<unsigned char>(ch);
+}
+
+int CompareNoCase(const char* left, const char* right) {
+    return CompareNoCaseN(left, right, SIZE_MAX);
+}
+
+int CompareNoCaseN(const char* left, const char* right, size_t length) {
+    if (!left) left = "";
+    if (!right) right = "";
+    for (size_t i = 0; i < length; ++i) {
+        const int difference = SmallLetter(left[i]) - SmallLetter(right[i]);
+        if (difference != 0 || left[i] == '\0') return difference;
+    }
+    return 0;
+}

@@ -1,0 +1,101 @@
+#include "text/file_names.h"
+
+#include <cstring>
+#include <string>
+
+#include "platform/compare.h"
+#include "platform/directory.h"
+#include "platform/paths.h"
+#include "text/jString.h"
+#include "text/text_tools.h"
+
+// Points at the point of the last part's extension; null if that part has none.
+static const char* FindPoint(const char* path) {
+    if (!path || *path == '\0') return nullptr;
+    const char* at = path + std::strlen(path) - 1;
+    while (at != path && !std::strchr(".\\/:", *at)) --at;
+    return *at == '.' ? at : nullptr;
+}
+
+const char* AddDefaultExt(const char* name, const char* ext) {
+    static char result[260];
+    if (!name) name = "";
+    if (!ext) ext = "";
+    if (std::strlen(name) + std::strlen(ext) + 2 > sizeof result) return "BadFile.Ext";
+    if (*name == '\0') return name;
+
+    std::string full = name;
+    const char quote = full.front();
+    if (full.size() > 1 && full.back() == quote && (quote == '"' || quote == '\'')) {
+        full = full.substr(1, full.size() - 2);
+    }
+    if (!HasExtension(full.c_str())) full.append(".").append(ext);
+    return CopyBounded(result, sizeof result, full.c_str());
+}
+
+bool HasExtension(const char* path) {
+    return FindPoint(path) != nullptr;
+}
+
+const char* GetExtension(const char* path) {
+    const char* const point = FindPoint(path);
+    return point && point[1] != '\0' ? point + 1 : nullptr;
+}
+
+bool MatchFileName(const char* pattern, const char* name) {
+    if (!pattern || !name) return false;
+    if (std::strcmp(pattern, "*.*") == 0) return true;
+    if (std::strncmp(pattern, "*.", 2) == 0) {
+        const char* const extension = GetExtension(name);
+        return extension && CompareNoCase(extension, pattern + 2) == 0;
+    }
+    return CompareNoCase(pattern, name) == 0;
+}
+
+static void AddListItem(jString& list, const std::string& item) {
+    // Doubling keeps the gathering of thousands of names linear.
+    const uint32_t needed = list.GetLength() + static_cast<uint32_t>(item.size()) + 1;
+    if (list.Capacity <= needed) list.Reserve(2 * needed);
+    if (list.GetLength() > 0) list.Append(";");
+    list.Append(item.c_str());
+}
+
+bool FindFiles(const char* dir, const char* pattern, bool recurse, jString& result) {
+    if (!dir || *dir == '\0') return false;
+    Directory directory(dir);
+    if (!directory.IsOpen()) return false;
+
+    bool fits = recurse;
+    DirectoryEntry entry;
+    while (directory.Next(entry)) {
+        const bool matches = MatchFileName(pattern, entry.Name.c_str());
+        fits |= matches;
+        if (!entry.IsDirectory) {
+            if (matches) AddListItem(result, JoinPath(dir, entry.Name));
+        } else if (recurse && entry.Name != "." && entry.Name != "..") {
+            FindFiles(JoinPath(dir, entry.Name).c_str(), pattern, true, result);
+        }
+    }
+    return fits && result.GetLength() > 0;
+}
+
+bool GetListItem(int32_t index, const char* list, jString& item) {
+    for (; list && index > 0; --index) {
+        list = std::strchr(list, ';');
+        if (list) ++list;
+    }
+    return NextListItem(list, item);
+}
+
+bool NextListItem(const char*& rest, jString& item) {
+    if (!rest || *rest == '\0') return false;
+    const size_t length = std::strcspn(rest, ";");
+    item.Assign(nullptr);
+    if (item.Capacity <= length) item.Reserve(static_cast<uint32_t>(length));
+    char* const text = item.GetBuffer();
+    std::memcpy(text, rest, length);
+    text[length] = '\0';
+    rest += length;
+    if (*rest == ';') ++rest;
+    return true;
+}
