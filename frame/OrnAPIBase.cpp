@@ -1,0 +1,66 @@
+#include "frame/OrnAPIBase.h"
+
+#include "frame/guard.h"
+#include "frame/interfaces/IOrnAPI.h"
+#include "frame/jKVETMCtrl.h"
+#include "frame/slots.h"
+#include "platform/compare.h"
+
+namespace {
+
+IOrnInterface* CreateCtrl() {
+    return GuardedEntry<IOrnInterface*>(nullptr, [] { return new jKVETMCtrl; });
+}
+
+void DestroyCtrl(IOrnInterface* object) { delete static_cast<jKVETMCtrl*>(object); }
+
+} // namespace
+
+OrnAPIBase::OrnAPIBase() {
+    m_Table.AddFactoryRow({"IOrnKVETMCtrl", "KVETMControl", CreateCtrl, DestroyCtrl});
+}
+
+const char* OrnAPIBase::GetInterfaceName() { return "IOrnAPIBase"; }
+int32_t OrnAPIBase::GetInterfaceVersion() { return 120; }
+const char* OrnAPIBase::GetComponentName() { return "OrnAPIBase"; }
+int32_t OrnAPIBase::GetComponentVersion() { return 120; }
+IOrnInterface* OrnAPIBase::GetInterface(const char*) { return nullptr; }
+void OrnAPIBase::ReleaseInterface(IOrnInterface*) {}
+
+int32_t OrnAPIBase::GetRowCount() { return m_Table.Count; }
+
+const char* OrnAPIBase::GetRowComponentName(int32_t row) {
+    const FactoryRow* found = m_Table.Find(row);
+    return found != nullptr ? found->ComponentName : "";
+}
+
+const char* OrnAPIBase::GetRowInterfaceName(int32_t row) {
+    const FactoryRow* found = m_Table.Find(row);
+    return found != nullptr ? found->InterfaceName : "";
+}
+
+IOrnInterface* OrnAPIBase::CreateRowObject(int32_t row) {
+    const FactoryRow* found = m_Table.Find(row);
+    return found != nullptr ? found->Create() : nullptr;
+}
+
+void OrnAPIBase::DestroyRowObject(int32_t row, IOrnInterface* object) {
+    const FactoryRow* found = m_Table.Find(row);
+    if (found != nullptr) found->Destroy(object);
+}
+
+void OrnAPIBase::SetModulePath(const char* path) {
+    GuardedEntry(0, [&] {
+        ModulePath = path != nullptr ? path : "";
+        return 0;
+    });
+}
+
+const char* OrnAPIBase::GetModulePath() {
+    return ModulePath.empty() ? nullptr : ModulePath.c_str();
+}
+
+void OrnAPIBase::SetAPI(IOrnInterface* api) {
+    if (api != nullptr && CompareNoCase(api->GetInterfaceName(), "IOrnAPI") != 0) return;
+    g_HostAPI = static_cast<IOrnAPI*>(api);
+}

@@ -1,0 +1,14 @@
+// The export, and the two static objects of the module.
+
+#include "frame/CKVETMCtrlApp.h"
+#include "frame/OrnAPIBase.h"
+
+namespace {
+
+// In this order: components that the module object makes use the application.
+CKVETMCtrlApp g_Application;
+OrnAPIBase g_ModuleObject;
+
+} // namespace
+
+IOrnAPIBase* OrnDLL() { return &g_ModuleObject; }
