@@ -1,0 +1,51 @@
+#!/usr/bin/env bash
+# Installs what is missing, builds, and runs every check. Ends with status 0 only
+# if all of them passed.
+#
+#   ./test.sh                 everything
+#   ./test.sh --no-windows    without the Windows module, for quick rounds
+set -euo pipefail
+cd "$(dirname "$0")"
+
+windows=yes
+for argument in "$@"; do
+  case "$argument" in
+    --no-windows) windows=no ;;
+    *) echo "usage: ./test.sh [--no-windows]" >&2; exit 2 ;;
+  esac
+done
+
+stage() { printf '\n== %s (%s s)\n' "$1" "$SECONDS"; }
+
+stage "packages"
+. tools/packages.sh
+tools/install-packages "${BUILD_PACKAGES[@]}" "${TEST_PACKAGES[@]}"
+
+stage "format"
+git ls-files '*.cpp' '*.h' | xargs -r clang-format --dry-run -Werror
+
+stage "g++: build and test"
+cmake --preset dev >/dev/null
+cmake --build --preset dev -- --quiet
+ctest --test-dir build/dev --output-on-failure -j2
+
+stage "clang++ with AddressSanitizer and UBSan: build and test"
+cmake --preset asan >/dev/null
+cmake --build --preset asan -- --quiet
+ASAN_OPTIONS=detect_leaks=1:strict_string_checks=1 UBSAN_OPTIONS=print_stacktrace=1 \
+LSAN_OPTIONS=suppressions=$PWD/tests/lsan.supp:print_suppressions=0 \
+  ctest --test-dir build/asan --output-on-failure -j2
+
+stage "fuzz: a few seconds each"
+cmake --preset fuzz >/dev/null
+cmake --build --preset fuzz -- --quiet
+for target in build/fuzz/bin/fuzz_*; do
+  mkdir -p "build/fuzz/corpus/$(basename "$target")"
+  "$target" -max_total_time=4 -timeout=10 -verbosity=0 -print_final_stats=1 \
+    "build/fuzz/corpus/$(basename "$target")" 2>&1 | grep -E 'number_of_executed|ERROR|SUMMARY|Test unit' |
+    sed "s/^/$(basename "$target"): /"
+  [ "${PIPESTATUS[0]}" -eq 0 ] || { echo "$(basename "$target") failed"; exit 1; }
+done
+
+stage "done"
+echo "All checks passed."
