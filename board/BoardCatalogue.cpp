@@ -1,0 +1,97 @@
+// The catalogue of the dialog: which board files there are, and which is selected.
+
+#include <new>
+
+#include "board/BoardFile.h"
+#include "board/jConfigureETM.h"
+#include "frame/interfaces/IOrnXTraceClient.h"
+#include "frame/slots.h"
+#include "platform/compare.h"
+#include "settings/jTraceSettings.h"
+#include "text/file_names.h"
+#include "text/jString.h"
+
+namespace {
+
+constexpr char kGenericBoard[] = "Generic board - no trace init file";
+constexpr char kStartupMacro[] = "Call debugger startup macro functions";
+
+/// Hosts before this version don't know HasCommand.
+constexpr int32_t kVersionWithHasCommand = 111;
+
+bool HostHasStartupMacro() {
+    return g_XTraceClient != nullptr &&
+           g_XTraceClient->GetInterfaceVersion() >= kVersionWithHasCommand &&
+           g_XTraceClient->HasCommand("ExecuteCmd");
+}
+
+} // namespace
+
+void jConfigureETM::ScanBoardFiles() {
+    char directory[260];
+    g_Settings->GetTextAttribute(TA_BOARD_DIRECTORY, directory, sizeof directory);
+    jString list;
+    FindFiles(directory, "*.mac", false, list);
+
+    const char* rest = list.GetBuffer();
+    jString item;
+    std::string title;
+    while (NextListItem(rest, item)) {
+        const char* path = item.GetBuffer();
+        const FilePointer file = OpenForReading(path);
+        if (file && ReadBoardTitle(file.get(), title)) AddBoardEntry(path, title.c_str());
+    }
+}
+
+bool jConfigureETM::AddBoardEntry(const char* path, const char* title) {
+    try {
+        m_BoardEntries.push_back({path, title});
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
+    ++m_BoardEntryCount;
+    return true;
+}
+
+void jConfigureETM::FillBoardList() {
+    m_BoardCombo->ResetContent();
+    m_BoardCombo->AddString(kGenericBoard);
+    m_FixedEntryCount = 1;
+    if (HostHasStartupMacro()) {
+        m_BoardCombo->AddString(kStartupMacro);
+        m_FixedEntryCount = 2;
+    }
+    for (const jBoardEntry& entry : m_BoardEntries) m_BoardCombo->AddString(entry.Title);
+}
+
+int32_t jConfigureETM::SelectionFromBoardFile() const {
+    const int32_t byDefault = m_FixedEntryCount - 1;
+    char boardFile[260];
+    g_Settings->GetTextAttribute(TA_BOARD_FILE, boardFile, sizeof boardFile);
+    if (boardFile[0] == '\0' || CompareNoCase(boardFile, "---") == 0) return byDefault;
+
+    for (int32_t i = 0; i < m_BoardEntryCount; ++i)
+        if (CompareNoCase(m_BoardEntries[i].Path.c_str(), boardFile) == 0)
+            return m_FixedEntryCount + i;
+    if (CompareNoCase(boardFile, "/none") == 0) return 0;
+    if (CompareNoCase(boardFile, "/startup") == 0 && m_FixedEntryCount > 1) return 1;
+    return byDefault;
+}
+
+const jBoardEntry* jConfigureETM::BoardEntryAt(int32_t index) const {
+    const int32_t entry = index - m_FixedEntryCount;
+    return entry >= 0 && entry < m_BoardEntryCount ? &m_BoardEntries[entry] : nullptr;
+}
+
+const char* jConfigureETM::BoardFileFromSelection(int32_t index) const {
+    if (const jBoardEntry* entry = BoardEntryAt(index)) return entry->Path.c_str();
+    return index != 0 ? "/startup" : "/none";
+}
+
+bool jConfigureETM::LoadBoardCommands(const char* path) {
+    m_Commands.clear();
+    const FilePointer file = OpenForReading(path);
+    if (!file) return false;
+    m_Commands = ReadBoardCommands(file.get());
+    return true;
+}

@@ -1,0 +1,64 @@
+// Board initialisation files: text files of debugger commands, extension ".mac".
+//
+//   ;[OrnithalWorksTraceInitFile]    the first line makes it a board file
+//   ;Title=My Board                  names the board
+//   trace enable                     trace commands: generated, never shown
+//   mem_init 1                       general commands: the board's own
+//
+// Lines end at a line feed; what stands behind a carriage return or a NUL on a
+// line does not count. A line longer than a reader's limit is read in pieces, and
+// each piece counts as a line. Keywords are found in any case.
+
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <memory>
+#include <string>
+
+inline constexpr const char* kBoardMarker = "[OrnithalWorksTraceInitFile]";
+inline constexpr const char* kTitleKeyword = "Title=";
+
+/// Finds the first title keyword in `text`, in any case, and stores what follows it up
+/// to the end of its line, 259 characters at most. Returns false, leaving `title`
+/// alone, without a keyword. A title may be empty.
+bool FindTitle(const char* text, std::string& title);
+
+struct FileCloser {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+};
+using FilePointer = std::unique_ptr<std::FILE, FileCloser>;
+
+/// Opens a file for reading in binary mode; null if that fails. A directory is no
+/// file, and neither is a pipe or a device, at which a reader could wait for ever.
+FilePointer OpenForReading(const char* path);
+
+/// Reads `file` from its start up to the title. Returns false if it is not a board
+/// file or has no title, and leaves `title` alone then.
+bool ReadBoardTitle(std::FILE* file, std::string& title);
+
+/// Reads the rest of `file` and returns what a person sees of it: the titles, each
+/// from its keyword on, and the general commands, every line with CR LF behind it.
+std::string ReadBoardCommands(std::FILE* file);
+
+/// Returns the bytes of a new board file. `commands` is the text as it was typed;
+/// the lines of it that hold the title keyword are left out. The two selections are
+/// the indexes chosen in the lists of port sizes and port modes.
+std::string ComposeBoardFile(const std::string& title, const char* commands,
+                             int32_t portSizeSel, int32_t portModeSel);
+
+/// Copies line `number`, counted from 1, of `text` with its line feed into the
+/// `size` bytes at `buffer`, always terminated; what does not fit is dropped.
+/// Returns false, with the buffer left alone, if there is no such line. A text that
+/// ends in a line feed has an empty line behind it.
+bool GetTextLine(int32_t number, const char* text, char* buffer, size_t size);
+
+/// Opens the file at `path` for writing in binary mode, replacing one that is there.
+/// Returns null if that fails, and for a link, a pipe or a device of that name: what
+/// stands behind those lies elsewhere.
+FilePointer OpenForWriting(const char* path);
+
+/// Writes `bytes` and closes the file. Returns false if a byte was lost; the file
+/// then remains as far as it was written.
+bool WriteAndClose(FilePointer file, const std::string& bytes);

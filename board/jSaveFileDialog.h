@@ -1,0 +1,21 @@
+// jSaveFileDialog: one run of the file-save dialog.
+//
+// The dialog runs inside the constructor; afterwards the object holds what came
+// of it.
+
+#pragma once
+
+#include <cstdint>
+
+class CWnd;
+
+class jSaveFileDialog {
+public:
+    /// Shows `initialDirectory`. `filters` is a null-terminated array of texts, in
+    /// pairs of description and pattern.
+    jSaveFileDialog(CWnd* owner, const char* const* filters, const char* initialDirectory);
+
+    char FileName[260] = {};  // full path
+    int32_t Accepted = 0;     // 1: the user confirmed a file name
+    int32_t FilterIndex = 1;  // from 1
+};
