@@ -33,7 +33,8 @@ const char* const RecordingHost::kReport = "ETM protocol version: 3\n"
                                            "Demultiplexed format supported: no\n";
 
 RecordingHost::RecordingHost() {
-    values = {{0x1000004, 0x00194824}, {0x1000014, 0x2A}, {5, 0x8088}, {0, 0}, {1, 2048}, {2, 1024}};
+    values = {
+        {0x1000004, 0x00194824}, {0x1000014, 0x2A}, {5, 0x8088}, {0, 0}, {1, 2048}, {2, 1024}};
 }
 
 RecordingHost::~RecordingHost() {
@@ -64,7 +65,9 @@ void RecordingHost::AttachSlots() {
     g_Emu = &emu;
 }
 
-std::vector<std::string> RecordingHost::TakeCalls() { return std::exchange(calls, {}); }
+std::vector<std::string> RecordingHost::TakeCalls() {
+    return std::exchange(calls, {});
+}
 
 std::vector<std::string> RecordingHost::TakeChanges() {
     std::vector<std::string> changes;

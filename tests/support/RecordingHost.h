@@ -98,8 +98,7 @@ public:
             : HostObject("IOrnXTraceClient", 111), m_Host(host) {}
         bool HasCommand(const char* name) override;
         bool WriteSetting(const char* section, const char* key, const char* value) override;
-        bool ReadSetting(const char* section, const char* key, int32_t size,
-                         char* buffer) override;
+        bool ReadSetting(const char* section, const char* key, int32_t size, char* buffer) override;
         RecordingHost& m_Host;
     };
     struct TraceClient final : HostObject<IOrnTraceClient> {

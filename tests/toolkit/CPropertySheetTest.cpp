@@ -1,0 +1,172 @@
+// The order in which a sheet calls its pages.
+
+#include "toolkit/CPropertySheet.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "toolkit/CWinApp.h"
+#include "toolkit/headless/HeadlessDisplay.h"
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+namespace {
+
+/// A page that notes what it is asked, and refuses what it is told to.
+class NotingPage : public CPropertyPage {
+public:
+    NotingPage(int number, std::vector<std::string>& notes)
+        : CPropertyPage(number), m_Notes(notes) {}
+
+    bool OnSetActive() override {
+        Note("set-active");
+        return CPropertyPage::OnSetActive();
+    }
+    bool OnKillActive() override {
+        Note("kill-active");
+        return !refuseToLeave && CPropertyPage::OnKillActive();
+    }
+    bool OnApply() override {
+        Note("apply");
+        return !refuseToApply;
+    }
+
+    bool refuseToLeave = false;
+    bool refuseToApply = false;
+
+protected:
+    bool OnInitDialog() override {
+        Note("init");
+        return CPropertyPage::OnInitDialog();
+    }
+    void OnCancel() override { Note("cancel"); }
+    void OnDestroy() override { Note("destroy"); }
+
+private:
+    void Note(const char* what) { m_Notes.push_back(std::to_string(GetDlgCtrlID()) + " " + what); }
+    std::vector<std::string>& m_Notes;
+};
+
+class PropertySheet : public ::testing::Test {
+protected:
+    PropertySheet() { AfxGetApp()->UseDisplay(&display); }
+    ~PropertySheet() override {
+        AfxGetApp()->UseDisplay(nullptr);
+        EXPECT_THAT(display.ScriptErrors(), IsEmpty());
+        EXPECT_EQ(display.OpenWindows(), 0);
+    }
+
+    /// Runs a sheet of three pages; returns its result.
+    int Run(HeadlessDisplay::Script script) {
+        CPropertySheet sheet("Sheet", nullptr, 0);
+        for (NotingPage* page : {&first, &second, &third}) sheet.AddPage(page);
+        display.OnNextDialog(std::move(script));
+        return sheet.DoModal();
+    }
+    std::vector<std::string> TakeNotes() { return std::exchange(notes, {}); }
+
+    HeadlessDisplay display;
+    std::vector<std::string> notes;
+    NotingPage first{107, notes}, second{108, notes}, third{106, notes};
+};
+
+TEST_F(PropertySheet, OpensItsFirstTabAndClosesWithOk) {
+    EXPECT_EQ(Run([&] {
+                  EXPECT_THAT(TakeNotes(), ElementsAre("107 init", "107 set-active"));
+                  EXPECT_THAT(display.Entries(IDC_TAB_CONTROL),
+                              ElementsAre("General Control", "ETM Trace Settings", "Status"));
+                  display.Click(IDOK);
+                  EXPECT_THAT(TakeNotes(), ElementsAre("107 kill-active", "107 apply"));
+              }),
+              IDOK);
+    EXPECT_THAT(TakeNotes(), ElementsAre("107 destroy"));
+}
+
+TEST_F(PropertySheet, SwitchingMakesAPageAtItsFirstTimeOnly) {
+    Run([&] {
+        TakeNotes();
+        display.Tab(2);
+        EXPECT_THAT(TakeNotes(), ElementsAre("107 kill-active", "106 init", "106 set-active"));
+        display.Tab(0);
+        EXPECT_THAT(TakeNotes(), ElementsAre("106 kill-active", "107 set-active"));
+        display.Tab(2);
+        EXPECT_THAT(TakeNotes(), ElementsAre("107 kill-active", "106 set-active"));
+        display.Tab(2);
+        EXPECT_THAT(TakeNotes(), IsEmpty());
+        display.CloseFrame();
+        EXPECT_THAT(TakeNotes(), ElementsAre("107 cancel", "106 cancel"));
+    });
+    EXPECT_THAT(TakeNotes(), ElementsAre("107 destroy", "106 destroy"));
+}
+
+TEST_F(PropertySheet, ApplyCallsThePagesThatExistAndStaysOpen) {
+    Run([&] {
+        display.Tab(1);
+        TakeNotes();
+        EXPECT_FALSE(display.Enabled(IDC_APPLY_NOW));
+        second.SetModified(true);
+        display.Click(IDC_APPLY_NOW);
+        EXPECT_THAT(TakeNotes(),
+                    ElementsAre("108 kill-active", "107 apply", "108 apply", "108 set-active"));
+        EXPECT_EQ(display.Front()->HasEnded(), false);
+    });
+}
+
+TEST_F(PropertySheet, ApplyIsEnabledWhileAnyPageIsMarked) {
+    Run([&] {
+        display.Tab(1);
+        first.SetModified(true);
+        second.SetModified(true);
+        first.SetModified(false);
+        EXPECT_TRUE(display.Enabled(IDC_APPLY_NOW));
+        second.SetModified(false);
+        EXPECT_FALSE(display.Enabled(IDC_APPLY_NOW));
+        TakeNotes();
+        display.Click(IDC_APPLY_NOW); // disabled: a person can't press it
+        EXPECT_THAT(TakeNotes(), IsEmpty());
+    });
+}
+
+TEST_F(PropertySheet, ARefusalKeepsTheTabAndTheSheet) {
+    EXPECT_EQ(Run([&] {
+                  first.refuseToLeave = true;
+                  TakeNotes();
+                  display.Tab(1);
+                  EXPECT_EQ(display.Selection(IDC_TAB_CONTROL), 0);
+                  EXPECT_EQ(display.FrontPage(), &first);
+                  display.Click(IDOK);
+                  EXPECT_THAT(TakeNotes(), ElementsAre("107 kill-active", "107 kill-active"));
+
+                  first.refuseToLeave = false;
+                  display.Tab(1);
+                  first.refuseToApply = true;
+                  TakeNotes();
+                  display.Click(IDOK); // no page behind the refusing one is called
+                  EXPECT_THAT(TakeNotes(), ElementsAre("108 kill-active", "107 apply"));
+                  EXPECT_FALSE(display.Front()->HasEnded());
+                  display.Click(IDCANCEL);
+                  EXPECT_THAT(TakeNotes(), ElementsAre("107 cancel", "108 cancel"));
+                  display.Click(IDOK); // the sheet has ended
+                  EXPECT_THAT(TakeNotes(), IsEmpty());
+              }),
+              IDCANCEL);
+}
+
+TEST_F(PropertySheet, PressButtonActsLikeThePersonsPress) {
+    for (const int button : {PSBTN_OK, PSBTN_CANCEL}) {
+        CPropertySheet sheet("Sheet", nullptr, 0);
+        sheet.AddPage(&first);
+        display.OnNextDialog([&] {
+            TakeNotes();
+            sheet.PressButton(button);
+        });
+        EXPECT_EQ(sheet.DoModal(), button == PSBTN_OK ? IDOK : IDCANCEL);
+        if (button == PSBTN_OK)
+            EXPECT_THAT(TakeNotes(), ElementsAre("107 kill-active", "107 apply", "107 destroy"));
+        else
+            EXPECT_THAT(TakeNotes(), ElementsAre("107 cancel", "107 destroy"));
+    }
+}
+
+} // namespace
