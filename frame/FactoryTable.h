@@ -10,8 +10,8 @@ class IOrnInterface;
 struct FactoryRow {
     const char* InterfaceName; // static texts
     const char* ComponentName;
-    IOrnInterface* (*Create)();        // gives null if memory is short
-    void (*Destroy)(IOrnInterface*);   // takes what Create gave, or null
+    IOrnInterface* (*Create)();      // gives null if memory is short
+    void (*Destroy)(IOrnInterface*); // takes what Create gave, or null
 };
 
 struct FactoryTable {

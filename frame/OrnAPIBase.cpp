@@ -12,7 +12,9 @@ IOrnInterface* CreateCtrl() {
     return GuardedEntry<IOrnInterface*>(nullptr, [] { return new jKVETMCtrl; });
 }
 
-void DestroyCtrl(IOrnInterface* object) { delete static_cast<jKVETMCtrl*>(object); }
+void DestroyCtrl(IOrnInterface* object) {
+    delete static_cast<jKVETMCtrl*>(object);
+}
 
 } // namespace
 
@@ -20,14 +22,26 @@ OrnAPIBase::OrnAPIBase() {
     m_Table.AddFactoryRow({"IOrnKVETMCtrl", "KVETMControl", CreateCtrl, DestroyCtrl});
 }
 
-const char* OrnAPIBase::GetInterfaceName() { return "IOrnAPIBase"; }
-int32_t OrnAPIBase::GetInterfaceVersion() { return 120; }
-const char* OrnAPIBase::GetComponentName() { return "OrnAPIBase"; }
-int32_t OrnAPIBase::GetComponentVersion() { return 120; }
-IOrnInterface* OrnAPIBase::GetInterface(const char*) { return nullptr; }
+const char* OrnAPIBase::GetInterfaceName() {
+    return "IOrnAPIBase";
+}
+int32_t OrnAPIBase::GetInterfaceVersion() {
+    return 120;
+}
+const char* OrnAPIBase::GetComponentName() {
+    return "OrnAPIBase";
+}
+int32_t OrnAPIBase::GetComponentVersion() {
+    return 120;
+}
+IOrnInterface* OrnAPIBase::GetInterface(const char*) {
+    return nullptr;
+}
 void OrnAPIBase::ReleaseInterface(IOrnInterface*) {}
 
-int32_t OrnAPIBase::GetRowCount() { return m_Table.Count; }
+int32_t OrnAPIBase::GetRowCount() {
+    return m_Table.Count;
+}
 
 const char* OrnAPIBase::GetRowComponentName(int32_t row) {
     const FactoryRow* found = m_Table.Find(row);

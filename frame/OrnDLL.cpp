@@ -11,4 +11,6 @@ OrnAPIBase g_ModuleObject;
 
 } // namespace
 
-IOrnAPIBase* OrnDLL() { return &g_ModuleObject; }
+IOrnAPIBase* OrnDLL() {
+    return &g_ModuleObject;
+}

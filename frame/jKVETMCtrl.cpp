@@ -65,10 +65,18 @@ jKVETMCtrl::~jKVETMCtrl() {
     AfxGetApp()->RemoveClient();
 }
 
-const char* jKVETMCtrl::GetInterfaceName() { return "IOrnKVETMCtrl"; }
-int32_t jKVETMCtrl::GetInterfaceVersion() { return 100; }
-const char* jKVETMCtrl::GetComponentName() { return "KVETMControl"; }
-int32_t jKVETMCtrl::GetComponentVersion() { return 107; }
+const char* jKVETMCtrl::GetInterfaceName() {
+    return "IOrnKVETMCtrl";
+}
+int32_t jKVETMCtrl::GetInterfaceVersion() {
+    return 100;
+}
+const char* jKVETMCtrl::GetComponentName() {
+    return "KVETMControl";
+}
+int32_t jKVETMCtrl::GetComponentVersion() {
+    return 107;
+}
 
 IOrnInterface* jKVETMCtrl::GetInterface(const char* name) {
     if (name == nullptr || std::strcmp(name, "IOrnKVETMSupp") != 0) return nullptr;
@@ -78,10 +86,18 @@ IOrnInterface* jKVETMCtrl::GetInterface(const char* name) {
 
 void jKVETMCtrl::ReleaseInterface(IOrnInterface*) {}
 
-int32_t jKVETMCtrl::GetParamCount() { return 0; }
-int32_t jKVETMCtrl::GetParam(uint32_t, uint32_t) { return 0; }
-int32_t jKVETMCtrl::SetParam(uint32_t, uint32_t) { return 0; }
-int32_t jKVETMCtrl::CheckParam(uint32_t, uint32_t) { return 0; }
+int32_t jKVETMCtrl::GetParamCount() {
+    return 0;
+}
+int32_t jKVETMCtrl::GetParam(uint32_t, uint32_t) {
+    return 0;
+}
+int32_t jKVETMCtrl::SetParam(uint32_t, uint32_t) {
+    return 0;
+}
+int32_t jKVETMCtrl::CheckParam(uint32_t, uint32_t) {
+    return 0;
+}
 
 int32_t jKVETMCtrl::AttachInterface(const char* name, IOrnInterface* object) {
     const Required* row = FindRequired(name);
@@ -90,21 +106,29 @@ int32_t jKVETMCtrl::AttachInterface(const char* name, IOrnInterface* object) {
     return 0;
 }
 
-int32_t jKVETMCtrl::DetachInterface(const char* name) { return AttachInterface(name, nullptr); }
+int32_t jKVETMCtrl::DetachInterface(const char* name) {
+    return AttachInterface(name, nullptr);
+}
 
-int32_t jKVETMCtrl::GetImplementedCount() { return 1; }
+int32_t jKVETMCtrl::GetImplementedCount() {
+    return 1;
+}
 
 const char* jKVETMCtrl::GetImplementedName(int32_t index) {
     return index == 0 ? GetInterfaceName() : nullptr;
 }
 
-int32_t jKVETMCtrl::GetRequiredCount() { return static_cast<int32_t>(std::size(kRequired)); }
+int32_t jKVETMCtrl::GetRequiredCount() {
+    return static_cast<int32_t>(std::size(kRequired));
+}
 
 const char* jKVETMCtrl::GetRequiredName(int32_t index) {
     return index >= 0 && index < GetRequiredCount() ? kRequired[index].name : nullptr;
 }
 
-int32_t jKVETMCtrl::GetRequiredOption(int32_t) { return 0; }
+int32_t jKVETMCtrl::GetRequiredOption(int32_t) {
+    return 0;
+}
 
 IOrnInterface* jKVETMCtrl::GetAttachedInterface(const char* name) {
     const Required* row = FindRequired(name);

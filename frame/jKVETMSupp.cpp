@@ -25,11 +25,21 @@ struct Selection {
 
 } // namespace
 
-const char* jKVETMSupp::GetInterfaceName() { return "IOrnKVETMSupp"; }
-int32_t jKVETMSupp::GetInterfaceVersion() { return 100; }
-const char* jKVETMSupp::GetComponentName() { return "KVETMSupp"; }
-int32_t jKVETMSupp::GetComponentVersion() { return 102; }
-IOrnInterface* jKVETMSupp::GetInterface(const char*) { return nullptr; }
+const char* jKVETMSupp::GetInterfaceName() {
+    return "IOrnKVETMSupp";
+}
+int32_t jKVETMSupp::GetInterfaceVersion() {
+    return 100;
+}
+const char* jKVETMSupp::GetComponentName() {
+    return "KVETMSupp";
+}
+int32_t jKVETMSupp::GetComponentVersion() {
+    return 102;
+}
+IOrnInterface* jKVETMSupp::GetInterface(const char*) {
+    return nullptr;
+}
 void jKVETMSupp::ReleaseInterface(IOrnInterface*) {}
 
 bool jKVETMSupp::InitBoardFile(const char* directory, char* value, uint32_t size, int32_t* mode) {
@@ -40,7 +50,9 @@ bool jKVETMSupp::InitBoardFile(const char* directory, char* value, uint32_t size
     return result;
 }
 
-bool jKVETMSupp::CanInitBoardFile() { return true; }
+bool jKVETMSupp::CanInitBoardFile() {
+    return true;
+}
 
 void jKVETMSupp::GetLastError(char* buffer, int32_t size) {
     if (size > 0) CopyBounded(buffer, static_cast<size_t>(size), LastError.c_str());

@@ -141,6 +141,11 @@ public:
     /// counts could not be read.
     bool ReadFromTarget();
 
+    /// Read the rest of a settings line behind "PC" or "DATA" into Snapshot. Return true
+    /// iff the line has one of the forms of IOrnVETMTrace::GetSettingsLine.
+    bool ParsePcLine(TxtScan& scanner);
+    bool ParseDataLine(TxtScan& scanner);
+
     /// Sends what differs, in a fixed order, and then copies Working over Snapshot.
     /// Returns false, leaving Snapshot alone, if the target refused a step that counts.
     /// A refused "enable" is shown in a message box.
@@ -164,10 +169,8 @@ public:
 private:
     // ReadFromTarget.cpp
     void ReadIdentification();
-    void ReadSettingsLines(TxtScan& scanner);
+    bool ReadSettingsLines();
     void ParseSettingsLine(TxtScan& scanner);
-    bool ParsePcLine(TxtScan& scanner);
-    bool ParseDataLine(TxtScan& scanner);
     void ParsePortSizeLine(TxtScan& scanner);
     void ParseHalfRateLine(TxtScan& scanner);
     void DecodeControlWord(uint32_t word);
@@ -175,8 +178,9 @@ private:
     void ReadBoardFile();
 
     // ApplyToTarget.cpp
-    bool ApplyControl(bool& enableRefused);
-    bool ApplyTriggerPosition();
+    bool SwitchTrace();
+    uint32_t EncodeControlWord() const;
+    uint32_t EncodeTriggerCount() const;
     bool ApplyPort();
     bool ApplyTrace();
 

@@ -115,7 +115,9 @@ void CDialog::CheckRadioButton(CButton& radio) {
     }
 }
 
-void CDialog::OnClose() { OnCancel(); }
+void CDialog::OnClose() {
+    OnCancel();
+}
 
 void CDialog::DoDataExchange(CDataExchange&) {}
 
@@ -128,7 +130,9 @@ void CDialog::OnOK() {
     if (UpdateData(true)) EndDialog(IDOK);
 }
 
-void CDialog::OnCancel() { EndDialog(IDCANCEL); }
+void CDialog::OnCancel() {
+    EndDialog(IDCANCEL);
+}
 
 void CDialog::OnDestroy() {}
 

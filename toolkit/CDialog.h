@@ -86,9 +86,8 @@ protected:
     /// Finds the handler of a notification: Dispatch over the class's own table.
     virtual void OnNotify(Notification& notification);
 
-    template <class Dialog, size_t N>
-    static void Dispatch(Dialog& dialog, const MessageRow<Dialog> (&rows)[N],
-                         Notification& notification) {
+    template <class Dialog, size_t N> static void
+    Dispatch(Dialog& dialog, const MessageRow<Dialog> (&rows)[N], Notification& notification) {
         for (const MessageRow<Dialog>& row : rows)
             if (row.id == notification.id && row.event == notification.event)
                 return (dialog.*row.handler)(notification);

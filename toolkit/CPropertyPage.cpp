@@ -19,14 +19,18 @@ bool CPropertyPage::OnSetActive() {
     return true;
 }
 
-bool CPropertyPage::OnKillActive() { return UpdateData(true); }
+bool CPropertyPage::OnKillActive() {
+    return UpdateData(true);
+}
 
 bool CPropertyPage::OnApply() {
     OnOK();
     return true;
 }
 
-void CPropertyPage::OnReset() { OnCancel(); }
+void CPropertyPage::OnReset() {
+    OnCancel();
+}
 
 void CPropertyPage::OnOK() {}
 

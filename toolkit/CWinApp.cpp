@@ -17,7 +17,9 @@ CWinApp::~CWinApp() {
     if (g_App == this) g_App = nullptr;
 }
 
-void CWinApp::AddClient() { ++m_Clients; }
+void CWinApp::AddClient() {
+    ++m_Clients;
+}
 
 void CWinApp::RemoveClient() {
     if (m_Clients > 0 && --m_Clients == 0) m_Own.reset();
@@ -29,7 +31,9 @@ Display& CWinApp::GetDisplay() {
     return *m_Own;
 }
 
-void CWinApp::UseDisplay(Display* display) { m_Other = display; }
+void CWinApp::UseDisplay(Display* display) {
+    m_Other = display;
+}
 
 CWinApp* AfxGetApp() {
     if (g_App == nullptr) {
@@ -60,4 +64,6 @@ bool GetSaveFileName(SaveFileRecord& record) {
     return AfxGetApp()->GetDisplay().AskSaveFile(record);
 }
 
-uint32_t GetPlatformVersion() { return PlatformVersion(); }
+uint32_t GetPlatformVersion() {
+    return PlatformVersion();
+}

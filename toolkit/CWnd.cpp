@@ -48,7 +48,9 @@ int MessageBoxWithoutOwner(const char* text, const char* title, unsigned flags) 
                                                  title != nullptr ? title : kDefaultTitle, flags);
 }
 
-void MessageBeep(unsigned flags) { AfxGetApp()->GetDisplay().Beep(flags); }
+void MessageBeep(unsigned flags) {
+    AfxGetApp()->GetDisplay().Beep(flags);
+}
 
 void CWnd::SetTimer(unsigned id, unsigned milliseconds) {
     if (m_Created) AfxGetApp()->GetDisplay().StartTimer(*this, id, milliseconds);

@@ -75,12 +75,18 @@ std::unique_ptr<CWnd> MakeControl(ControlKind kind) {
     case ControlKind::PushButton:
     case ControlKind::CheckBox:
     case ControlKind::RadioButton:
-    case ControlKind::GroupBox: return std::make_unique<CButton>();
-    case ControlKind::Edit: return std::make_unique<CEdit>();
-    case ControlKind::ComboBox: return std::make_unique<CComboBox>();
-    case ControlKind::Slider: return std::make_unique<CSliderCtrl>();
-    case ControlKind::Tab: return std::make_unique<CTabCtrl>();
-    case ControlKind::Static: break;
+    case ControlKind::GroupBox:
+        return std::make_unique<CButton>();
+    case ControlKind::Edit:
+        return std::make_unique<CEdit>();
+    case ControlKind::ComboBox:
+        return std::make_unique<CComboBox>();
+    case ControlKind::Slider:
+        return std::make_unique<CSliderCtrl>();
+    case ControlKind::Tab:
+        return std::make_unique<CTabCtrl>();
+    case ControlKind::Static:
+        break;
     }
     return std::make_unique<CStatic>();
 }

@@ -56,8 +56,7 @@ public:
 
     /// Modal message box; `owner` and `title` may be null. `flags`: MB_ values.
     /// Returns IDOK, IDYES, IDNO or IDCANCEL; closing it counts as the refusal.
-    virtual int ShowMessage(CWnd* owner, const char* text, const char* title,
-                            unsigned flags) = 0;
+    virtual int ShowMessage(CWnd* owner, const char* text, const char* title, unsigned flags) = 0;
     /// See GetSaveFileName.
     virtual bool AskSaveFile(SaveFileRecord& record) = 0;
 

@@ -24,15 +24,15 @@ enum class ControlKind : uint8_t {
 /// Styles of a control, to be or-ed.
 namespace style {
 constexpr uint32_t None = 0;
-constexpr uint32_t Group = 1u << 0;         // begins a group of radio buttons or arrows
-constexpr uint32_t Hidden = 1u << 1;        // created invisible
-constexpr uint32_t Disabled = 1u << 2;      // created disabled
-constexpr uint32_t Default = 1u << 3;       // push button that Return presses
-constexpr uint32_t MultiLine = 1u << 4;     // edit of several lines
-constexpr uint32_t ReadOnly = 1u << 5;      // edit that only shows
-constexpr uint32_t WantReturn = 1u << 6;    // Return in the edit makes a new line
-constexpr uint32_t DigitsOnly = 1u << 7;    // edit that takes 0 to 9 alone
-constexpr uint32_t Centered = 1u << 8;      // static text in the middle of its place
+constexpr uint32_t Group = 1u << 0;          // begins a group of radio buttons or arrows
+constexpr uint32_t Hidden = 1u << 1;         // created invisible
+constexpr uint32_t Disabled = 1u << 2;       // created disabled
+constexpr uint32_t Default = 1u << 3;        // push button that Return presses
+constexpr uint32_t MultiLine = 1u << 4;      // edit of several lines
+constexpr uint32_t ReadOnly = 1u << 5;       // edit that only shows
+constexpr uint32_t WantReturn = 1u << 6;     // Return in the edit makes a new line
+constexpr uint32_t DigitsOnly = 1u << 7;     // edit that takes 0 to 9 alone
+constexpr uint32_t Centered = 1u << 8;       // static text in the middle of its place
 constexpr uint32_t TicksBothSides = 1u << 9; // slider with tick marks on both sides
 } // namespace style
 

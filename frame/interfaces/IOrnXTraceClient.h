@@ -28,8 +28,7 @@ public:
     /// Slot 8. Copies the text stored under `section` and `key` into the `size`
     /// bytes at `buffer`, terminator included. Returns false if there is none;
     /// the buffer is then not looked at.
-    virtual bool ReadSetting(const char* section, const char* key, int32_t size,
-                             char* buffer) = 0;
+    virtual bool ReadSetting(const char* section, const char* key, int32_t size, char* buffer) = 0;
 
 protected:
     ~IOrnXTraceClient() = default;

@@ -12,7 +12,9 @@ namespace {
 
 constexpr int kTabStop = 8; // characters
 
-std::string Number(int id) { return std::to_string(id); }
+std::string Number(int id) {
+    return std::to_string(id);
+}
 
 CPropertyPage* PageInFront(CDialog* dialog) {
     auto* sheet = dynamic_cast<CPropertySheet*>(dialog);
@@ -26,7 +28,9 @@ HeadlessDisplay::~HeadlessDisplay() = default;
 
 // --- Before a dialog opens ---------------------------------------------------------
 
-void HeadlessDisplay::OnNextDialog(Script script) { m_Scripts.push_back(std::move(script)); }
+void HeadlessDisplay::OnNextDialog(Script script) {
+    m_Scripts.push_back(std::move(script));
+}
 
 void HeadlessDisplay::AnswerSave(const char* path) {
     m_Saves.push_back({path != nullptr, path != nullptr ? path : ""});
@@ -57,7 +61,9 @@ void HeadlessDisplay::SelectText(int id, std::string_view text) {
     Select(id, static_cast<int>(found - entries.begin()));
 }
 
-void HeadlessDisplay::Tab(int index) { Select(IDC_TAB_CONTROL, index); }
+void HeadlessDisplay::Tab(int index) {
+    Select(IDC_TAB_CONTROL, index);
+}
 
 void HeadlessDisplay::Drag(int id, int position) {
     Note("drag " + Number(id) + " " + Number(position));
@@ -91,7 +97,9 @@ void HeadlessDisplay::Advance(unsigned milliseconds) {
 
 // --- What a person sees ------------------------------------------------------------------
 
-CDialog* HeadlessDisplay::Front() const { return m_Modal.empty() ? nullptr : m_Modal.back(); }
+CDialog* HeadlessDisplay::Front() const {
+    return m_Modal.empty() ? nullptr : m_Modal.back();
+}
 
 CDialog* HeadlessDisplay::FrontPage() const {
     CPropertyPage* page = PageInFront(Front());
@@ -223,9 +231,8 @@ void HeadlessDisplay::StartTimer(CWnd& window, unsigned id, unsigned millisecond
 }
 
 void HeadlessDisplay::StopTimer(CWnd& window, unsigned id) {
-    std::erase_if(m_Timers, [&](const Timer& timer) {
-        return timer.window == &window && timer.id == id;
-    });
+    std::erase_if(m_Timers,
+                  [&](const Timer& timer) { return timer.window == &window && timer.id == id; });
 }
 
 bool HeadlessDisplay::MeasureTabbedText(const CWnd&, std::string_view text, int& width) {
@@ -241,6 +248,10 @@ void HeadlessDisplay::SetToolTip(CWnd& control, const char* text, int) {
     m_ToolTips[&control] = text;
 }
 
-void HeadlessDisplay::Beep(unsigned) { Note("beep"); }
+void HeadlessDisplay::Beep(unsigned) {
+    Note("beep");
+}
 
-std::unique_ptr<Display> MakeDisplay() { return std::make_unique<HeadlessDisplay>(); }
+std::unique_ptr<Display> MakeDisplay() {
+    return std::make_unique<HeadlessDisplay>();
+}
