@@ -1,0 +1,155 @@
+// Applying to the target: the four groups of settings that are compared, and the
+// commands for those that differ.
+
+#include <algorithm>
+#include <limits>
+
+#include "frame/interfaces/IOrnVETMTrace.h"
+#include "frame/interfaces/IOrnXTraceClient.h"
+#include "frame/slots.h"
+#include "platform/compare.h"
+#include "settings/jTraceSettings.h"
+#include "toolkit/CWnd.h"
+
+/// Returns true iff the host took the command.
+static bool Send(const std::string& command) {
+    return g_VETMTrace->Command(command.c_str(), nullptr) == nullptr;
+}
+
+bool jTraceSettings::IsModified() const {
+    return ControlChanged() || TriggerPositionChanged() || PortChanged() || TraceChanged();
+}
+
+bool jTraceSettings::ControlChanged() const {
+    return Working.Enable != Snapshot.Enable || Working.StopMode != Snapshot.StopMode ||
+           Working.TriggerPin != Snapshot.TriggerPin ||
+           Working.TriggerOnAddress != Snapshot.TriggerOnAddress ||
+           Working.Accumulate != Snapshot.Accumulate || Working.ManualMode != Snapshot.ManualMode ||
+           Working.ControlSpareBits != Snapshot.ControlSpareBits;
+}
+
+bool jTraceSettings::TriggerPositionChanged() const {
+    return Working.TriggerPosition != Snapshot.TriggerPosition;
+}
+
+bool jTraceSettings::PortChanged() const {
+    return Working.PortSizeIndex != Snapshot.PortSizeIndex ||
+           Working.PortModeIndex != Snapshot.PortModeIndex ||
+           Working.CprtModeIndex != Snapshot.CprtModeIndex ||
+           Working.ContextIdIndex != Snapshot.ContextIdIndex ||
+           Working.StallProcessor != Snapshot.StallProcessor ||
+           Working.CycleAccurate != Snapshot.CycleAccurate ||
+           Working.BranchOutput != Snapshot.BranchOutput || Working.BoardFile != Snapshot.BoardFile;
+}
+
+// The address comparators serve PC, data and trigger alike, so these change together.
+bool jTraceSettings::TraceChanged() const {
+    return Working.PcMode != Snapshot.PcMode || Working.PcBegin != Snapshot.PcBegin ||
+           Working.PcEnd != Snapshot.PcEnd || Working.DataMode != Snapshot.DataMode ||
+           Working.DataBegin != Snapshot.DataBegin || Working.DataEnd != Snapshot.DataEnd ||
+           Working.TriggerOnAddress != Snapshot.TriggerOnAddress ||
+           Working.TriggerAddress != Snapshot.TriggerAddress;
+}
+
+bool jTraceSettings::ApplyToTarget() {
+    if (!g_VETMTrace) return false;
+    if (Working.BoardFile != Snapshot.BoardFile) Send("macro " + Working.BoardFile);
+
+    if (ControlChanged() && !SwitchTrace()) return false;
+    const bool control = !ControlChanged() || g_VETMTrace->SetValue(0, EncodeControlWord());
+    const bool position =
+        !TriggerPositionChanged() || g_VETMTrace->SetValue(2, EncodeTriggerCount());
+    const bool port = !PortChanged() || ApplyPort();
+    const bool trace = !TraceChanged() || ApplyTrace();
+    if (!control || !position || !port || !trace) return false;
+
+    Snapshot = Working;
+    return true;
+}
+
+/// Returns false if the host refused "enable".
+bool jTraceSettings::SwitchTrace() {
+    if (!Working.Enable && Snapshot.Enable) Send("disable");
+    if (!Working.Enable || Snapshot.Enable) return true;
+
+    const char* const refusal = g_VETMTrace->Command("enable", nullptr);
+    if (!refusal) return true;
+    MessageBoxWithoutOwner(refusal, "Cannot enable trace", MB_OK | MB_ICONHAND);
+    return false;
+}
+
+uint32_t jTraceSettings::EncodeControlWord() const {
+    uint32_t word = 0;
+    if (Working.Enable) word |= 0x1;
+    if (Working.StopMode == 1) word |= 0x2;
+    if (Working.StopMode == 2 && Working.TriggerPin) word |= 0x100;
+    if (Working.StopMode == 2 && Working.TriggerOnAddress) word |= 0x200;
+    word |= static_cast<uint32_t>(Working.ControlSpareBits);
+    if (Working.Accumulate) word |= 0x4;
+    if (Working.ManualMode) word |= 0x8;
+    return word;
+}
+
+uint32_t jTraceSettings::EncodeTriggerCount() const {
+    const double count = (100.0 - Working.TriggerPosition) * 0.01 * BufferSize;
+    const double most = std::numeric_limits<uint32_t>::max();
+    return static_cast<uint32_t>(std::clamp(count, 0.0, most));
+}
+
+bool jTraceSettings::ApplyPort() {
+    const int32_t width = PortSizeFromIndex(Working.PortSizeIndex, Snapshot.PortSizeMask);
+    if (width > 0) Send("etm portsize=" + std::to_string(width));
+
+    // The half-rate entries: the first of the normal format, and the one behind them.
+    const bool normal = Snapshot.NormalFormatSupported;
+    const int32_t normalEntries = !normal ? 0 : Snapshot.HalfRateSupported ? 2 : 1;
+    const bool halfRate =
+        Snapshot.HalfRateSupported &&
+        ((normal && Working.PortModeIndex == 0) ||
+         (Snapshot.DemultiplexedFormatSupported && Working.PortModeIndex == normalEntries));
+    const bool taken = Send(halfRate ? "etm halfrate=on" : "etm halfrate=off");
+
+    if (g_XTraceClient && CompareNoCase(Working.BoardFile.c_str(), "---") != 0) {
+        const char* const value = Working.BoardFile.empty() ? "/none" : Working.BoardFile.c_str();
+        g_XTraceClient->WriteSetting("KVETM", "BoardFile", value);
+    }
+    return taken;
+}
+
+bool jTraceSettings::ApplyTrace() {
+    static constexpr const char* kDataKinds[] = {"none", "addr", "value", "all"};
+    const jTraceState& wanted = Working;
+
+    bool taken = true;
+    const auto send = [&taken](const std::string& command) { taken &= Send(command); };
+    switch (wanted.PcMode) {
+    case 0:
+        send("etm pc=none");
+        break;
+    case 1:
+        send("etm pc=all");
+        break;
+    case 2:
+        send("etm pc=start " + wanted.PcBegin);
+        break;
+    case 3:
+        send("etm pc=start " + wanted.PcBegin);
+        send("etm pc=stop " + wanted.PcEnd);
+        break;
+    case 4:
+        send("etm pc=from " + wanted.PcBegin);
+        send("etm pc=to " + wanted.PcEnd);
+        break;
+    default:
+        send("etm complex");
+        break;
+    }
+    send(std::string("etm data=") + kDataKinds[wanted.DataMode & 3]);
+
+    if (taken && (wanted.DataMode & 4) != 0) {
+        send("etm data=from " + wanted.DataBegin);
+        send("etm data=to " + wanted.DataEnd);
+    }
+    if (taken && wanted.TriggerOnAddress) send("etm trigger " + wanted.TriggerAddress);
+    return taken;
+}
