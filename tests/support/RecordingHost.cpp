@@ -4,8 +4,6 @@
 #include <cstring>
 #include <utility>
 
-#include "frame/slots.h"
-
 namespace {
 
 std::string Hex(uint32_t value) {
@@ -37,16 +35,6 @@ RecordingHost::RecordingHost() {
         {0x1000004, 0x00194824}, {0x1000014, 0x2A}, {5, 0x8088}, {0, 0}, {1, 2048}, {2, 1024}};
 }
 
-RecordingHost::~RecordingHost() {
-    if (g_VETMTrace != &trace) return;
-    g_API = nullptr;
-    g_VETMTrace = nullptr;
-    g_TraceClient = nullptr;
-    g_XTraceClient = nullptr;
-    g_XTrace = nullptr;
-    g_Emu = nullptr;
-}
-
 void RecordingHost::Attach(IOrnKVETMCtrl& control) {
     control.AttachInterface("IOrnAPI", &api);
     control.AttachInterface("IOrnVETMTrace", &trace);
@@ -56,13 +44,9 @@ void RecordingHost::Attach(IOrnKVETMCtrl& control) {
     control.AttachInterface("IOrnEmu", &emu);
 }
 
-void RecordingHost::AttachSlots() {
-    g_API = &api;
-    g_VETMTrace = &trace;
-    g_TraceClient = &traceClient;
-    g_XTraceClient = &xTraceClient;
-    g_XTrace = &xTrace;
-    g_Emu = &emu;
+void RecordingHost::Record(std::string call) {
+    calls.push_back(call);
+    if (onCall) onCall(call);
 }
 
 std::vector<std::string> RecordingHost::TakeCalls() {
@@ -79,7 +63,7 @@ std::vector<std::string> RecordingHost::TakeChanges() {
 }
 
 const char* RecordingHost::Trace::Command(const char* text, std::ostream* stream) {
-    m_Host.calls.push_back(std::string("Command(") + text + ")");
+    m_Host.Record(std::string("Command(") + text + ")");
     if (!m_Host.refuseAllCommands.empty()) return m_Host.refuseAllCommands.c_str();
     const auto refusal = m_Host.refusals.find(text);
     if (refusal != m_Host.refusals.end()) return refusal->second.c_str();
@@ -91,30 +75,30 @@ const char* RecordingHost::Trace::Command(const char* text, std::ostream* stream
 }
 
 const char* RecordingHost::Trace::GetInfoText(uint32_t which) {
-    m_Host.calls.push_back("GetInfoText(" + std::to_string(which) + ")");
+    m_Host.Record("GetInfoText(" + std::to_string(which) + ")");
     return m_Host.info ? m_Host.info->c_str() : nullptr;
 }
 
 uint32_t RecordingHost::Trace::GetTraceState(uint32_t* detail) {
-    m_Host.calls.push_back("GetTraceState");
+    m_Host.Record("GetTraceState");
     if (detail != nullptr) *detail = 0xFFFFFFFF;
     return m_Host.state;
 }
 
 bool RecordingHost::Trace::HasFeature(uint32_t feature) {
-    m_Host.calls.push_back("HasFeature(" + Hex(feature) + ")");
+    m_Host.Record("HasFeature(" + Hex(feature) + ")");
     return m_Host.features.contains(feature);
 }
 
 bool RecordingHost::Trace::SetValue(uint32_t id, uint32_t value) {
-    m_Host.calls.push_back("SetValue(" + Hex(id) + "," + Hex(value) + ")");
+    m_Host.Record("SetValue(" + Hex(id) + "," + Hex(value) + ")");
     if (m_Host.refusedSetValues.contains(id)) return false;
     m_Host.values[id] = value;
     return true;
 }
 
 bool RecordingHost::Trace::GetValue(uint32_t id, uint32_t* value) {
-    m_Host.calls.push_back("GetValue(" + Hex(id) + ")");
+    m_Host.Record("GetValue(" + Hex(id) + ")");
     const auto found = m_Host.values.find(id);
     if (found == m_Host.values.end()) return false;
     *value = found->second;
@@ -122,33 +106,33 @@ bool RecordingHost::Trace::GetValue(uint32_t id, uint32_t* value) {
 }
 
 const char* RecordingHost::Trace::GetSettingsLine(uint32_t index) {
-    m_Host.calls.push_back("GetSettingsLine(" + std::to_string(index) + ")");
+    m_Host.Record("GetSettingsLine(" + std::to_string(index) + ")");
     return index < m_Host.lines.size() ? m_Host.lines[index].c_str() : nullptr;
 }
 
 bool RecordingHost::XTraceClient::HasCommand(const char* name) {
-    m_Host.calls.push_back(std::string("HasCommand(") + name + ")");
+    m_Host.Record(std::string("HasCommand(") + name + ")");
     return m_Host.offersExecuteCmd;
 }
 
 bool RecordingHost::XTraceClient::WriteSetting(const char* section, const char* key,
                                                const char* value) {
-    m_Host.calls.push_back(std::string("WriteSetting(") + section + "," + key + "," + value + ")");
+    m_Host.Record(std::string("WriteSetting(") + section + "," + key + "," + value + ")");
     m_Host.boardFile = value;
     return true;
 }
 
 bool RecordingHost::XTraceClient::ReadSetting(const char* section, const char* key, int32_t size,
                                               char* buffer) {
-    m_Host.calls.push_back(std::string("ReadSetting(") + section + "," + key + ")");
+    m_Host.Record(std::string("ReadSetting(") + section + "," + key + ")");
     if (!m_Host.boardFile) return false;
     std::strncpy(buffer, m_Host.boardFile->c_str(), static_cast<size_t>(size));
     return true;
 }
 
 bool RecordingHost::TraceClient::Action(const char* action, const char* argument) {
-    m_Host.calls.push_back(std::string("Action(") + action + "," +
-                           (argument != nullptr ? argument : "null") + ")");
+    m_Host.Record(std::string("Action(") + action + "," +
+                  (argument != nullptr ? argument : "null") + ")");
     if (std::strcmp(action, "CheckAction") == 0) return m_Host.evaluates;
     const std::string expression = std::string(action).substr(5); // behind "Eval "
     return m_Host.validExpressions.empty() || m_Host.validExpressions.contains(expression);

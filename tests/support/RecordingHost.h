@@ -8,6 +8,7 @@
 
 #pragma once
 
+#include <functional>
 #include <map>
 #include <optional>
 #include <ostream>
@@ -43,7 +44,9 @@ class RecordingHost {
 public:
     RecordingHost();
     /// Detaches what AttachSlots attached.
-    ~RecordingHost();
+    ~RecordingHost() {
+        if (m_Detach != nullptr) m_Detach();
+    }
     RecordingHost(const RecordingHost&) = delete;
     RecordingHost& operator=(const RecordingHost&) = delete;
 
@@ -115,4 +118,10 @@ public:
     HostObject<IOrnEmu> emu{"IOrnEmu"};
 
     std::vector<std::string> calls;
+    /// Runs behind each recorded call, inside the module's call.
+    std::function<void(const std::string& call)> onCall;
+    void Record(std::string call);
+
+private:
+    void (*m_Detach)() = nullptr;
 };

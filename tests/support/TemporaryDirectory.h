@@ -1,0 +1,28 @@
+// TemporaryDirectory: an empty directory that goes with the object.
+
+#pragma once
+
+#include <filesystem>
+#include <random>
+#include <string>
+
+class TemporaryDirectory {
+public:
+    TemporaryDirectory() {
+        std::random_device random;
+        do m_Path = std::filesystem::temp_directory_path() / ("kvetm-" + std::to_string(random()));
+        while (!std::filesystem::create_directory(m_Path));
+    }
+    ~TemporaryDirectory() {
+        std::error_code ignored;
+        std::filesystem::remove_all(m_Path, ignored);
+    }
+    TemporaryDirectory(const TemporaryDirectory&) = delete;
+    TemporaryDirectory& operator=(const TemporaryDirectory&) = delete;
+
+    /// Without a separator at its end.
+    std::string Path() const { return m_Path.string(); }
+
+private:
+    std::filesystem::path m_Path;
+};
