@@ -120,6 +120,9 @@ const std::vector<Scenario>& AllScenarios() {
              EXPECT_TRUE(user.Checked(1075));
              user.Type(1014, "0x2000");
              user.Type(1016, "0x2FFF");
+             user.Tab(0); // which sees that the trigger was given up
+             EXPECT_FALSE(user.Checked(1005));
+             EXPECT_FALSE(user.Enabled(1077));
              user.Click(IDOK);
          },
          {"SetValue(0x0,0x1)", "Command(etm pc=all)", "Command(etm data=all)",
