@@ -1,0 +1,40 @@
+// What etmhost does on each of its commands.
+
+#pragma once
+
+#include <iosfwd>
+#include <string>
+#include <vector>
+
+#include "host/module_session.h"
+
+namespace etmhost {
+
+/// Exit statuses.
+enum Status : int {
+    kDone = 0,
+    kFailed = 1,   ///< the target refused a command, or the module failed
+    kBadInput = 2, ///< there was nothing to work with
+};
+
+/// Lists the chips.
+Status ShowChips(std::ostream& out);
+
+/// Prints what the host's target is and holds.
+Status ShowTarget(SimulatedHost& host, std::ostream& out);
+
+/// Carries out `commands` in order, and prints what became of each.
+Status RunCommands(SimulatedHost& host, const std::vector<std::string>& commands,
+                   std::ostream& out);
+
+/// Shows the dialog, and returns when it has closed. Failures go to `errors`.
+Status OpenDialog(ModuleSession& session, SimulatedHost& host, std::ostream& errors);
+
+/// Sends the module's settings to the target.
+Status Apply(ModuleSession& session, SimulatedHost& host, std::ostream& out, std::ostream& errors);
+
+/// Has the module settle its board file, and prints what it answers.
+Status InitBoardFile(ModuleSession& session, SimulatedHost& host, const std::string& directory,
+                     std::ostream& out);
+
+} // namespace etmhost

@@ -1,0 +1,211 @@
+#include "host/host_interfaces.h"
+
+#include <utility>
+
+#include "host/words.h"
+
+namespace etmhost {
+
+namespace {
+
+// Ids of GetValue and SetValue.
+constexpr uint32_t kControlWord = 0;
+constexpr uint32_t kBufferSize = 1;
+constexpr uint32_t kTriggerCount = 2;
+constexpr uint32_t kPortSizes = 5;
+constexpr uint32_t kConfigCode = 0x1000004;
+constexpr uint32_t kSystemConfig = 0x1000014;
+constexpr uint32_t kEtmId = 0x10001E4;
+
+// Ids of HasFeature.
+constexpr uint32_t kFeatureEtb = 0x2000000;
+constexpr uint32_t kFeatureTpiu = 0x3000000;
+constexpr uint32_t kFeatureCortexM3 = 0x4000000;
+
+const char* OrEmpty(const char* text) {
+    return text != nullptr ? text : "";
+}
+
+} // namespace
+
+// --- IOrnVETMTrace ---------------------------------------------------------------------
+
+HostVETMTrace::HostVETMTrace(Target& target, const Symbols& symbols, Journal& journal)
+    : HostObject("IOrnVETMTrace", 100, journal), target_(target), language_(target, symbols) {}
+
+const char* HostVETMTrace::Command(const char* text, std::ostream* stream) {
+    const Refusal refusal = language_.Execute(OrEmpty(text), stream);
+    refusal_ = refusal.value_or("");
+    journal_.Call("Command " + Quote(text), refusal ? Quote(refusal_.c_str()) : "ok");
+    return refusal ? refusal_.c_str() : nullptr;
+}
+
+const char* HostVETMTrace::GetInfoText(uint32_t which) {
+    const char* text = which == 0 ? target_.chip().info : nullptr;
+    journal_.Call("GetInfoText " + std::to_string(which), Quote(text));
+    return text;
+}
+
+uint32_t HostVETMTrace::GetTraceState(uint32_t* detail) {
+    target_.Step();
+    const uint32_t state = target_.StateWord();
+    if (detail != nullptr) {
+        *detail = target_.state.capture.captured;
+    }
+    // The dialog polls by its clock. Only news goes into the journal, so that it does not depend on
+    // how fast the machine and its user are.
+    if (!stateKnown_ || state != lastState_) {
+        journal_.Call("GetTraceState", Hex(state));
+    }
+    stateKnown_ = true;
+    lastState_ = state;
+    return state;
+}
+
+bool HostVETMTrace::HasFeature(uint32_t feature) {
+    const Chip& chip = target_.chip();
+    const bool has = (feature == kFeatureEtb && chip.path == TracePath::Etb) ||
+                     (feature == kFeatureTpiu && chip.path == TracePath::Tpiu) ||
+                     (feature == kFeatureCortexM3 && chip.cortexM3);
+    journal_.Call("HasFeature " + Hex(feature), YesNo(has));
+    return has;
+}
+
+bool HostVETMTrace::SetValue(uint32_t id, uint32_t value) {
+    const bool done = id == kControlWord    ? target_.SetControl(value)
+                      : id == kTriggerCount ? target_.SetTriggerCount(value)
+                                            : false;
+    journal_.Call("SetValue " + Hex(id) + " " + Hex(value), done ? "ok" : "refused");
+    return done;
+}
+
+bool HostVETMTrace::Read(uint32_t id, uint32_t& value) const {
+    const Chip& chip = target_.chip();
+    switch (id) {
+    case kControlWord:
+        value = target_.state.control;
+        return true;
+    case kBufferSize:
+        value = chip.bufferSize;
+        return true;
+    case kTriggerCount:
+        value = target_.state.triggerCount;
+        return true;
+    case kPortSizes:
+        value = chip.portSizeMask;
+        return true;
+    case kConfigCode:
+        value = chip.configCode;
+        return true;
+    case kSystemConfig:
+        value = chip.systemConfig;
+        return true;
+    case kEtmId:
+        value = chip.id;
+        return (chip.configCode >> 31) != 0;
+    default:
+        return false;
+    }
+}
+
+bool HostVETMTrace::GetValue(uint32_t id, uint32_t* value) {
+    uint32_t read = 0;
+    const bool known = value != nullptr && Read(id, read);
+    if (known) {
+        *value = read;
+    }
+    journal_.Call("GetValue " + Hex(id), known ? Hex(read) : "refused");
+    return known;
+}
+
+const char* HostVETMTrace::GetSettingsLine(uint32_t index) {
+    if (index == 0) {
+        lines_ = target_.SettingsLines();
+    }
+    const char* line = index < lines_.size() ? lines_[index].c_str() : nullptr;
+    journal_.Call("GetSettingsLine " + std::to_string(index), Quote(line));
+    return line;
+}
+
+// --- IOrnTraceClient -----------------------------------------------------------------
+
+HostTraceClient::HostTraceClient(const Symbols& symbols, Journal& journal)
+    : HostObject("IOrnTraceClient", 100, journal), symbols_(symbols) {}
+
+bool HostTraceClient::Action(const char* action, const char* argument) {
+    std::string_view expression = OrEmpty(action);
+    const std::string_view word = TakeWord(expression);
+    bool done = false;
+    if (EqualNoCase(word, "CheckAction")) {
+        done = EqualNoCase(OrEmpty(argument), "Eval");
+    } else if (EqualNoCase(word, "Eval")) {
+        done = Evaluate(expression, symbols_).error.empty();
+    }
+    journal_.Call("Action " + Quote(action) + " " + Quote(argument), YesNo(done));
+    return done;
+}
+
+// --- IOrnXTraceClient ----------------------------------------------------------------
+
+HostXTraceClient::HostXTraceClient(NamedSettings& settings, Journal& journal)
+    : HostObject("IOrnXTraceClient", 111, journal), settings_(settings) {}
+
+bool HostXTraceClient::HasCommand(const char* name) {
+    const bool has = EqualNoCase(OrEmpty(name), "ExecuteCmd");
+    journal_.Call("HasCommand " + Quote(name), YesNo(has));
+    return has;
+}
+
+bool HostXTraceClient::WriteSetting(const char* section, const char* key, const char* value) {
+    const bool complete = section != nullptr && key != nullptr && value != nullptr;
+    if (complete) {
+        settings_[section][key] = value;
+    }
+    journal_.Call("WriteSetting " + Quote(section) + " " + Quote(key) + " " + Quote(value),
+                  complete ? "ok" : "refused");
+    return complete;
+}
+
+bool HostXTraceClient::ReadSetting(const char* section, const char* key, int32_t size,
+                                   char* buffer) {
+    const auto group = settings_.find(OrEmpty(section));
+    bool found = false;
+    if (group != settings_.end() && size > 0 && buffer != nullptr) {
+        if (const auto entry = group->second.find(OrEmpty(key)); entry != group->second.end()) {
+            const size_t length = entry->second.copy(buffer, static_cast<size_t>(size) - 1);
+            buffer[length] = '\0';
+            found = true;
+        }
+    }
+    journal_.Call("ReadSetting " + Quote(section) + " " + Quote(key) + " " + std::to_string(size),
+                  found ? Quote(buffer) : "none");
+    return found;
+}
+
+// --- The host --------------------------------------------------------------------------
+
+SimulatedHost::SimulatedHost(const Chip& chip, Symbols addresses, Journal log)
+    : target(chip), symbols(std::move(addresses)), journal(log), api("IOrnAPI", 100, journal),
+      trace(target, symbols, journal), traceClient(symbols, journal),
+      xTraceClient(settings, journal), xTrace("IOrnXTrace", 100, journal),
+      emu("IOrnEmu", 100, journal) {}
+
+IOrnInterface* SimulatedHost::Find(const std::string& name) {
+    const struct {
+        const char* name;
+        IOrnInterface* object;
+    } interfaces[] = {{"IOrnAPI", &api},
+                      {"IOrnVETMTrace", &trace},
+                      {"IOrnTraceClient", &traceClient},
+                      {"IOrnXTraceClient", &xTraceClient},
+                      {"IOrnXTrace", &xTrace},
+                      {"IOrnEmu", &emu}};
+    for (const auto& entry : interfaces) {
+        if (name == entry.name) {
+            return entry.object;
+        }
+    }
+    return nullptr;
+}
+
+} // namespace etmhost

@@ -1,0 +1,119 @@
+// The six interfaces that the module requires, on top of the simulated target.
+
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "frame/interfaces/IOrnAPI.h"
+#include "frame/interfaces/IOrnEmu.h"
+#include "frame/interfaces/IOrnTraceClient.h"
+#include "frame/interfaces/IOrnVETMTrace.h"
+#include "frame/interfaces/IOrnXTrace.h"
+#include "frame/interfaces/IOrnXTraceClient.h"
+#include "host/command.h"
+#include "host/journal.h"
+#include "host/target.h"
+
+namespace etmhost {
+
+/// Named settings: section, key, value.
+using NamedSettings = std::map<std::string, std::map<std::string, std::string>>;
+
+/// What all host objects share: the identity operations, and the journal.
+template <class Interface> class HostObject : public Interface {
+public:
+    HostObject(const char* name, int32_t version, Journal& journal)
+        : journal_(journal), name_(name), version_(version) {}
+
+    const char* GetInterfaceName() override {
+        journal_.Call(name_ + ".GetInterfaceName", Quote(name_.c_str()));
+        return name_.c_str();
+    }
+    int32_t GetInterfaceVersion() override {
+        journal_.Call(name_ + ".GetInterfaceVersion", std::to_string(version_));
+        return version_;
+    }
+    const char* GetComponentName() override { return "etmhost"; }
+    int32_t GetComponentVersion() override { return 100; }
+    IOrnInterface* GetInterface(const char*) override { return nullptr; }
+    void ReleaseInterface(IOrnInterface*) override {}
+
+protected:
+    Journal& journal_;
+
+private:
+    std::string name_;
+    int32_t version_;
+};
+
+class HostVETMTrace final : public HostObject<IOrnVETMTrace> {
+public:
+    HostVETMTrace(Target& target, const Symbols& symbols, Journal& journal);
+
+    const char* Command(const char* text, std::ostream* stream) override;
+    const char* GetInfoText(uint32_t which) override;
+    uint32_t GetTraceState(uint32_t* detail) override;
+    bool HasFeature(uint32_t feature) override;
+    bool SetValue(uint32_t id, uint32_t value) override;
+    bool GetValue(uint32_t id, uint32_t* value) override;
+    const char* GetSettingsLine(uint32_t index) override;
+
+private:
+    bool Read(uint32_t id, uint32_t& value) const;
+
+    Target& target_;
+    CommandLanguage language_;
+    std::string refusal_;            // keeps the text that Command returned
+    std::vector<std::string> lines_; // of the pass that runs
+    bool stateKnown_ = false;
+    uint32_t lastState_ = 0; // the answer that the journal showed last
+};
+
+class HostTraceClient final : public HostObject<IOrnTraceClient> {
+public:
+    HostTraceClient(const Symbols& symbols, Journal& journal);
+
+    bool Action(const char* action, const char* argument) override;
+
+private:
+    const Symbols& symbols_;
+};
+
+class HostXTraceClient final : public HostObject<IOrnXTraceClient> {
+public:
+    HostXTraceClient(NamedSettings& settings, Journal& journal);
+
+    bool HasCommand(const char* name) override;
+    bool WriteSetting(const char* section, const char* key, const char* value) override;
+    bool ReadSetting(const char* section, const char* key, int32_t size, char* buffer) override;
+
+private:
+    NamedSettings& settings_;
+};
+
+/// A debugger host with one target. The interfaces borrow its members and live as long as it.
+class SimulatedHost {
+public:
+    SimulatedHost(const Chip& chip, Symbols symbols, Journal journal);
+    SimulatedHost(const SimulatedHost&) = delete;
+    SimulatedHost& operator=(const SimulatedHost&) = delete;
+
+    /// Returns the interface `name`, or null.
+    IOrnInterface* Find(const std::string& name);
+
+    Target target;
+    NamedSettings settings;
+    const Symbols symbols;
+    Journal journal;
+
+    HostObject<IOrnAPI> api;
+    HostVETMTrace trace;
+    HostTraceClient traceClient;
+    HostXTraceClient xTraceClient;
+    HostObject<IOrnXTrace> xTrace;
+    HostObject<IOrnEmu> emu;
+};
+
+} // namespace etmhost

@@ -1,0 +1,85 @@
+#include "host/qt/guide.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QMessageBox>
+#include <QTimer>
+#include <cstdlib>
+#include <iostream>
+
+namespace etmhost {
+
+namespace {
+
+constexpr int kPause = 40;           // between two stops, in ms
+constexpr int kPatience = 10 * 1000; // for one stop, in ms
+
+} // namespace
+
+void Guide::Add(QString what, std::function<QWidget*()> find, std::function<void(QWidget*)> act) {
+    stops_.push_back({std::move(what), std::move(find), std::move(act)});
+}
+
+void Guide::Start() {
+    waiting_.start();
+    Schedule();
+}
+
+void Guide::Schedule() {
+    // A new timer each time: one timer does not fire again while its handler runs a modal window.
+    QTimer::singleShot(kPause, this, [this] { Tick(); });
+}
+
+void Guide::Fail(const QString& reason) {
+    if (failure_.isEmpty()) {
+        failure_ = reason;
+        waiting_.restart();
+    }
+}
+
+void Guide::Tick() {
+    Schedule();
+    if (const auto* box = qobject_cast<QMessageBox*>(ModalWindow())) {
+        Fail("a box \"" + box->windowTitle() + "\" came up: " + box->text());
+    }
+    if (!failure_.isEmpty()) {
+        CloseTopWindow();
+        return;
+    }
+    QWidget* widget = arrived() ? nullptr : stops_[next_].find();
+    if (widget != nullptr) {
+        waiting_.restart();
+        const Stop& stop = stops_[next_];
+        ++next_; // ahead of the act, which may not return before later stops are made
+        stop.act(widget);
+    } else if (waiting_.elapsed() > kPatience) {
+        Fail(arrived() ? "the dialog did not close" : "did not find " + stops_[next_].what);
+    }
+}
+
+void Guide::CloseTopWindow() {
+    QWidget* window = ModalWindow();
+    if (window == nullptr) {
+        return;
+    }
+    if (waiting_.elapsed() > kPatience) {
+        std::cerr << "etmhost: tour: " << failure_.toStdString()
+                  << "\netmhost: a window cannot be closed\n";
+        std::_Exit(1);
+    }
+    if (auto* box = qobject_cast<QMessageBox*>(window)) {
+        box->buttons().last()->click(); // a box without a Cancel button ignores close
+    } else {
+        window->close();
+    }
+}
+
+QWidget* ModalWindow(const QString& name) {
+    QWidget* window = QApplication::activeModalWidget();
+    return window != nullptr && window->isVisible() &&
+                   (name.isEmpty() || window->objectName() == name)
+               ? window
+               : nullptr;
+}
+
+} // namespace etmhost

@@ -1,0 +1,38 @@
+// What this host needs of the operating system. posix/ and win32/ each implement all of it.
+
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+
+namespace etmhost {
+
+/// Returns the path of this program's file; empty if the system does not tell.
+std::filesystem::path ExecutableFile();
+
+/// The extension of shared libraries, with its point.
+const char* LibraryExtension();
+
+/// Turns 8-bit text, as it crosses the interfaces and the command line, into a path, and back.
+/// NativePath gives nothing for text that the system's encoding cannot represent.
+std::optional<std::filesystem::path> NativePath(const std::string& text);
+std::string PathText(const std::filesystem::path& path);
+
+/// A loaded shared library. Unloads it when it goes.
+class Library {
+public:
+    /// Loads `file`, an absolute path. Throws HostError with the system's reason.
+    explicit Library(const std::filesystem::path& file);
+    ~Library();
+    Library(const Library&) = delete;
+    Library& operator=(const Library&) = delete;
+
+    /// Returns the address of the exported function `name`, or null.
+    void* Find(const char* name) const;
+
+private:
+    void* handle_;
+};
+
+} // namespace etmhost

@@ -1,0 +1,152 @@
+#include "host/target.h"
+
+#include <algorithm>
+
+namespace etmhost {
+
+namespace {
+
+constexpr uint32_t kStepsToFill = 8;
+constexpr uint32_t kTriggerStep = 4;
+
+} // namespace
+
+Target::Target(const Chip& chip) : chip_(&chip), etm_(DecodeRegisters(chip)) {
+    state.triggerCount = chip.bufferSize / 2;
+    state.trace.portSize = PortSizes(chip).back();
+}
+
+std::vector<std::string> Target::SettingsLines() const {
+    const TraceSettings& trace = state.trace;
+    std::vector<std::string> lines;
+    const auto line = [&lines](const char* what, const std::string& value) {
+        lines.push_back(std::string("ETM ") + what + value);
+    };
+    const auto address = [&line](const char* what, const std::string& value) {
+        if (!value.empty()) {
+            line(what, value);
+        }
+    };
+    switch (trace.pc) {
+    case PcTrace::None:
+        line("PC = ", "none");
+        break;
+    case PcTrace::All:
+        line("PC = ", "all");
+        break;
+    case PcTrace::StartStop: // the reader takes the last line's mode: stop belongs behind start
+        address("PC = start ", trace.pcBegin);
+        address("PC = stop ", trace.pcEnd);
+        break;
+    case PcTrace::Range:
+        address("PC = from ", trace.pcBegin);
+        address("PC = to ", trace.pcEnd);
+        break;
+    case PcTrace::Complex:
+        line("COMPLEX", "");
+        break;
+    }
+    line("DATA = ", DataTraceName(trace.data)); // ahead of the range, which it would clear
+    address("DATA = from ", trace.dataBegin);
+    address("DATA = to ", trace.dataEnd);
+    address("TRIGGER ", trace.trigger);
+    line("PORTSIZE = ", std::to_string(trace.portSize));
+    if (etm_.halfRate) { // a chip without the choice has nothing to report
+        line("HALFRATE = ", trace.halfRate ? "on" : "off");
+    }
+    return lines;
+}
+
+bool Target::SetControl(uint32_t word) {
+    if ((word & ~uint32_t{kControlBits}) != 0) {
+        return false;
+    }
+    state.control = word;
+    if ((word & kTraceEnabled) == 0) {
+        state.capture.running = false;
+    }
+    return true;
+}
+
+bool Target::SetTriggerCount(uint32_t count) {
+    if (count > chip_->bufferSize || (chip_->path == TracePath::Etb && state.capture.running)) {
+        return false;
+    }
+    state.triggerCount = count;
+    return true;
+}
+
+std::string Target::Start() {
+    if ((state.control & kTraceEnabled) == 0) {
+        return "Trace is not enabled";
+    }
+    if (!state.capture.running) {
+        const uint32_t kept = (state.control & kAccumulate) != 0 ? state.capture.captured : 0;
+        state.capture = {.running = true, .ended = state.capture.ended, .captured = kept};
+    }
+    return {};
+}
+
+std::string Target::Stop() {
+    state.capture.running = false;
+    return {};
+}
+
+std::string Target::ForceTrigger() {
+    if (chip_->path == TracePath::Tpiu) {
+        return "A TPIU has no trigger that could be forced";
+    }
+    if (chip_->path == TracePath::Etb) {
+        return "The trigger of an ETB comes from the ETM and cannot be forced";
+    }
+    if (!state.capture.running) {
+        return "Capture is not running";
+    }
+    Trigger();
+    return {};
+}
+
+void Target::Trigger() {
+    if (!state.capture.triggered) {
+        state.capture.triggered = true;
+        state.capture.remaining = state.triggerCount;
+    }
+}
+
+void Target::Step() {
+    Capture& capture = state.capture;
+    if (!capture.running) {
+        return;
+    }
+    const uint32_t size = chip_->bufferSize;
+    const uint32_t amount = std::max<uint32_t>(size / kStepsToFill, 1);
+    capture.steps += 1;
+    capture.captured =
+        static_cast<uint32_t>(std::min<uint64_t>(uint64_t{capture.captured} + amount, size));
+    if (capture.triggered) {
+        capture.remaining -= std::min(capture.remaining, amount);
+    }
+    if (capture.steps == kTriggerStep && chip_->path != TracePath::Tpiu &&
+        (state.control & kStopOnAddress) != 0 && !state.trace.trigger.empty()) {
+        Trigger();
+    }
+    const bool full = (state.control & kStopWhenFull) != 0 && capture.captured == size &&
+                      chip_->path != TracePath::Etb; // an on-chip buffer goes round and round
+    const bool behindTrigger =
+        (state.control & kStopOnTrigger) != 0 && capture.triggered && capture.remaining == 0;
+    if (full || behindTrigger) {
+        capture.running = false;
+        capture.ended = !capture.ended;
+    }
+}
+
+uint32_t Target::StateWord() const {
+    return (state.capture.ended ? 0x2u : 0u) | (state.capture.running ? 0x4u : 0u);
+}
+
+const char* DataTraceName(DataTrace data) {
+    constexpr const char* kNames[] = {"none", "addr", "value", "all"};
+    return kNames[static_cast<int>(data)];
+}
+
+} // namespace etmhost

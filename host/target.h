@@ -1,0 +1,106 @@
+// The simulated target: settings, control word and a capture that goes on in steps of time.
+
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "host/chips.h"
+
+namespace etmhost {
+
+/// Bits of the general control word.
+enum ControlBit : uint32_t {
+    kTraceEnabled = 0x1,
+    kStopWhenFull = 0x2,
+    kAccumulate = 0x4,
+    kStopOnPin = 0x100,
+    kStopOnAddress = 0x200,
+    kStopOnTrigger = kStopOnPin | kStopOnAddress,
+    kControlBits = 0x33F, ///< all that the target has
+};
+
+enum class PcTrace { None, All, StartStop, Range, Complex };
+enum class DataTrace { None, Addresses, Values, All };
+
+/// What the ETM traces, as the "etm ..." commands left it. An address that is not in use is empty.
+struct TraceSettings {
+    PcTrace pc = PcTrace::All;
+    std::string pcBegin, pcEnd; ///< start and stop, or from and to
+    DataTrace data = DataTrace::None;
+    std::string dataBegin, dataEnd;
+    std::string trigger;
+    uint32_t portSize = 0; ///< bits
+    bool halfRate = false;
+
+    bool operator==(const TraceSettings&) const = default;
+};
+
+/// A capture. Amounts are in the words of the trace buffer.
+struct Capture {
+    bool running = false;
+    bool ended = false; ///< turns over whenever a capture stops by itself
+    bool triggered = false;
+    uint32_t steps = 0;     ///< time since the start
+    uint32_t captured = 0;  ///< words in the buffer
+    uint32_t remaining = 0; ///< words to go behind the trigger
+
+    bool operator==(const Capture&) const = default;
+};
+
+/// All that a target keeps.
+struct TargetState {
+    uint32_t control = 0;
+    uint32_t triggerCount = 0;
+    std::string macro;      ///< value of the last "macro" command
+    bool pinsReady = false; ///< a board file has switched the trace pins on
+    TraceSettings trace;
+    Capture capture;
+
+    bool operator==(const TargetState&) const = default;
+};
+
+class Target {
+public:
+    /// A target fresh from reset. `chip` must outlive it.
+    explicit Target(const Chip& chip);
+
+    const Chip& chip() const { return *chip_; }
+    const EtmResources& etm() const { return etm_; }
+
+    TargetState state;
+
+    /// Returns the trace settings as lines of text, the way GetSettingsLine hands them out.
+    std::vector<std::string> SettingsLines() const;
+
+    /// Takes a new control word; false, and no change, if it has a bit that the target lacks.
+    bool SetControl(uint32_t word);
+
+    /// Takes a new number of words to capture behind the trigger. False, and no change, if the
+    /// buffer is smaller, and while an on-chip buffer captures: it ignores the write then.
+    bool SetTriggerCount(uint32_t count);
+
+    /// Starts and ends a capture. Each returns the reason of a refusal, or an empty text.
+    std::string Start();
+    std::string Stop();
+    std::string ForceTrigger();
+
+    /// One step of simulated time: a running capture fills an eighth of the buffer, and stops if a
+    /// stop mode tells it to. An address trigger occurs at the fourth step.
+    void Step();
+
+    /// Returns the state word of GetTraceState.
+    uint32_t StateWord() const;
+
+private:
+    void Trigger();
+
+    const Chip* chip_;
+    EtmResources etm_;
+};
+
+/// Returns the word that commands and settings lines use for `data`.
+const char* DataTraceName(DataTrace data);
+
+} // namespace etmhost

@@ -1,0 +1,57 @@
+#include "host/words.h"
+
+#include <algorithm>
+
+namespace etmhost {
+
+namespace {
+
+char Lower(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+} // namespace
+
+bool IsBlank(char c) {
+    return c == ' ' || c == '\t';
+}
+
+bool IsDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+
+bool IsLetter(char c) {
+    return Lower(c) >= 'a' && Lower(c) <= 'z';
+}
+
+bool EqualNoCase(std::string_view a, std::string_view b) {
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                      [](char x, char y) { return Lower(x) == Lower(y); });
+}
+
+std::string_view SkipBlanks(std::string_view text) {
+    text.remove_prefix(std::min(text.find_first_not_of(" \t"), text.size()));
+    return text;
+}
+
+std::string_view Trim(std::string_view text) {
+    text = SkipBlanks(text);
+    while (!text.empty() && IsBlank(text.back())) {
+        text.remove_suffix(1);
+    }
+    return text;
+}
+
+std::string_view TakeWord(std::string_view& text, std::string_view stops) {
+    text = SkipBlanks(text);
+    size_t end = 0;
+    while (end < text.size() && !IsBlank(text[end]) &&
+           stops.find(text[end]) == std::string_view::npos) {
+        ++end;
+    }
+    const std::string_view word = text.substr(0, end);
+    text = SkipBlanks(text.substr(end));
+    return word;
+}
+
+} // namespace etmhost
