@@ -1,0 +1,67 @@
+// Capacities and lengths of the string that lets its users write into it.
+
+#include "text/jString.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace {
+
+TEST(jString, SparesEightBytesWhenAnAssignHasToAllocate) {
+    struct Row {
+        size_t length;
+        uint32_t capacity;
+    };
+    for (const Row& row : {Row{0, 16}, {15, 16}, {16, 32}, {23, 32}, {24, 40}, {65535, 65544}}) {
+        const std::string text(row.length, 'x');
+        jString string;
+        string.Assign(text.c_str());
+        EXPECT_EQ(string.Capacity, row.capacity) << row.length;
+        EXPECT_EQ(string.GetLength(), row.length);
+        EXPECT_EQ(string.GetBuffer(), text);
+        string.Assign(nullptr);
+        EXPECT_EQ(string.Capacity, row.capacity) << "an empty text keeps the buffer";
+        EXPECT_EQ(string.Length, 0u);
+    }
+}
+
+TEST(jString, GrowsNoFurtherThanAnAppendNeeds) {
+    jString string;
+    EXPECT_EQ(&string.Append("123456789012345"), &string);
+    EXPECT_EQ(string.Capacity, 16u);
+    string.Append(nullptr).Append("");
+    EXPECT_EQ(string.Capacity, 16u);
+    string.Append("6");
+    EXPECT_EQ(string.Capacity, 24u);
+    EXPECT_EQ(string.Length, 16u);
+    string.GetBuffer()[3] = '\0';
+    string.Append("abcdefghijklmnopqrstuvwxyz");
+    EXPECT_STREQ(string.Data, "123abcdefghijklmnopqrstuvwxyz");
+    EXPECT_EQ(string.Length, 29u);
+    EXPECT_EQ(string.Capacity, 32u);
+}
+
+TEST(jString, ReservesAndShrinks) {
+    jString string;
+    EXPECT_EQ(string.Reserve(100), 103u);
+    string.Append("0123456789");
+    EXPECT_EQ(string.Reserve(103), 103u);
+    EXPECT_EQ(string.Reserve(0), 15u);
+    EXPECT_STREQ(string.Data, "0123456789");
+    EXPECT_EQ(string.Capacity, 16u);
+}
+
+TEST(jString, MeasuresAnewAfterAccess) {
+    jString string;
+    string.Assign("abc");
+    EXPECT_EQ(string.At(1), 'b');
+    EXPECT_EQ(string.Length, jString::kUnknownLength);
+    EXPECT_EQ(string.GetLength(), 3u);
+    EXPECT_EQ(&string.At(3), string.Data + 3);
+    EXPECT_EQ(&string.At(4000000000), string.Data + 3);
+    string.GetBuffer()[2] = '\0';
+    EXPECT_EQ(string.GetLength(), 2u);
+}
+
+} // namespace
