@@ -1,0 +1,111 @@
+// Which files are board files, under which title, and what is shown of them.
+
+#include "board/BoardFile.h"
+#include "tests/board/BoardTest.h"
+
+#if !defined(_WIN32)
+#include <sys/stat.h>
+#endif
+
+TEST_F(BoardTest, TitleAndCommandsOfAFile) {
+    const std::string a = kMarker + ";Title=A\n", shownA = "Title=A|", t300(300, 't');
+    const struct {
+        std::string bytes, title, commands; // title "-": not a board file; "|": CR LF
+    } rows[] = {
+        {kMarker + ";Title=My Board\r\n\r\nx 1\r\n", "My Board", "Title=My Board|x 1|"},
+        {";[OrnithalWorksTraceInitFile]\n;Title=A\n  1\t\n\n \t\n2", "A", "Title=A|1\t|2|"},
+        {"; see [ORNITHALWORKSTRACEINITFILE] here\n;title=A\n", "A", "title=A|"},
+        {"", "-", ""},
+        {"x\n" + a, "-", "x|Title=A|"},
+        {" " + a, "-", shownA},
+        {a.substr(1), "-", "[OrnithalWorksTraceInitFile]|Title=A|"},
+        {";" + std::string(257, ' ') + a, "-", shownA}, // the marker behind the limit
+        {kMarker + "Title=A\n", "-", shownA},
+        {kMarker + " ;Title=A\n", "-", shownA},
+        {kMarker + ";Title=\n", "", "Title=|"},
+        {a + ";Title=B\n", "A", "Title=A|Title=B|"},
+        {kMarker + ";old Title=New Title=x\n", "New Title=x", "Title=New Title=x|"},
+        {kMarker + ";a\r;Title=B\rc\n", "B", ""},
+        {kMarker + ";Title= \"K\xC3\xBC\" \n", " \"K\xC3\xBC\" ", "Title= \"K\xC3\xBC\" |"},
+        {kMarker + ";Title=" + t300 + "\n", t300.substr(52),
+         "Title=" + t300.substr(49) + "|" + t300.substr(251) + "|"},
+        {a + " trace on\nTRACE x\ntracer\nno trace\n; c\n", "A", "Title=A|no trace|"},
+        {a + t300 + "\n", "A", shownA + t300.substr(42) + "|" + t300.substr(258) + "|"},
+        {";[OrnithalWorksTraceInitFile]\r;Title=A\rx", "-", ""}, // all of it one line
+        {kMarker + std::string(";Title=A\0b\nc\0d\n\0e\n", 18), "A", "Title=A|c|"},
+    };
+    for (const auto& row : rows) {
+        const FilePointer file = OpenForReading(Write("x.mac", row.bytes).c_str());
+        ASSERT_TRUE(file);
+        std::string title = "-";
+        ReadBoardTitle(file.get(), title);
+        EXPECT_EQ(title, row.title) << row.bytes;
+        std::rewind(file.get());
+        std::string commands = ReadBoardCommands(file.get());
+        for (size_t at; (at = commands.find("\r\n")) != std::string::npos;)
+            commands.replace(at, 2, "|");
+        EXPECT_EQ(commands, row.commands) << row.bytes;
+    }
+}
+
+TEST_F(BoardTest, OnlyMarkedFilesOfTheDirectoryItselfAreListed) {
+    std::vector<std::string> titles = {kGeneric};
+    for (const char* name : {"plain.mac", "twin.mac", "UPPER.MAC", ".mac", "a 'b' \xC3\xBC.mac"}) {
+        titles.push_back(name == std::string("twin.mac") ? "plain.mac" : name);
+        Write(name, kMarker + ";Title=" + titles.back() + "\r\n");
+    }
+    std::filesystem::create_directory(directory / "sub.mac");
+    for (const char* name : {"x.mac1", "x.mac.txt", "semi;colon.mac", "sub.mac/deep.mac"})
+        Write(name, kMarker + ";Title=never\r\n");
+    Write("unmarked.mac", ";Title=unmarked\n");
+#if !defined(_WIN32)
+    ASSERT_EQ(mkfifo(PathOf("pipe.mac").c_str(), 0600), 0);
+    std::filesystem::create_symlink("plain.mac", directory / "link.mac");
+    std::filesystem::create_symlink("/dev/zero", directory / "device.mac");
+    titles.push_back("plain.mac");
+#endif
+    std::vector<std::string> listed;
+    Configure([&] { listed = display.Entries(1078); });
+    EXPECT_THAT(listed, testing::UnorderedElementsAreArray(titles));
+
+    // Each of them can be stored, and is selected when the dialog comes up again.
+    for (int i = 1; i < static_cast<int>(listed.size()); ++i) {
+        Configure([&] {
+            display.Select(1078, i);
+            display.Click(IDOK);
+        });
+        ASSERT_TRUE(std::filesystem::exists(Selected())) << Selected();
+        Configure([&] { EXPECT_EQ(display.Selection(1078), i) << Selected(); });
+    }
+
+    settings.SetTextAttribute(TA_BOARD_DIRECTORY, PathOf("missing").c_str());
+    Configure([&] { EXPECT_EQ(display.Entries(1078).size(), 1u); });
+}
+
+TEST_F(BoardTest, SelectionForTheStoredValue) {
+    const std::string path = Write("one.mac", kMarker + ";Title=One\n");
+    const struct {
+        std::string stored;
+        int32_t version; // of the host's interface
+        bool offers;     // ExecuteCmd
+        int selection;
+        std::string afterOk;
+    } rows[] = {
+        {"---", 111, false, 0, "/none"},      {"---", 111, true, 1, "/startup"},
+        {"---", 110, true, 0, "/none"},       {"", 111, true, 1, "/startup"},
+        {"/NONE", 111, true, 0, "/none"},     {"/Startup", 111, true, 1, "/startup"},
+        {"/startup", 111, false, 0, "/none"}, {"/gone.mac", 111, true, 1, "/startup"},
+        {path, 111, false, 1, path},          {PathOf("ONE.MAC"), 111, true, 2, path},
+    };
+    for (const auto& row : rows) {
+        host.xTraceClient.m_Version = row.version;
+        host.offersExecuteCmd = row.offers;
+        settings.SetTextAttribute(TA_BOARD_FILE, row.stored.c_str());
+        Configure([&] {
+            EXPECT_EQ(display.Selection(1078), row.selection) << row.stored;
+            display.Click(IDOK);
+        });
+        EXPECT_EQ(Selected(), row.afterOk) << row.stored;
+        EXPECT_EQ(host.TakeCalls().size(), row.version == 111 ? 1u : 0u) << "HasCommand";
+    }
+}
