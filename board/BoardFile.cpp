@@ -69,8 +69,10 @@ std::string ReadBoardCommands(std::FILE* file) {
     while (std::fgets(line, sizeof line, file)) {
         CutLineEnd(line);
         const char* shown = SkipWhiteSpace(line);
-        if (*shown == ';') shown = FindNoCase(shown, kTitleKeyword);
-        else if (CompareNoCaseN(shown, kTraceWord, std::strlen(kTraceWord)) == 0) continue;
+        if (*shown == ';')
+            shown = FindNoCase(shown, kTitleKeyword);
+        else if (CompareNoCaseN(shown, kTraceWord, std::strlen(kTraceWord)) == 0)
+            continue;
         if (!shown || !*shown) continue;
         commands += shown;
         commands += "\r\n";

@@ -45,8 +45,8 @@ std::string ReadBoardCommands(std::FILE* file);
 /// Returns the bytes of a new board file. `commands` is the text as it was typed;
 /// the lines of it that hold the title keyword are left out. The two selections are
 /// the indexes chosen in the lists of port sizes and port modes.
-std::string ComposeBoardFile(const std::string& title, const char* commands,
-                             int32_t portSizeSel, int32_t portModeSel);
+std::string ComposeBoardFile(const std::string& title, const char* commands, int32_t portSizeSel,
+                             int32_t portModeSel);
 
 /// Copies line `number`, counted from 1, of `text` with its line feed into the
 /// `size` bytes at `buffer`, always terminated; what does not fit is dropped.

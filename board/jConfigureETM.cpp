@@ -40,7 +40,9 @@ void jConfigureETM::OnNotify(Notification& notification) {
     Dispatch(*this, rows, notification);
 }
 
-jConfigureETM::jConfigureETM(CWnd* parent) : CDialog(1001, parent) { g_ConfigAccepted = 0; }
+jConfigureETM::jConfigureETM(CWnd* parent) : CDialog(1001, parent) {
+    g_ConfigAccepted = 0;
+}
 
 jConfigureETM::~jConfigureETM() = default;
 

@@ -15,7 +15,7 @@ public:
     /// pairs of description and pattern.
     jSaveFileDialog(CWnd* owner, const char* const* filters, const char* initialDirectory);
 
-    char FileName[260] = {};  // full path
-    int32_t Accepted = 0;     // 1: the user confirmed a file name
-    int32_t FilterIndex = 1;  // from 1
+    char FileName[260] = {}; // full path
+    int32_t Accepted = 0;    // 1: the user confirmed a file name
+    int32_t FilterIndex = 1; // from 1
 };
