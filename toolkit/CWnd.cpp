@@ -48,7 +48,7 @@ int MessageBoxWithoutOwner(const char* text, const char* title, unsigned flags) 
                                                  title != nullptr ? title : kDefaultTitle, flags);
 }
 
-void MessageBeep(unsigned flags) {
+void CWnd::MessageBeep(unsigned flags) {
     AfxGetApp()->GetDisplay().Beep(flags);
 }
 

@@ -78,6 +78,9 @@ public:
     /// A null `title` gives the toolkit's default, "Error".
     int MessageBox(const char* text, const char* title, unsigned flags);
 
+    /// An audible warning; `flags` is one of the MB_ICON values.
+    static void MessageBeep(unsigned flags);
+
     /// A periodic tick of `milliseconds`, delivered to OnTimer with `id`.
     void SetTimer(unsigned id, unsigned milliseconds);
     void KillTimer(unsigned id);
@@ -112,6 +115,3 @@ int AfxMessageBox(const char* text, unsigned flags);
 
 /// Modal box without an owner. A null `title` gives the toolkit's default.
 int MessageBoxWithoutOwner(const char* text, const char* title, unsigned flags);
-
-/// An audible warning; `flags` is one of the MB_ICON values.
-void MessageBeep(unsigned flags);
