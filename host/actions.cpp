@@ -50,11 +50,11 @@ Status ShowTarget(SimulatedHost& host, std::ostream& out) {
     out << "\nControl word " << Hex(state.control) << '\n';
     PrintIndented(out, DescribeControlWord(state.control));
     const uint32_t word = host.trace.GetTraceState(nullptr);
+    const char* info = host.trace.GetInfoText(0);
     out << "\nCapture\n  " << DescribeState(state.capture) << ", state word " << Hex(word) << "\n  "
         << state.capture.captured << " of " << chip.bufferSize << " words in the trace buffer\n  "
-        << state.triggerCount << " words to capture behind the trigger\n  "
-        << host.trace.GetInfoText(0) << "\n\nBoard\n  trace pins are "
-        << (state.pinsReady ? "switched on" : "off")
+        << state.triggerCount << " words to capture behind the trigger\n  " << info << '\n';
+    out << "\nBoard\n  trace pins are " << (state.pinsReady ? "switched on" : "off")
         << "\n  last macro: " << (state.macro.empty() ? "none" : state.macro) << '\n';
     for (const auto& [section, keys] : host.settings) {
         for (const auto& [key, value] : keys) {

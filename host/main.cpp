@@ -106,8 +106,8 @@ void Describe(CLI::App& app, Options& options) {
     app.add_option("--symbols", options.symbols, "Take symbols for addresses from the ELF FILE")
         ->type_name("FILE");
     app.add_flag("--journal", options.journal,
-                 "Print every call of the module to the host with its answer. Of the calls that "
-                 "poll the capture only those that bring news are printed");
+                 "Print every call of the module to the host with its answer; of those that poll "
+                 "the capture only the ones with news");
 
     const auto command = [&app](const char* name, const char* text) {
         CLI::App* sub = app.add_subcommand(name, text);
@@ -147,6 +147,10 @@ Status Main(int argc, char** argv) {
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
+        if (app.get_subcommands().empty() && !app.remaining().empty()) {
+            throw HostError("there is no command \"" + app.remaining().front() +
+                            "\"; \"etmhost --help\" lists those there are");
+        }
         return app.exit(error) == 0 ? kDone : kBadInput; // 0: help was asked for
     }
     const Status status = Run(app.get_subcommands().front()->get_name(), options);

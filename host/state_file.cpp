@@ -134,7 +134,7 @@ StateFile::StateFile(std::filesystem::path file)
     namespace fs = std::filesystem;
     std::error_code error;
     // A link stays a link: its file is what gets replaced.
-    if (const fs::path target = fs::weakly_canonical(file_, error); !error) {
+    if (const fs::path target = fs::weakly_canonical(fs::absolute(file_), error); !error) {
         file_ = target;
     }
     const fs::file_status status = fs::status(file_, error);

@@ -197,7 +197,7 @@ Screen PrepareTour(const TourOptions& options) {
     const QString directory = QFile::decodeName(options.directory.c_str());
     QFile probe(QDir(directory).filePath(".etmhost-probe"));
     if (!QDir().mkpath(directory) || !probe.open(QIODevice::WriteOnly)) {
-        throw HostError("cannot write into directory \"" + options.directory + "\"");
+        throw HostError("tour: cannot write into directory \"" + options.directory + "\"");
     }
     probe.remove();
     qputenv("QT_QPA_PLATFORM", "offscreen");
