@@ -1,0 +1,93 @@
+#include "toolkit/qt/QtApplication.h"
+
+#include <QApplication>
+#include <QThread>
+#include <clocale>
+#include <cstdlib>
+#include <unistd.h>
+
+#include "toolkit/qt/platform_probe.h"
+
+namespace qt {
+
+namespace {
+
+// True from the beginning of the process's exit: Qt's own objects are about to go
+// or have gone, and an application must no longer be destroyed.
+bool g_Exiting = false;
+
+/// Makes an application that a host will not notice: no name in its session, and
+/// no end of its own when a window closes.
+std::unique_ptr<QApplication> MakeApplication(const char* name, const std::string& platforms) {
+    // Qt keeps pointers to the count and the words, and takes out those that it used.
+    static std::string words[] = {"", "-platform", ""};
+    static char* arguments[4];
+    static int count;
+    words[0] = name;
+    words[2] = platforms;
+    for (int i = 0; i < 3; ++i) arguments[i] = words[i].data();
+    arguments[3] = nullptr;
+    count = 3;
+
+    const KeepLocale locale;
+    const bool sessionless = QCoreApplication::testAttribute(Qt::AA_DisableSessionManager);
+    QCoreApplication::setAttribute(Qt::AA_DisableSessionManager, true);
+    auto application = std::make_unique<QApplication>(count, arguments);
+    QCoreApplication::setAttribute(Qt::AA_DisableSessionManager, sessionless);
+    application->setQuitOnLastWindowClosed(false);
+
+    static const bool watching = std::atexit([] { g_Exiting = true; }) == 0;
+    static_cast<void>(watching);
+    return application;
+}
+
+} // namespace
+
+KeepLocale::KeepLocale() {
+    if (const char* name = std::setlocale(LC_ALL, nullptr)) m_Locale = name;
+}
+
+KeepLocale::~KeepLocale() {
+    const char* now = std::setlocale(LC_ALL, nullptr);
+    if (now == nullptr || m_Locale != now) std::setlocale(LC_ALL, m_Locale.c_str());
+}
+
+QtApplication::QtApplication() = default;
+
+QtApplication::~QtApplication() {
+    // Better to leave it behind than to pull it down at the wrong time or place.
+    if (m_Own && (g_Exiting || QThread::currentThread() != m_Own->thread()))
+        static_cast<void>(m_Own.release());
+}
+
+bool QtApplication::Prepare(const char* name, std::string& reason) {
+    if (const QCoreApplication* application = QCoreApplication::instance()) {
+        if (qobject_cast<const QApplication*>(application) == nullptr) {
+            reason = "The program's Qt application can't show windows: it is no QApplication.";
+            return false;
+        }
+        if (QThread::currentThread() != application->thread()) {
+            reason = "Windows can only be shown by the thread of the program's Qt application.";
+            return false;
+        }
+        if (QCoreApplication::closingDown()) {
+            reason = "The program is closing down.";
+            return false;
+        }
+        return true;
+    }
+    if (geteuid() != getuid() && !QCoreApplication::isSetuidAllowed()) {
+        reason = "Qt shows no windows for a program that runs with another user's rights.";
+        return false;
+    }
+    const std::string platforms = UsablePlatforms(reason);
+    if (platforms.empty()) return false;
+    m_Own = MakeApplication(name, platforms);
+    return true;
+}
+
+void QtApplication::Beep() {
+    if (qobject_cast<QApplication*>(QCoreApplication::instance()) != nullptr) QApplication::beep();
+}
+
+} // namespace qt

@@ -1,0 +1,49 @@
+// QtApplication: the one application object that Qt needs, ours or the host's.
+//
+// Qt's header of it brings in a global name "Display" from X; so only source files
+// that do without toolkit/display.h include that.
+
+#pragma once
+
+#include <memory>
+#include <string>
+
+class QApplication;
+
+namespace qt {
+
+/// Puts the process's locale back on every way out: Qt takes that of the
+/// environment when it starts, and again at the first key that is pressed.
+class KeepLocale {
+public:
+    KeepLocale();
+    ~KeepLocale();
+    KeepLocale(const KeepLocale&) = delete;
+    KeepLocale& operator=(const KeepLocale&) = delete;
+
+private:
+    std::string m_Locale;
+};
+
+/// A host with a QApplication of its own lends it, untouched. For any other host
+/// one is made at the first need and goes with this object.
+class QtApplication {
+public:
+    QtApplication();
+    ~QtApplication();
+    QtApplication(const QtApplication&) = delete;
+    QtApplication& operator=(const QtApplication&) = delete;
+
+    /// Returns true if the calling thread can show windows; false with a readable
+    /// line in `reason`. Never ends the process; may be tried again. `name` is that
+    /// of an application of our own.
+    bool Prepare(const char* name, std::string& reason);
+
+    /// An audible warning, if there is an application that can give one.
+    static void Beep();
+
+private:
+    std::unique_ptr<QApplication> m_Own;
+};
+
+} // namespace qt

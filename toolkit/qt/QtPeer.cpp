@@ -1,0 +1,55 @@
+#include "toolkit/qt/QtPeer.h"
+
+#include <algorithm>
+
+namespace qt {
+
+void QtPeer::Refresh(Change what) {
+    if (what == Change::Enabled) m_Widget->setEnabled(m_Model.IsWindowEnabled());
+    if (what == Change::Visible) m_Widget->setVisible(m_Model.IsWindowVisible());
+}
+
+void QtPeer::RefreshAll() {
+    Refresh(Change::Text);
+    Refresh(Change::Enabled);
+    Refresh(Change::Visible);
+}
+
+void QtPeer::Place(const QRect& place) {
+    m_Widget->setGeometry(place);
+}
+
+void QtPeer::PlaceCentered(QRect place, int height) {
+    const int more = std::max(0, height - place.height());
+    m_Widget->setGeometry(place.adjusted(0, -more / 2, 0, more - more / 2));
+}
+
+QtPeer* PeerOf(const CWnd& window) {
+    return static_cast<QtPeer*>(window.GetPeer());
+}
+
+std::unique_ptr<QtPeer> MakeControlPeer(CWnd& model, const Surroundings& in) {
+    switch (model.GetKind()) {
+    case ControlKind::PushButton:
+        return MakePushButton(model, in);
+    case ControlKind::CheckBox:
+        return MakeCheckBox(model, in);
+    case ControlKind::RadioButton:
+        return MakeRadioButton(model, in);
+    case ControlKind::GroupBox:
+        return MakeGroupBox(model, in);
+    case ControlKind::Edit:
+        return MakeEdit(model, in);
+    case ControlKind::ComboBox:
+        return MakeComboBox(model, in);
+    case ControlKind::Slider:
+        return MakeSlider(model, in);
+    case ControlKind::Tab:
+        return MakeTabs(model, in);
+    case ControlKind::Static:
+        break;
+    }
+    return MakeStatic(model, in);
+}
+
+} // namespace qt

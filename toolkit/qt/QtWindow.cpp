@@ -1,0 +1,172 @@
+#include "toolkit/qt/QtWindow.h"
+
+#include <QDialog>
+#include <algorithm>
+
+#include "toolkit/CPropertySheet.h"
+#include "toolkit/qt/DialogUnits.h"
+#include "toolkit/qt/QtTabs.h"
+#include "toolkit/qt/qt_text.h"
+
+namespace qt {
+
+namespace {
+
+WindowPeer* WindowOf(const CWnd& dialog) {
+    return static_cast<WindowPeer*>(PeerOf(dialog));
+}
+
+/// The room for a page in its sheet's tab control, or null.
+QWidget* RoomOf(const CDialog& page) {
+    const auto* sheet = dynamic_cast<const CPropertySheet*>(page.GetParent());
+    TabsPeer* tabs = sheet != nullptr ? TabsOf(*sheet) : nullptr;
+    if (tabs == nullptr) return nullptr;
+    const auto& pages = sheet->GetPages();
+    const auto found = std::ranges::find(pages, &page);
+    return tabs->Room(static_cast<int>(found - pages.begin()));
+}
+
+/// How much larger the tab control of a sheet must be than its template says, to
+/// hold the largest page in this style and font.
+QSize TabGrowth(const CPropertySheet& sheet, const DialogUnits& units) {
+    const TabsPeer* tabs = TabsOf(sheet);
+    if (tabs == nullptr) return {0, 0};
+    QSize page(0, 0);
+    for (const CPropertyPage* one : sheet.GetPages())
+        if (const DialogTemplate* layout = one->GetDialogTemplate())
+            page = page.expandedTo(units.Size(layout->width, layout->height));
+    return tabs->SizeAround(page) - units.Place(*tabs->Model().GetTemplate()).size();
+}
+
+/// What a screen reader says for a control without a text of its own.
+QString AccessibleName(const CDialog& dialog, size_t index) {
+    const auto& controls = dialog.GetControls();
+    const CWnd& control = *controls[index];
+    if (control.GetTemplate()->accessibleName != nullptr)
+        return FromModel(control.GetTemplate()->accessibleName);
+    const ControlKind kind = control.GetKind();
+    const bool silent =
+        kind == ControlKind::Edit || kind == ControlKind::ComboBox || kind == ControlKind::Slider;
+    if (!silent || index == 0 || controls[index - 1]->GetKind() != ControlKind::Static) return {};
+    QString caption = FromModel(controls[index - 1]->GetWindowText()).trimmed();
+    while (caption.endsWith(u':') || caption.endsWith(u' ')) caption.chop(1);
+    return caption;
+}
+
+void MakeControls(CDialog& dialog, const Surroundings& in) {
+    const auto& controls = dialog.GetControls();
+    for (size_t i = 0; i < controls.size(); ++i) {
+        CWnd& control = *controls[i];
+        std::unique_ptr<QtPeer> made = MakeControlPeer(control, in);
+        QtPeer& peer = *made;
+        control.SetPeer(std::move(made));
+        peer.Widget()->setObjectName(QString::number(control.GetDlgCtrlID()));
+        peer.Widget()->setAccessibleName(AccessibleName(dialog, i));
+        peer.RefreshAll();
+    }
+    // What takes no input must not cover what does; frames lie below all.
+    for (const ControlKind kind : {ControlKind::Static, ControlKind::GroupBox})
+        for (const auto& control : controls)
+            if (control->GetKind() == kind) PeerOf(*control)->Widget()->lower();
+}
+
+/// The Tab key follows the order of the templates; a page comes right behind the
+/// tabs of its sheet.
+void OrderFocus(const CDialog& dialog) {
+    QWidget* last = nullptr;
+    if (dynamic_cast<const CPropertyPage*>(&dialog) != nullptr)
+        last = TabsOf(static_cast<CDialog&>(*dialog.GetParent()))->FocusWidget();
+    for (const auto& control : dialog.GetControls()) {
+        QWidget* next = PeerOf(*control)->FocusWidget();
+        if (next->focusPolicy() == Qt::NoFocus) continue;
+        if (last != nullptr) QWidget::setTabOrder(last, next);
+        last = next;
+    }
+}
+
+bool TakesTab(const QWidget& widget, const QWidget& window) {
+    return (widget.focusPolicy() & Qt::TabFocus) == Qt::TabFocus && widget.isEnabled() &&
+           widget.isVisibleTo(&window);
+}
+
+} // namespace
+
+WindowPeer::WindowPeer(CDialog& model, QWidget* window)
+    : QtPeer(model, window), m_Dialog(model), m_Reports(std::make_unique<QObject>()) {}
+
+WindowPeer::~WindowPeer() {
+    m_Reports.reset();
+    delete Widget();
+}
+
+void WindowPeer::Refresh(Change what) {
+    if (what == Change::Text) Widget()->setWindowTitle(FromModel(m_Dialog.GetWindowText()));
+    const bool page = Top() == nullptr;
+    if (what == Change::Enabled || page) QtPeer::Refresh(what); // RunModal shows a top-level one
+    if (what != Change::Visible || !page || !m_Dialog.IsWindowVisible()) return;
+    // The focus goes into a page that comes to the front, unless it is on the tabs.
+    const TabsPeer* tabs = TabsOf(static_cast<CDialog&>(*m_Dialog.GetParent()));
+    QWidget* first = FocusWidget();
+    if (first != nullptr && !tabs->FocusWidget()->hasFocus()) first->setFocus(Qt::TabFocusReason);
+}
+
+QWidget* WindowPeer::FocusWidget() const {
+    QWidget* before = Widget()->focusWidget();
+    if (before != nullptr && TakesTab(*before, *Widget())) return before;
+    for (const auto& control : m_Dialog.GetControls()) {
+        QWidget* widget = PeerOf(*control)->FocusWidget();
+        if (TakesTab(*widget, *Widget())) return widget;
+    }
+    return nullptr;
+}
+
+bool MakeWindow(CDialog& dialog, const ModalStack& stack, QWidget* owner) {
+    const bool isPage = dynamic_cast<const CPropertyPage*>(&dialog) != nullptr;
+    const bool isSheet = dynamic_cast<const CPropertySheet*>(&dialog) != nullptr;
+    QWidget* room = isPage ? RoomOf(dialog) : nullptr;
+    if (isPage && room == nullptr) return false;
+    QWidget* window = isPage ? new QWidget(room) : new TopWindow(dialog, stack, owner);
+    auto peer = std::make_unique<WindowPeer>(dialog, window);
+    window->setObjectName(isSheet ? QString("sheet") : QString::number(dialog.GetDlgCtrlID()));
+    const Surroundings in{window, peer->Reports()};
+    QtPeer& shown = *peer;
+    dialog.SetPeer(std::move(peer));
+    MakeControls(dialog, in);
+    shown.RefreshAll();
+    LayOut(dialog);
+    OrderFocus(dialog);
+    return true;
+}
+
+void TakeDownWindow(CDialog& dialog) {
+    dialog.SetPeer(nullptr);
+}
+
+void LayOut(CDialog& dialog) {
+    const WindowPeer* peer = WindowOf(dialog);
+    const DialogTemplate* layout = dialog.GetDialogTemplate();
+    if (peer == nullptr || layout == nullptr) return;
+    QWidget& window = *peer->Widget();
+    const DialogUnits units(window.font());
+    const auto* sheet = dynamic_cast<const CPropertySheet*>(&dialog);
+    const QSize growth = sheet != nullptr ? TabGrowth(*sheet, units) : QSize(0, 0);
+    const QSize size = units.Size(layout->width, layout->height) + growth;
+    window.setFixedSize(size);
+
+    for (const auto& control : dialog.GetControls()) {
+        const ControlTemplate& row = *control->GetTemplate();
+        QtPeer* controlPeer = PeerOf(*control);
+        if (controlPeer == nullptr) continue; // not made yet
+        QRect place = units.Place(row);
+        if (control->GetKind() == ControlKind::Tab)
+            place.setSize(place.size() + growth);
+        else
+            place.translate(growth.width(), growth.height());
+        controlPeer->Place(place);
+        // The Tab key must not lead to what nobody can see.
+        if (!QRect(QPoint(0, 0), size).intersects(place))
+            controlPeer->Widget()->setFocusPolicy(Qt::NoFocus);
+    }
+}
+
+} // namespace qt

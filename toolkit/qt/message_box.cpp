@@ -1,0 +1,59 @@
+#include <QMessageBox>
+#include <QRegularExpression>
+
+#include "toolkit/constants.h"
+#include "toolkit/qt/boxes.h"
+
+namespace qt {
+
+namespace {
+
+QMessageBox::Icon IconOf(unsigned flags) {
+    switch (flags & MB_ICONMASK) {
+    case MB_ICONHAND:
+        return QMessageBox::Critical;
+    case MB_ICONQUESTION:
+        return QMessageBox::Question;
+    case MB_ICONEXCLAMATION:
+        return QMessageBox::Warning;
+    default:
+        return QMessageBox::NoIcon;
+    }
+}
+
+/// Keeps a box on the screen whatever a host may say: cuts what is very long, and
+/// lets a word break that would be wider than a window.
+QString Bounded(QString text) {
+    constexpr int kMostCharacters = 2000;
+    constexpr int kLongestWord = 260; // a path may stand as one word
+    if (text.size() > kMostCharacters) text = text.left(kMostCharacters) + QChar(0x2026);
+    static const QRegularExpression longWord(QString("(\\S{%1})(?=\\S)").arg(kLongestWord));
+    return text.replace(longWord, "\\1\n");
+}
+
+} // namespace
+
+int Refusal(unsigned flags) {
+    return (flags & MB_YESNO) != 0 ? IDNO : IDOK;
+}
+
+int ShowMessageBox(ModalStack& stack, QWidget* owner, const QString& text, const QString& title,
+                   unsigned flags) {
+    QMessageBox box(owner);
+    box.setIcon(IconOf(flags));
+    box.setWindowTitle(title);
+    box.setTextFormat(Qt::PlainText);
+    box.setText(Bounded(text));
+    if ((flags & MB_YESNO) != 0) {
+        box.setStandardButtons(QMessageBox::Yes | QMessageBox::No);
+        box.setDefaultButton(QMessageBox::Yes);
+        box.setEscapeButton(QMessageBox::No);
+    } else {
+        box.setStandardButtons(QMessageBox::Ok);
+        box.setEscapeButton(QMessageBox::Ok);
+    }
+    const ModalRun run(stack, box);
+    return box.exec() == QMessageBox::Yes ? IDYES : Refusal(flags);
+}
+
+} // namespace qt

@@ -1,0 +1,66 @@
+#include "toolkit/qt/modal.h"
+
+#include <QApplication>
+#include <QEvent>
+#include <QWindow>
+
+#include "toolkit/input.h"
+
+namespace qt {
+
+namespace {
+
+constexpr auto kEndWanted = QEvent::User;
+
+/// Makes a window that behaves well above a host that is not ours.
+void Adapt(QDialog& window) {
+    window.setAttribute(Qt::WA_QuitOnClose, false); // the host does not end with it
+    window.setLayoutDirection(Qt::LeftToRight);     // as the texts and templates run
+    // A window without an owner still stays above the host's own one.
+    const QWidget* host = QApplication::activeWindow();
+    if (window.parentWidget() != nullptr || host == nullptr || host->windowHandle() == nullptr)
+        return;
+    window.winId();
+    window.windowHandle()->setTransientParent(host->windowHandle());
+}
+
+} // namespace
+
+TopWindow::TopWindow(CDialog& model, const ModalStack& stack, QWidget* owner)
+    : QDialog(owner), m_Model(model), m_Stack(stack) {
+    setWindowFlags(Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
+                   Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint);
+}
+
+void TopWindow::WantEnd() {
+    m_WantsEnd = true;
+    // By way of an event, since its loop may only just be about to begin.
+    if (m_Stack.Innermost() == this) QCoreApplication::postEvent(this, new QEvent(kEndWanted));
+}
+
+void TopWindow::EndIfWanted() {
+    if (m_WantsEnd && m_Stack.Innermost() == this) done(0);
+}
+
+void TopWindow::reject() {
+    input::Close(m_Model);
+    EndIfWanted();
+}
+
+bool TopWindow::event(QEvent* event) {
+    if (event->type() != kEndWanted) return QDialog::event(event);
+    EndIfWanted();
+    return true;
+}
+
+ModalRun::ModalRun(ModalStack& stack, QDialog& window) : m_Stack(stack) {
+    Adapt(window);
+    m_Stack.m_Windows.push_back(&window);
+}
+
+ModalRun::~ModalRun() {
+    m_Stack.m_Windows.pop_back();
+    if (auto* outer = dynamic_cast<TopWindow*>(m_Stack.Innermost())) outer->EndIfWanted();
+}
+
+} // namespace qt

@@ -1,0 +1,62 @@
+// Modal windows, which nest: only the innermost one can end.
+
+#pragma once
+
+#include <QDialog>
+#include <vector>
+
+#include "toolkit/qt/QtApplication.h"
+
+class CDialog;
+
+namespace qt {
+
+class ModalStack;
+
+/// The top-level window of a dialog.
+class TopWindow : public QDialog {
+public:
+    TopWindow(CDialog& model, const ModalStack& stack, QWidget* owner);
+
+    /// The model wants the window's loop to end: now, or as soon as those that run
+    /// inside it have ended.
+    void WantEnd();
+    /// This window is the innermost one again.
+    void EndIfWanted();
+
+    /// Escape, or the frame's close button.
+    void reject() override;
+
+protected:
+    bool event(QEvent* event) override;
+
+private:
+    CDialog& m_Model;
+    const ModalStack& m_Stack;
+    bool m_WantsEnd = false;
+};
+
+/// The modal windows that run, the innermost last.
+class ModalStack {
+public:
+    QWidget* Innermost() const { return m_Windows.empty() ? nullptr : m_Windows.back(); }
+
+private:
+    friend class ModalRun;
+    std::vector<QDialog*> m_Windows;
+};
+
+/// One modal window, while it runs.
+class ModalRun {
+public:
+    ModalRun(ModalStack& stack, QDialog& window);
+    ~ModalRun();
+    ModalRun(const ModalRun&) = delete;
+    ModalRun& operator=(const ModalRun&) = delete;
+
+private:
+    ModalStack& m_Stack;
+    KeepLocale m_Locale;
+};
+
+} // namespace qt

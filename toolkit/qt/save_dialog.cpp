@@ -1,0 +1,92 @@
+#include <QDir>
+#include <QFile>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QListView>
+#include <cstring>
+
+#include "toolkit/constants.h"
+#include "toolkit/qt/boxes.h"
+#include "toolkit/qt/qt_text.h"
+
+namespace qt {
+
+namespace {
+
+constexpr uint32_t kSizeWithFlagsEx = 88;
+
+/// One filter as Qt wants it: the description with the patterns in parentheses.
+QString Filter(const QString& description, QString patterns) {
+    patterns.replace(u';', u' ');
+    const QString inside = '(' + patterns + ')';
+    if (description.endsWith(inside, Qt::CaseInsensitive)) return description;
+    return description + ' ' + inside;
+}
+
+/// The filters of a record: pairs of texts, each with its NUL.
+QStringList Filters(const char* pairs) {
+    QStringList filters;
+    const char* text = pairs;
+    while (text != nullptr && *text != '\0') {
+        const QString description = FromModel(text);
+        text += std::strlen(text) + 1;
+        filters << Filter(description, FromModel(text));
+        if (*text != '\0') text += std::strlen(text) + 1;
+    }
+    return filters;
+}
+
+/// Copies `text` if it fits with its NUL.
+bool CopyIfItFits(char* buffer, uint32_t size, const QByteArray& text) {
+    if (buffer == nullptr || static_cast<size_t>(text.size()) >= size) return false;
+    std::memcpy(buffer, text.constData(), static_cast<size_t>(text.size()) + 1);
+    return true;
+}
+
+void SetUp(QFileDialog& dialog, const SaveFileRecord& record, const QStringList& filters) {
+    dialog.setOption(QFileDialog::DontUseNativeDialog);
+    dialog.setOption(QFileDialog::DontConfirmOverwrite, (record.flags & OFN_OVERWRITEPROMPT) == 0);
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setFileMode(QFileDialog::AnyFile);
+    if (record.title != nullptr) dialog.setWindowTitle(FromModel(record.title));
+    if (record.defaultExtension != nullptr)
+        dialog.setDefaultSuffix(FromModel(record.defaultExtension));
+    if (!filters.isEmpty()) {
+        dialog.setNameFilters(filters);
+        dialog.selectNameFilter(
+            filters.value(static_cast<qsizetype>(record.filterIndex) - 1, filters.first()));
+    }
+    const QString directory =
+        record.initialDirectory != nullptr ? QFile::decodeName(record.initialDirectory) : QString();
+    if (!directory.isEmpty() && QFileInfo(directory).isDir()) dialog.setDirectory(directory);
+    if (record.file != nullptr && record.maxFile > 0 && *record.file != '\0')
+        dialog.selectFile(QFile::decodeName(record.file));
+    const bool placesBar =
+        record.structSize < kSizeWithFlagsEx || (record.flagsEx & OFN_EX_NOPLACESBAR) == 0;
+    if (auto* places = dialog.findChild<QListView*>("sidebar")) places->setVisible(placesBar);
+}
+
+} // namespace
+
+bool ShowSaveDialog(ModalStack& stack, QWidget* owner, SaveFileRecord& record) {
+    const QStringList filters = Filters(record.filter);
+    QFileDialog dialog(owner);
+    SetUp(dialog, record, filters);
+    const ModalRun run(stack, dialog);
+    if (dialog.exec() != QDialog::Accepted) return false;
+
+    const QString path = dialog.selectedFiles().value(0);
+    if (path.isEmpty()) return false;
+    if (!CopyIfItFits(record.file, record.maxFile, QFile::encodeName(path))) {
+        ShowMessageBox(stack, owner, "The path is too long:\n" + path, dialog.windowTitle(),
+                       MB_OK | MB_ICONHAND);
+        return false;
+    }
+    CopyIfItFits(record.fileTitle, record.maxFileTitle,
+                 QFile::encodeName(QFileInfo(path).fileName()));
+    const qsizetype chosen = filters.indexOf(dialog.selectedNameFilter());
+    if (chosen >= 0) record.filterIndex = static_cast<uint32_t>(chosen) + 1;
+    return true;
+}
+
+} // namespace qt
