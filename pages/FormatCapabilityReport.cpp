@@ -9,7 +9,9 @@ namespace {
 // length or a measure that never grows, falls back to single tabs and ends soon.
 constexpr size_t kMeasureBudget = 10'000'000;
 
-bool IsSpace(char c) { return std::isspace(static_cast<unsigned char>(c)) != 0; }
+bool IsSpace(char c) {
+    return std::isspace(static_cast<unsigned char>(c)) != 0;
+}
 
 /// The stretch of text in front of a colon that asks for the widest column, judged by
 /// its length. The count goes on behind a line without a colon, and takes the line

@@ -26,6 +26,12 @@ void ApplyRules(const CDialog& dialog, const EnableRule<Facts> (&rules)[N], cons
         EnableControl(dialog, rule.id, rule.condition(facts));
 }
 
+/// Disables every control of the table.
+template <class Facts, size_t N>
+void DisableAll(const CDialog& dialog, const EnableRule<Facts> (&rules)[N]) {
+    for (const EnableRule<Facts>& rule : rules) EnableControl(dialog, rule.id, false);
+}
+
 /// Shows control `id` with `text`, or hides it if `text` is null.
 inline void ShowNote(const CDialog& dialog, int id, const char* text) {
     CWnd* note = dialog.GetDlgItem(id);

@@ -14,8 +14,8 @@ constexpr unsigned kTimerPeriod = 600; // milliseconds
 
 // --- What can be used -----------------------------------------------------------
 
+// While ETM is enabled; otherwise nothing can be used but the box that enables it.
 struct Facts {
-    bool enabled = false; // the box Enable ETM
     bool etb = false;
     bool tpiu = false;
     bool afterTrigger = false; // capture stops after the trigger
@@ -24,16 +24,16 @@ struct Facts {
     bool Full() const { return !etb && !tpiu; }
 };
 
-bool Always(const Facts& f) { return f.enabled; }
-bool NotEtb(const Facts& f) { return f.enabled && !f.etb; }
-bool NotTpiu(const Facts& f) { return f.enabled && !f.tpiu; }
-bool AfterTrigger(const Facts& f) { return f.enabled && f.afterTrigger; }
-bool AfterTriggerFull(const Facts& f) { return f.enabled && f.afterTrigger && f.Full(); }
-bool FullOnly(const Facts& f) { return f.enabled && f.Full(); }
-bool AfterTriggerOrFull(const Facts& f) { return f.enabled && (f.afterTrigger || f.Full()); }
-bool OnAddress(const Facts& f) { return f.enabled && f.afterTrigger && f.onAddress; }
-bool NotRunning(const Facts& f) { return f.enabled && !f.running; }
-bool Running(const Facts& f) { return f.enabled && f.running; }
+constexpr auto Always = [](const Facts&) { return true; };
+constexpr auto NotEtb = [](const Facts& f) { return !f.etb; };
+constexpr auto NotTpiu = [](const Facts& f) { return !f.tpiu; };
+constexpr auto Full = [](const Facts& f) { return f.Full(); };
+constexpr auto AfterTrigger = [](const Facts& f) { return f.afterTrigger; };
+constexpr auto AfterTriggerFull = [](const Facts& f) { return f.afterTrigger && f.Full(); };
+constexpr auto AfterTriggerOrFull = [](const Facts& f) { return f.afterTrigger || f.Full(); };
+constexpr auto OnAddress = [](const Facts& f) { return f.afterTrigger && f.onAddress; };
+constexpr auto Running = [](const Facts& f) { return f.running; };
+constexpr auto NotRunning = [](const Facts& f) { return !f.running; };
 
 constexpr EnableRule<Facts> kRules[] = {
     {1029, Always},             // Configure ETM ...
@@ -41,7 +41,7 @@ constexpr EnableRule<Facts> kRules[] = {
     {1061, Always},             //   only when the processor is stopped
     {1034, NotEtb},             //   when the buffer is full
     {1035, NotTpiu},            //   after the trigger
-    {1006, FullOnly},           // Trigger Now
+    {1006, Full},               // Trigger Now
     {1003, AfterTrigger},       // Trigger Settings
     {1032, AfterTriggerOrFull}, //   the position: label,
     {1007, AfterTriggerOrFull}, //   slider
@@ -65,7 +65,9 @@ const char* NoteFor(const Facts& facts) {
 
 jControlPage::jControlPage() : CPropertyPage(107) {}
 
-jControlPage::~jControlPage() { StopTimer(); }
+jControlPage::~jControlPage() {
+    StopTimer();
+}
 
 void jControlPage::DoDataExchange(CDataExchange& exchange) {
     DDX_Control(exchange, 1007, m_Slider);
@@ -199,15 +201,17 @@ void jControlPage::StopTimer() {
 // --- Following the target --------------------------------------------------------------
 
 void jControlPage::UpdateControls(bool running) {
-    Facts facts;
-    facts.enabled = m_Enable != 0;
-    if (facts.enabled) {
-        facts.etb = HasFeature(FEATURE_ETB);
-        facts.tpiu = !facts.etb && HasFeature(FEATURE_TPIU);
-        facts.afterTrigger = m_StopMode == 2;
-        facts.onAddress = m_TriggerOnAddress != 0;
-        facts.running = running;
+    if (m_Enable == 0) { // the host is not asked
+        ShowNote(*this, 1083, nullptr);
+        DisableAll(*this, kRules);
+        return;
     }
+    Facts facts;
+    facts.etb = HasFeature(FEATURE_ETB);
+    facts.tpiu = !facts.etb && HasFeature(FEATURE_TPIU);
+    facts.afterTrigger = m_StopMode == 2;
+    facts.onAddress = m_TriggerOnAddress != 0;
+    facts.running = running;
     ShowNote(*this, 1083, NoteFor(facts));
     ApplyRules(*this, kRules, facts);
 }

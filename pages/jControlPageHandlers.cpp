@@ -117,7 +117,9 @@ void jControlPage::OnStop(Notification&) {
     if (CommitAndSend("stop")) FollowStartStop();
 }
 
-void jControlPage::OnTriggerNow(Notification&) { CommitAndSend("trigger force"); }
+void jControlPage::OnTriggerNow(Notification&) {
+    CommitAndSend("trigger force");
+}
 
 // --- The trigger position: one value, shown by slider and edit -----------------------------
 

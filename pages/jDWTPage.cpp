@@ -6,8 +6,8 @@
 namespace {
 
 // The comparators that a PC trace mode needs.
-bool StartsOnEvent(const int32_t& mode) { return mode == 2 || mode == 4; }
-bool StopsOnEvent(const int32_t& mode) { return mode == 3 || mode == 4; }
+constexpr auto StartsOnEvent = [](const int32_t& mode) { return mode == 2 || mode == 4; };
+constexpr auto StopsOnEvent = [](const int32_t& mode) { return mode == 3 || mode == 4; };
 
 constexpr EnableRule<int32_t> kRules[] = {
     {1018, StartsOnEvent},
@@ -30,7 +30,9 @@ bool jDWTPage::OnInitDialog() {
     return true;
 }
 
-bool jDWTPage::OnSetActive() { return CPropertyPage::OnSetActive(); }
+bool jDWTPage::OnSetActive() {
+    return CPropertyPage::OnSetActive();
+}
 
 bool jDWTPage::OnKillActive() {
     UpdateData(true);

@@ -23,11 +23,11 @@ struct ChipFacts {
     bool dataHw = false;  // data trace
 };
 
-bool Always(const ChipFacts&) { return true; }
-bool CortexM3(const ChipFacts& f) { return f.cortexM3; }
-bool StartHw(const ChipFacts& f) { return f.cortexM3 || f.rangeHw; }
-bool RangeHw(const ChipFacts& f) { return f.rangeHw; }
-bool DataHw(const ChipFacts& f) { return f.dataHw; }
+constexpr auto Always = [](const ChipFacts&) { return true; };
+constexpr auto CortexM3 = [](const ChipFacts& f) { return f.cortexM3; };
+constexpr auto StartHw = [](const ChipFacts& f) { return f.cortexM3 || f.rangeHw; };
+constexpr auto RangeHw = [](const ChipFacts& f) { return f.rangeHw; };
+constexpr auto DataHw = [](const ChipFacts& f) { return f.dataHw; };
 
 constexpr EnableRule<ChipFacts> kChipRules[] = {
     {1011, Always},   // Program Counter (PC) Tracing Mode
@@ -37,13 +37,13 @@ constexpr EnableRule<ChipFacts> kChipRules[] = {
     {1015, StartHw},  //   start and stop
     {1017, RangeHw},  //   within a range
     {1022, Always},   //   advanced
-    {1028, StartHw},  //   labels of the addresses
-    {1020, StartHw},
-    {1025, DataHw}, // Data Tracing Mode
-    {1026, DataHw}, //   values
-    {1027, DataHw}, //   addresses
-    {1029, DataHw}, //   labels of the range
-    {1021, DataHw},
+    {1028, StartHw},  //   label of Begin
+    {1020, StartHw},  //   label of End
+    {1025, DataHw},   // Data Tracing Mode
+    {1026, DataHw},   //   values
+    {1027, DataHw},   //   addresses
+    {1029, DataHw},   //   label of Begin
+    {1021, DataHw},   //   label of End
 };
 
 ChipFacts GetChipFacts() {
@@ -64,14 +64,18 @@ struct Selection {
     bool pairs;        // the chip has address comparators
 };
 
-bool UsesPcBegin(int32_t pcMode) { return pcMode >= 2 && pcMode <= 4; }
-bool UsesPcEnd(int32_t pcMode) { return pcMode == 3 || pcMode == 4; }
+bool UsesPcBegin(int32_t pcMode) {
+    return pcMode >= 2 && pcMode <= 4;
+}
+bool UsesPcEnd(int32_t pcMode) {
+    return pcMode == 3 || pcMode == 4;
+}
 
-bool NeedsPcBegin(const Selection& s) { return UsesPcBegin(s.pcMode); }
-bool NeedsPcEnd(const Selection& s) { return UsesPcEnd(s.pcMode); }
-bool Advanced(const Selection& s) { return s.pcMode == 5; }
-bool CanLimit(const Selection& s) { return s.pairs && s.data; }
-bool NeedsDataRange(const Selection& s) { return s.data && s.limitToRange; }
+constexpr auto NeedsPcBegin = [](const Selection& s) { return UsesPcBegin(s.pcMode); };
+constexpr auto NeedsPcEnd = [](const Selection& s) { return UsesPcEnd(s.pcMode); };
+constexpr auto Advanced = [](const Selection& s) { return s.pcMode == 5; };
+constexpr auto CanLimit = [](const Selection& s) { return s.pairs && s.data; };
+constexpr auto NeedsDataRange = [](const Selection& s) { return s.data && s.limitToRange; };
 
 constexpr EnableRule<Selection> kPcModeRules[] = {
     {1018, NeedsPcBegin},
@@ -80,16 +84,11 @@ constexpr EnableRule<Selection> kPcModeRules[] = {
 };
 constexpr int32_t kLastPcModeWithRules = 5;
 
-constexpr EnableRule<Selection> kSelectionRules[] = {
-    {1083, NeedsPcBegin}, // the note, which may be hidden
+constexpr EnableRule<Selection> kDataRules[] = {
     {1075, CanLimit},
     {1014, NeedsDataRange},
     {1016, NeedsDataRange},
 };
-
-// While ETM is disabled: everything but the note.
-constexpr int kAllControls[] = {1011, 1030, 1012, 1013, 1015, 1017, 1022, 1014, 1016, 1018,
-                                1019, 1020, 1028, 1021, 1029, 1023, 1025, 1026, 1027, 1075};
 
 } // namespace
 
@@ -126,7 +125,9 @@ void jTriggerPage::OnNotify(Notification& notification) {
     Dispatch(*this, rows, notification);
 }
 
-void jTriggerPage::OnAddressEditChanged(Notification&) { SetModified(true); }
+void jTriggerPage::OnAddressEditChanged(Notification&) {
+    SetModified(true);
+}
 
 // --- Between the page and the settings -------------------------------------------------
 
@@ -193,7 +194,9 @@ bool jTriggerPage::CommitPage() {
     return true;
 }
 
-bool jTriggerPage::OnKillActive() { return CommitPage() && CPropertyPage::OnKillActive(); }
+bool jTriggerPage::OnKillActive() {
+    return CommitPage() && CPropertyPage::OnKillActive();
+}
 
 bool jTriggerPage::OnApply() {
     if (!CommitPage()) return false;
@@ -220,7 +223,9 @@ void jTriggerPage::OnCancel() {
 bool jTriggerPage::OnSetActive() {
     if (g_Settings->GetAttribute(TA_ENABLE) == 0) {
         ShowNote(*this, 1083, nullptr);
-        for (const int id : kAllControls) EnableControl(*this, id, false);
+        DisableAll(*this, kChipRules);
+        DisableAll(*this, kPcModeRules);
+        DisableAll(*this, kDataRules);
         return CPropertyPage::OnSetActive();
     }
     const ChipFacts facts = GetChipFacts();
@@ -236,11 +241,11 @@ bool jTriggerPage::OnSetActive() {
 
 void jTriggerPage::UpdateModeControls() {
     const Selection selection{m_PcMode, m_DataValues != 0 || m_DataAddresses != 0,
-                              m_LimitToRange != 0,
-                              g_Settings->Working.AddressComparatorPairs > 0};
+                              m_LimitToRange != 0, g_Settings->Working.AddressComparatorPairs > 0};
     // "Do not capture PC Trace" leaves its fields as they were.
     if (m_PcMode >= 0 && m_PcMode <= kLastPcModeWithRules)
         ApplyRules(*this, kPcModeRules, selection);
-    ApplyRules(*this, kSelectionRules, selection);
+    EnableControl(*this, 1083, UsesPcBegin(m_PcMode));
+    ApplyRules(*this, kDataRules, selection);
     UpdateData(false);
 }
