@@ -19,7 +19,7 @@ TEST_F(BoardTest, TitleAndCommandsOfAFile) {
         {"x\n" + a, "-", "x|Title=A|"},
         {" " + a, "-", shownA},
         {a.substr(1), "-", "[OrnithalWorksTraceInitFile]|Title=A|"},
-        {";" + std::string(257, ' ') + a, "-", shownA}, // the marker behind the limit
+        {";" + std::string(225, ' ') + a, "-", shownA}, // the marker behind the limit
         {kMarker + "Title=A\n", "-", shownA},
         {kMarker + " ;Title=A\n", "-", shownA},
         {kMarker + ";Title=\n", "", "Title=|"},

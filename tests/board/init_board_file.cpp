@@ -83,6 +83,7 @@ TEST_F(InitBoardFile, FromInsideTheSheetTheDialogComesAtOnce) {
     display.OnNextDialog([&] {
         AnswerDialog("");
         EXPECT_EQ(Call(), "false 2 [" + gone + "] ");
+        EXPECT_EQ(g_BoardQueryPending, 0);
         AnswerDialog(kGeneric);
         EXPECT_EQ(Call(), "true 0 [/none] ");
         display.Click(IDCANCEL);
