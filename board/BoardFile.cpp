@@ -8,6 +8,8 @@
 
 namespace {
 
+constexpr char kBoardMarker[] = "[OrnithalWorksTraceInitFile]";
+
 // What the generated trace commands begin with.
 constexpr char kTraceWord[] = "trace";
 

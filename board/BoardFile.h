@@ -17,7 +17,6 @@
 #include <memory>
 #include <string>
 
-inline constexpr const char* kBoardMarker = "[OrnithalWorksTraceInitFile]";
 inline constexpr const char* kTitleKeyword = "Title=";
 
 /// Finds the first title keyword in `text`, in any case, and stores what follows it up
