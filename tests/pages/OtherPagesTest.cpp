@@ -1,0 +1,65 @@
+// The two pages without a tab, and the tool tips.
+
+#include "pages/jDWTPage.h"
+#include "pages/jToolTip.h"
+#include "tests/pages/PagesTest.h"
+
+using ::testing::ElementsAre;
+
+namespace {
+
+class OtherPages : public PagesTest {
+protected:
+    /// Runs a sheet of `page` alone.
+    void Show(CPropertyPage& page, HeadlessDisplay::Script script) {
+        CPropertySheet sheet("alone", nullptr, 0);
+        sheet.AddPage(&page);
+        display.OnNextDialog(std::move(script));
+        sheet.DoModal();
+    }
+};
+
+TEST_F(OtherPages, TheDwtPageOffersTheComparatorsOfItsMode) {
+    jDWTPage page;
+    Show(page, [&] {
+        EXPECT_TRUE(display.Checked(1012));
+        EXPECT_EQ(display.Selection(1018), 0);
+        EXPECT_EQ(display.Selection(1019), 1);
+        EXPECT_EQ(display.Entries(1019).back(), "Comparator3");
+        EXPECT_FALSE(display.Enabled(1018) || display.Enabled(1019));
+        for (const auto& [radio, begin, end] :
+             std::vector<std::tuple<int, bool, bool>>{{1015, true, true},
+                                                      {1016, false, true},
+                                                      {1014, false, false},
+                                                      {1013, true, false}}) {
+            display.Click(radio);
+            EXPECT_EQ(display.Enabled(1018), begin) << radio;
+            EXPECT_EQ(display.Enabled(1019), end) << radio;
+        }
+        display.Answer(IDOK);
+        display.Click(IDOK);
+        EXPECT_TRUE(IsOpen());
+        EXPECT_THAT(display.Boxes(), ElementsAre("[Error] Simulation of error in DWT triggers"));
+        display.Click(1016);
+        display.Click(IDOK);
+        EXPECT_FALSE(IsOpen());
+    });
+}
+
+TEST_F(OtherPages, AToolTipNeedsAControlAndAText) {
+    Open(0, [&] {
+        CWnd& edit = display.Control(1077);
+        CEdit orphan;
+        jToolTip tips;
+        EXPECT_FALSE(tips.AddWindowTool(&edit, 3)) << "not created yet";
+        tips.Create(display.Front());
+        tips.Activate(true);
+        EXPECT_TRUE(tips.AddWindowTool(&edit, 3));
+        EXPECT_EQ(display.ToolTip(1077), "Allows selection of trace port width, in bits");
+        EXPECT_TRUE(tips.AddWindowTool(&orphan, 6));
+        EXPECT_FALSE(tips.AddWindowTool(&edit, 7));
+        EXPECT_FALSE(tips.AddWindowTool(nullptr, 1));
+    });
+}
+
+} // namespace

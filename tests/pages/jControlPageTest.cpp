@@ -1,0 +1,297 @@
+// The tab "General Control", as stories and tables.
+
+#include <algorithm>
+
+#include "tests/pages/PagesTest.h"
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+namespace {
+
+class ControlPage : public PagesTest {
+protected:
+    IOrnKVETMSupp& Support() {
+        return static_cast<IOrnKVETMSupp&>(*control->GetInterface("IOrnKVETMSupp"));
+    }
+    std::string StartStop() const {
+        return display.Enabled(1030) ? display.Enabled(1031) ? "both" : "1030" : "1031";
+    }
+};
+
+TEST_F(ControlPage, EnablesWhatTargetAndSelectionAllow) {
+    const char* const etb = "Some controls are\r\ndisabled for ETB";
+    const char* const tpiu = "Trigger controls are\r\ndisabled for TPIU";
+    const struct {
+        std::set<uint32_t> features;
+        uint32_t word, state;
+        const char *enabled, *note;
+    } rows[] = {
+        {{kEtb}, kTriggerOnAddress, 0x4, "1000", ""},
+        {{}, kEnable, 0, "1000 1029 1036 1061 1034 1035 1006 1032 1007 1008 1002 1009 1030", ""},
+        {{},
+         kEnable | kTriggerPin,
+         0x4,
+         "1000 1029 1036 1061 1034 1035 1006 1003 1032 1007 1008 1005 1004 1002 1009 1031",
+         ""},
+        {{},
+         kEnable | kTriggerOnAddress,
+         0x2,
+         "1000 1029 1036 1061 1034 1035 1006 1003 1032 1007 1008 1005 1077 1004 1002 1009 1030",
+         ""},
+        {{kEtb}, kEnable | kStopWhenFull, 0, "1000 1029 1036 1061 1035 1002 1009 1030 1083", etb},
+        {{kEtb},
+         kEnable | kTriggerOnAddress,
+         0,
+         "1000 1029 1036 1061 1035 1003 1032 1007 1008 1005 1077 1002 1009 1030 1083",
+         etb},
+        {{kTpiu}, kEnable, 0x4, "1000 1029 1036 1061 1034 1002 1009 1031 1083", tpiu},
+        {{kTpiu},
+         kEnable | kTriggerOnAddress,
+         0,
+         "1000 1029 1036 1061 1034 1003 1032 1007 1008 1005 1077 1002 1009 1030 1083",
+         tpiu},
+        {{kEtb, kTpiu}, kEnable, 0, "1000 1029 1036 1061 1035 1002 1009 1030 1083", etb},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.enabled);
+        host.features = row.features;
+        host.values[0] = row.word;
+        host.state = row.state;
+        OpenAnd([&] {
+            EXPECT_EQ(Usable(), row.enabled);
+            EXPECT_EQ(Note(), row.note);
+            // A disabled radio button keeps its selection.
+            EXPECT_EQ(display.Checked(1034), (row.word & kStopWhenFull) != 0);
+        });
+    }
+    EXPECT_EQ(std::ranges::count(host.TakeCalls(), "HasFeature(0x3000000)"), 0);
+}
+
+TEST_F(ControlPage, AppliesWhatWasClickedAndDiscardsOnCancel) {
+    host.values[0] = kEnable | 0x30;
+    Open(0, [&] {
+        for (const int id : {1035, 1002, 1009, 1004}) display.Click(id);
+        EXPECT_EQ(g_Settings->Working.Accumulate, 1);
+        EXPECT_TRUE(CanApply());
+        display.Click(IDC_APPLY_NOW);
+        EXPECT_FALSE(CanApply());
+        EXPECT_THAT(host.TakeChanges(), ElementsAre("SetValue(0x0,0x13D)"));
+        display.Click(1061);
+        display.Click(IDCANCEL);
+    });
+    EXPECT_THAT(host.TakeChanges(), IsEmpty());
+    EXPECT_EQ(g_Settings->Working.StopMode, 2); // as applied
+}
+
+TEST_F(ControlPage, ReportsABoardThatGotLost) {
+    ASSERT_TRUE(control->Init(0));
+    ASSERT_TRUE(Support().InitBoardFile("", nullptr, 0, nullptr));
+    host.boardFile.reset();
+    g_ConfigAccepted = 1;
+    Open(0, [&] {
+        display.Answer(IDOK);
+        display.Click(1000);
+        EXPECT_FALSE(display.Checked(1000));
+        EXPECT_THAT(display.Boxes(), ElementsAre("[KVETMControl] InitBoardFile() failed."));
+        EXPECT_FALSE(CanApply());
+    });
+}
+
+TEST_F(ControlPage, ServesTheDeferredQuestionAndClosesTheSheet) {
+    ASSERT_TRUE(control->Init(0));
+    for (const int button : {IDCANCEL, IDOK}) {
+        SCOPED_TRACE(button);
+        host.boardFile.reset();
+        ASSERT_TRUE(g_Settings->ReadFromTarget());
+        display.OnNextDialog([&] { // the sheet
+            display.Tab(2);
+            display.Advance(1200); // the question waits for the page
+            EXPECT_EQ(g_BoardQueryPending, 1);
+            display.Tab(0);
+            display.Advance(599);
+            EXPECT_TRUE(IsOpen());
+            display.OnNextDialog([&] {
+                display.Advance(1200); // ticks go on and open no second dialog
+                display.Click(button);
+            });
+            display.Advance(1);
+            EXPECT_FALSE(IsOpen());
+        });
+        int32_t mode = 7;
+        EXPECT_EQ(Support().InitBoardFile("", nullptr, 0, &mode), button == IDOK);
+        EXPECT_EQ(mode, button == IDOK ? 0 : -1);
+        EXPECT_EQ(host.values[0], button == IDOK ? kEnable : 0);
+        EXPECT_TRUE(g_Settings->Working == g_Settings->Snapshot);
+    }
+}
+
+TEST_F(ControlPage, ConfigureMarksThePageOnlyForAChange) {
+    host.values[0] = kEnable;
+    Open(0, [&] {
+        for (const int index : {0, 1}) {
+            display.OnNextDialog([&] {
+                display.Select(1065, index);
+                display.Click(IDOK);
+            });
+            display.Click(1029);
+            EXPECT_EQ(CanApply(), index == 1);
+        }
+    });
+}
+
+TEST_F(ControlPage, TicksFollowTheStateWord) {
+    host.values[0] = kEnable;
+    Open(0, [&] {
+        const std::pair<uint32_t, const char*> rows[] = {
+            {0x4, "1030"}, // running alone is not followed
+            {0x6, "1031"},
+            {0x2, "1031"},
+            {0x0, "1030"},
+            {0x6, "1031"}};
+        for (const auto& [state, usable] : rows) {
+            host.state = state;
+            display.Advance(600);
+            EXPECT_EQ(StartStop(), usable) << state;
+        }
+        display.Tab(2);
+        host.TakeCalls();
+        host.state = 0;
+        display.Advance(1800);
+        EXPECT_THAT(host.TakeCalls(), IsEmpty()) << "behind another tab";
+        display.Tab(0);
+        display.Click(IDC_APPLY_NOW); // the timer goes on
+        host.state = 0x6;
+        display.Advance(600);
+        EXPECT_EQ(StartStop(), "1031");
+    });
+}
+
+TEST_F(ControlPage, ButtonsActAtOnce) {
+    host.values[0] = kEnable;
+    Open(0, [&] {
+        display.Click(1002);
+        host.state = 0x4;
+        display.Click(1030);
+        EXPECT_EQ(StartStop(), "1031") << "without a tick";
+        display.Click(1006);
+        host.state = 0;
+        display.Click(1031);
+        EXPECT_THAT(host.TakeChanges(), ElementsAre("SetValue(0x0,0x5)", "Command(start)",
+                                                    "Command(trigger force)", "Command(stop)"));
+        host.state = 0x4;
+        display.Advance(600);
+        EXPECT_EQ(StartStop(), "1030") << "a press counts once";
+        g_VETMTrace = nullptr; // nothing runs and nothing is sent
+        display.Click(1030);
+        display.Click(1061);
+        EXPECT_EQ(StartStop(), "1030");
+        EXPECT_THAT(host.TakeChanges(), IsEmpty());
+    });
+}
+
+TEST_F(ControlPage, ABadTriggerAddressHoldsEverythingBack) {
+    host.values[0] = kEnable | kTriggerOnAddress;
+    host.lines = {"ETM TRIGGER 0x100"};
+    Open(0, [&] {
+        display.Type(1077, "main");
+        EXPECT_FALSE(CanApply()) << "typing an address alone";
+        for (int i = 0; i < 4; ++i) display.Answer(IDOK);
+        display.Tab(1);
+        EXPECT_EQ(FrontTab(), 0);
+        for (const int button : {1030, 1006, IDOK}) display.Click(button);
+        EXPECT_TRUE(IsOpen());
+        EXPECT_THAT(display.Boxes(), ::testing::Each("[Cannot validate address] main"));
+        EXPECT_EQ(display.Boxes().size(), 4u);
+        EXPECT_THAT(host.TakeChanges(), IsEmpty());
+        EXPECT_EQ(g_Settings->Working.TriggerAddress, "0x100");
+        display.Type(1077, "0x200");
+        display.Click(IDOK);
+    });
+    EXPECT_THAT(host.TakeChanges(), ElementsAre("Command(etm pc=none)", "Command(etm data=none)",
+                                                "Command(etm trigger 0x200)"));
+}
+
+TEST_F(ControlPage, WhatIsNotUsedIsNeitherCheckedNorStored) {
+    for (const uint32_t word : {uint32_t{0}, kEnable | kStopWhenFull, kEnable | kTriggerPin}) {
+        SCOPED_TRACE(word);
+        host.values[0] = word;
+        Open(0, [&] {
+            display.Control(1077).SetWindowText("main");
+            static_cast<CButton&>(display.Control(1002)).SetCheck(true);
+            display.Click(IDOK);
+            EXPECT_FALSE(IsOpen());
+        });
+        EXPECT_EQ(g_Settings->Working.TriggerAddress, "");
+        EXPECT_EQ(g_Settings->Working.Accumulate, word != 0 ? 1 : 0);
+    }
+}
+
+TEST_F(ControlPage, PcRangesRefuseTheTriggerOnAddress) {
+    const std::pair<const char*, bool> rows[] = {{"ETM PC = all", true},
+                                                 {"ETM PC = start 1", true},
+                                                 {"ETM PC = stop 2", false},
+                                                 {"ETM PC = to 1", false},
+                                                 {"ETM COMPLEX", false}};
+    for (const auto& [line, allowed] : rows) {
+        SCOPED_TRACE(line);
+        host.values[0] = kEnable | kTriggerPin;
+        host.lines = {line};
+        Open(0, [&] {
+            if (!allowed) display.Answer(IDOK);
+            display.Click(1005);
+            EXPECT_EQ(display.Checked(1005), allowed);
+            EXPECT_EQ(display.Enabled(1077), allowed);
+            EXPECT_EQ(CanApply(), allowed);
+            EXPECT_EQ(g_Settings->Working.TriggerOnAddress, allowed ? 1 : 0);
+            if (allowed) return;
+            EXPECT_THAT(display.Boxes(),
+                        ElementsAre("[Conflicting Settings Used] ETM trigger cannot be enabled if "
+                                    "PC address range is in use.\nClick ETM Trace Settings and "
+                                    "change PC Tracing Mode."));
+        });
+    }
+}
+
+TEST_F(ControlPage, SliderAndEditShowOneValue) {
+    const struct {
+        const char *typed, *shown;
+        int position;
+        bool beeps;
+    } rows[] = {{"100", "100", 100, false},
+                {"0", "0", 0, false},
+                {"101", "50", 50, false},
+                {"7", "7", 7, false},
+                {"", "", 7, true},
+                {"x", "x", 7, true},
+                {" 12x", " 12x", 12, false},
+                {"-1", "50", 50, false},
+                {"99999999999999999999", "50", 50, false}};
+    host.values[0] = kEnable;
+    Open(0, [&] {
+        display.Drag(1007, 50);
+        display.Release(1007);
+        EXPECT_FALSE(CanApply()) << "nothing has changed";
+        for (const auto& row : rows) {
+            SCOPED_TRACE(row.typed);
+            display.ClearLog();
+            display.Type(1008, row.typed);
+            EXPECT_EQ(display.Text(1008), row.shown);
+            EXPECT_EQ(display.Position(1007), row.position);
+            EXPECT_EQ(g_Settings->Working.TriggerPosition, row.position);
+            EXPECT_EQ(std::ranges::count(display.Log(), "beep"), row.beeps ? 1 : 0);
+        }
+        display.Type(1008, "");
+        display.Click(IDC_APPLY_NOW); // the slider's position survives an empty edit
+        EXPECT_EQ(display.Text(1008), "50");
+        display.Drag(1007, 30);
+        EXPECT_EQ(display.Text(1008), "30") << "while dragging";
+        display.Drag(1007, 75);
+        display.Release(1007);
+        EXPECT_TRUE(CanApply());
+        display.Click(IDOK);
+    });
+    EXPECT_THAT(host.TakeChanges(), ElementsAre("SetValue(0x2,0x200)"));
+}
+
+} // namespace
