@@ -9,19 +9,16 @@
 namespace {
 
 TEST(jString, SparesEightBytesWhenAnAssignHasToAllocate) {
-    struct Row {
-        size_t length;
-        uint32_t capacity;
-    };
-    for (const Row& row : {Row{0, 16}, {15, 16}, {16, 32}, {23, 32}, {24, 40}, {65535, 65544}}) {
-        const std::string text(row.length, 'x');
+    for (const auto& [length, capacity] :
+         {std::pair{0u, 16u}, {15, 16}, {16, 32}, {23, 32}, {24, 40}, {65535, 65544}}) {
+        const std::string text(length, 'x');
         jString string;
         string.Assign(text.c_str());
-        EXPECT_EQ(string.Capacity, row.capacity) << row.length;
-        EXPECT_EQ(string.GetLength(), row.length);
+        EXPECT_EQ(string.Capacity, capacity) << length;
+        EXPECT_EQ(string.GetLength(), length);
         EXPECT_EQ(string.GetBuffer(), text);
         string.Assign(nullptr);
-        EXPECT_EQ(string.Capacity, row.capacity) << "an empty text keeps the buffer";
+        EXPECT_EQ(string.Capacity, capacity) << "an empty text keeps the buffer";
         EXPECT_EQ(string.Length, 0u);
     }
 }
@@ -30,9 +27,7 @@ TEST(jString, GrowsNoFurtherThanAnAppendNeeds) {
     jString string;
     EXPECT_EQ(&string.Append("123456789012345"), &string);
     EXPECT_EQ(string.Capacity, 16u);
-    string.Append(nullptr).Append("");
-    EXPECT_EQ(string.Capacity, 16u);
-    string.Append("6");
+    string.Append(nullptr).Append("").Append("6");
     EXPECT_EQ(string.Capacity, 24u);
     EXPECT_EQ(string.Length, 16u);
     string.GetBuffer()[3] = '\0';
