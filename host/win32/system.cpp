@@ -1,7 +1,9 @@
 #include "host/system.h"
 
 #define WIN32_LEAN_AND_MEAN
+#ifndef NOMINMAX // one standard library defines it already
 #define NOMINMAX
+#endif
 #include <windows.h>
 
 #include "host/host_error.h"

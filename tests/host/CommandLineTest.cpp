@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <sstream>
 
 #include "tests/host/TemporaryDirectory.h"
 
@@ -128,6 +129,67 @@ ReadSetting "KVETM" "BoardFile" 260 -> none
 -- Apply
 applied
 )");
+}
+
+// The lines of a journal that tell what the tour did.
+std::string Steps(const std::string& journal) {
+    std::istringstream in(journal);
+    std::string steps;
+    for (std::string line; std::getline(in, line);) {
+        steps += line.starts_with("-- ") ? line.substr(3) + "\n" : "";
+    }
+    return steps;
+}
+
+TEST(CommandLine, TourGoesThroughTheDialog) {
+    if (std::string(ETMHOST_PATH).ends_with(".exe")) {
+        GTEST_SKIP() << "a Windows build has no tour";
+    }
+    const TemporaryDirectory directory;
+    const std::string arguments = "tour \"" + (directory.path / "pictures").string() + "\"";
+    const Outcome outcome = RunHost(directory, arguments);
+    EXPECT_EQ(outcome.status, 0) << outcome.errors;
+    EXPECT_EQ(Steps(outcome.output), "Init\n"
+                                     "Open\n"
+                                     "click Enable ETM\n"
+                                     "picture 4-etm-configuration.png\n"
+                                     "click OK of ETM Configuration\n"
+                                     "tab General Control\n"
+                                     "picture 1-general-control.png\n"
+                                     "tab ETM Trace Settings\n"
+                                     "picture 2-etm-trace-settings.png\n"
+                                     "tab Status\n"
+                                     "picture 3-status.png\n"
+                                     "click Start\n"
+                                     "picture 5-capture.png\n"
+                                     "click Stop\n"
+                                     "click OK\n"
+                                     "Open gave yes\n");
+    for (const char* name : {"1-general-control", "2-etm-trace-settings", "3-status",
+                             "4-etm-configuration", "5-capture"}) {
+        const std::string file = std::string("pictures/") + name + ".png";
+        EXPECT_EQ(directory.Read(file).substr(1, 3), "PNG") << name;
+    }
+    EXPECT_EQ(RunHost(directory, arguments).output, outcome.output) << "the same each time";
+}
+
+TEST(CommandLine, TourEndsAtABoxThatNobodyExpects) {
+    if (std::string(ETMHOST_PATH).ends_with(".exe")) {
+        GTEST_SKIP() << "a Windows build has no tour";
+    }
+    const TemporaryDirectory directory;
+    const std::string state = " --state \"" + (directory.path / "s.json").string() + "\" ";
+    RunHost(directory, "run enable" + state);
+    std::string text = directory.Read("s.json");
+    const std::string enabled = "\"control\": 1,";
+    ASSERT_NE(text.find(enabled), std::string::npos);
+    // An address trigger without an address: the page refuses to be left.
+    text.replace(text.find(enabled), enabled.size(), "\"control\": 513,");
+    directory.Write("s.json", text);
+    const Outcome outcome = RunHost(directory, "tour \"" + directory.path.string() + "\"" + state);
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.errors, "etmhost: tour: a box \"Cannot validate address\" came up: "
+                              "Address entry is empty\n");
 }
 
 } // namespace
