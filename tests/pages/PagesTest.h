@@ -32,12 +32,11 @@ protected:
     /// The text of the note 1083; empty while it is hidden.
     std::string Note() const { return display.Visible(1083) ? display.Text(1083) : ""; }
 
-    /// The visible controls of the page in front that can be used, in tab order.
-    std::string Usable() const {
+    /// The visible controls of the page in front that can't be used, in tab order.
+    std::string Unusable() const {
         std::string text;
         for (const auto& control : display.FrontPage()->GetControls())
-            if (control->IsWindowVisible() && control->IsWindowEnabled() &&
-                control->GetDlgCtrlID() != -1)
+            if (control->IsWindowVisible() && !control->IsWindowEnabled())
                 text += (text.empty() ? "" : " ") + std::to_string(control->GetDlgCtrlID());
         return text;
     }

@@ -21,45 +21,34 @@ protected:
 
 TEST_F(ControlPage, EnablesWhatTargetAndSelectionAllow) {
     const char* const etb = "Some controls are\r\ndisabled for ETB";
+    const char* const etbStopsWhenFull = "1034 1006 1003 1032 1007 1008 1005 1077 1004 1031";
     const char* const tpiu = "Trigger controls are\r\ndisabled for TPIU";
     const struct {
         std::set<uint32_t> features;
         uint32_t word, state;
-        const char *enabled, *note;
+        const char *unusable, *note;
     } rows[] = {
-        {{kEtb}, kTriggerOnAddress, 0x4, "1000", ""},
-        {{}, kEnable, 0, "1000 1029 1036 1061 1034 1035 1006 1032 1007 1008 1002 1009 1030", ""},
-        {{},
-         kEnable | kTriggerPin,
-         0x4,
-         "1000 1029 1036 1061 1034 1035 1006 1003 1032 1007 1008 1005 1004 1002 1009 1031",
-         ""},
-        {{},
-         kEnable | kTriggerOnAddress,
-         0x2,
-         "1000 1029 1036 1061 1034 1035 1006 1003 1032 1007 1008 1005 1077 1004 1002 1009 1030",
-         ""},
-        {{kEtb}, kEnable | kStopWhenFull, 0, "1000 1029 1036 1061 1035 1002 1009 1030 1083", etb},
         {{kEtb},
-         kEnable | kTriggerOnAddress,
-         0,
-         "1000 1029 1036 1061 1035 1003 1032 1007 1008 1005 1077 1002 1009 1030 1083",
-         etb},
-        {{kTpiu}, kEnable, 0x4, "1000 1029 1036 1061 1034 1002 1009 1031 1083", tpiu},
-        {{kTpiu},
-         kEnable | kTriggerOnAddress,
-         0,
-         "1000 1029 1036 1061 1034 1003 1032 1007 1008 1005 1077 1002 1009 1030 1083",
-         tpiu},
-        {{kEtb, kTpiu}, kEnable, 0, "1000 1029 1036 1061 1035 1002 1009 1030 1083", etb},
+         kTriggerOnAddress,
+         0x4,
+         "1029 1036 1061 1034 1035 1006 1003 1032 1007 1008 1005 1077 1004 1002 1009 1030 1031",
+         ""},
+        {{}, kEnable, 0, "1003 1005 1077 1004 1031", ""},
+        {{}, kEnable | kTriggerPin, 0x4, "1077 1030", ""},
+        {{}, kEnable | kTriggerOnAddress, 0x2, "1031", ""},
+        {{kEtb}, kEnable | kStopWhenFull, 0, etbStopsWhenFull, etb},
+        {{kEtb}, kEnable | kTriggerOnAddress, 0, "1034 1006 1004 1031", etb},
+        {{kTpiu}, kEnable, 0x4, "1035 1006 1003 1032 1007 1008 1005 1077 1004 1030", tpiu},
+        {{kTpiu}, kEnable | kTriggerOnAddress, 0, "1035 1006 1004 1031", tpiu},
+        {{kEtb, kTpiu}, kEnable | kStopWhenFull, 0, etbStopsWhenFull, etb},
     };
     for (const auto& row : rows) {
-        SCOPED_TRACE(row.enabled);
+        SCOPED_TRACE(row.unusable);
         host.features = row.features;
         host.values[0] = row.word;
         host.state = row.state;
         OpenAnd([&] {
-            EXPECT_EQ(Usable(), row.enabled);
+            EXPECT_EQ(Unusable(), row.unusable);
             EXPECT_EQ(Note(), row.note);
             // A disabled radio button keeps its selection.
             EXPECT_EQ(display.Checked(1034), (row.word & kStopWhenFull) != 0);

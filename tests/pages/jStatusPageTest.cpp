@@ -39,10 +39,6 @@ TEST(FormatCapabilityReport, BringsValuesIntoOneColumn) {
     }
 }
 
-TEST(FormatCapabilityReport, LeavesBlanksAloneWithoutAMeasure) {
-    EXPECT_EQ(FormatCapabilityReport("a:  1\nb:\n", {}), "a:  1\r\nb:\r\n");
-}
-
 /// Whatever a display measures and a host reports, the layout ends with a text of a
 /// size that can be shown.
 TEST(FormatCapabilityReport, EndsWithOddMeasuresAndReports) {

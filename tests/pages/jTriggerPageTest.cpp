@@ -36,42 +36,37 @@ protected:
 };
 
 TEST_F(TriggerPage, EnablesWhatChipAndSelectionAllow) {
+    const std::string nothing = "1014 1016 1028 1018 1020 1019 1025 1026 1027 1075 1029 1021";
     const struct {
         const char* architecture;
         int pairs, dataComparators;
         bool cortexM3;
         uint32_t word;
-        const char *pc, *data, *enabled;
+        const char *pc, *data;
+        std::string unusable;
     } rows[] = {
-        {"1.3", 4, 2, true, 0, "from 1", "from 1", ""},
-        {"1.3", 4, 2, false, kEnable, "all", "none",
-         "1011 1012 1013 1015 1017 1028 1020 1025 1026 1027 1029 1021"},
-        {"1.2", 1, 0, false, kEnable, "start 1", "addr",
-         "1011 1012 1013 1015 1017 1028 1018 1020 1025 1026 1027 1075 1029 1021"},
-        {"3.0", 1, 0, false, kEnable, "to 1", "to 2",
-         "1011 1012 1013 1015 1017 1014 1016 1028 1018 1020 1019 1025 1026 1027 1075 1029 "
-         "1021"},
-        {"1.1", 4, 0, false, kEnable, "stop 1", "all",
-         "1011 1012 1018 1019 1025 1026 1027 1075 1029 1021"},
-        {"1.3", 0, 0, false, kEnable, "none", "all", "1011 1012"},
-        {"1.3", 0, 2, false, kEnable, "none", "from 1",
-         "1011 1012 1014 1016 1025 1026 1027 1029 1021"},
-        {"1.3", 4, 2, false, kEnable, "complex", "none",
-         "1011 1012 1013 1015 1017 1028 1020 1025 1026 1027 1029 1021"},
+        {"1.3", 4, 2, true, 0, "from 1", "from 1", "1011 1030 1012 1013 1015 1017 " + nothing},
+        {"1.3", 4, 2, false, kEnable, "all", "none", "1030 1014 1016 1018 1019 1075"},
+        {"1.2", 1, 0, false, kEnable, "start 1", "addr", "1030 1014 1016 1019"},
+        {"3.0", 1, 0, false, kEnable, "to 1", "to 2", "1030"},
+        {"1.1", 4, 0, false, kEnable, "stop 1", "all", "1030 1013 1015 1017 1014 1016 1028 1020"},
+        {"1.3", 0, 0, false, kEnable, "none", "all", "1030 1013 1015 1017 " + nothing},
+        {"1.3", 0, 2, false, kEnable, "none", "to 1",
+         "1030 1013 1015 1017 1028 1018 1020 1019 1075"},
+        {"1.3", 4, 2, false, kEnable, "complex", "none", "1030 1014 1016 1018 1019 1075"},
         {"1.0", 0, 0, true, kEnable, "start 2", "none",
-         "1011 1030 1012 1013 1015 1028 1018 1020 1083"},
-        {"3.5", 2, 0, true, kEnable, "all", "none",
-         "1011 1030 1012 1013 1015 1017 1028 1020 1025 1026 1027 1029 1021"},
+         "1017 1014 1016 1019 1025 1026 1027 1075 1029 1021"},
+        {"3.5", 2, 0, true, kEnable, "all", "none", "1014 1016 1018 1019 1075 1083"},
     };
     for (const auto& row : rows) {
-        SCOPED_TRACE(row.enabled);
+        SCOPED_TRACE(row.unusable);
         SetChip(row.architecture, row.pairs, row.dataComparators);
         host.features = {row.cortexM3 ? kCortexM3 : 0};
         host.values[0] = row.word;
         SetLines(row.pc, row.data);
         Open(1, [&] {
             const bool on = row.word != 0;
-            EXPECT_EQ(Usable(), row.enabled);
+            EXPECT_EQ(Unusable(), row.unusable);
             EXPECT_EQ(Note(), on && row.cortexM3
                                   ? "For Cortex-M3 use DWT comparator index (0..3)\r\n"
                                     "in Begin and End address fields."
