@@ -1,0 +1,3 @@
+# Builds for Windows with Debian's mingw-w64.
+set(KVETM_MINGW_TARGET x86_64-w64-mingw32)
+include(${CMAKE_CURRENT_LIST_DIR}/mingw-w64.cmake)

@@ -1,0 +1,41 @@
+#include "toolkit/win32/MultiLineEdit.h"
+
+#include "toolkit/win32/ShowModel.h"
+#include "toolkit/win32/WindowTable.h"
+
+namespace {
+
+bool IsForDialog(HWND window, const MSG* message) {
+    if (message == nullptr || message->message != WM_KEYDOWN) return false;
+    const bool newLine = (GetWindowLongA(window, GWL_STYLE) & ES_WANTRETURN) != 0;
+    return message->wParam == VK_TAB || message->wParam == VK_ESCAPE ||
+           (message->wParam == VK_RETURN && !newLine);
+}
+
+LRESULT CALLBACK EditProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR,
+                               DWORD_PTR) {
+    LRESULT result = DefSubclassProc(window, message, wParam, lParam);
+    if (message == WM_GETDLGCODE) {
+        result &= ~DLGC_HASSETSEL;
+        if (IsForDialog(window, reinterpret_cast<const MSG*>(lParam)))
+            result &= ~(DLGC_WANTALLKEYS | DLGC_WANTTAB);
+    } else if (message == WM_SETTEXT && !Showing::IsNow()) {
+        // Such an edit does not report a text that is set.
+        Guarded([&] {
+            if (CWnd* edit = ModelOf(window)) TakeTypedText(*edit, window);
+        });
+    } else if (message == WM_NCDESTROY) {
+        RemoveWindowSubclass(window, EditProcedure, 0);
+    }
+    return result;
+}
+
+} // namespace
+
+void TakeTypedText(CWnd& edit, HWND window) {
+    input::Type(edit, TextOf(window));
+}
+
+void TameMultiLineEdit(HWND window) {
+    SetWindowSubclass(window, EditProcedure, 0, 0);
+}

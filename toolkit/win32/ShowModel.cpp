@@ -1,0 +1,123 @@
+#include "toolkit/win32/ShowModel.h"
+
+#include <string>
+
+#include "toolkit/win32/WindowTable.h"
+#include "toolkit/win32/focus.h"
+
+namespace {
+
+void ShowText(HWND window, const CWnd& model) {
+    const std::string& text = model.GetWindowText();
+    if (TextOf(window) == text) return; // the caret stays where it is
+    SetWindowTextA(window, text.c_str());
+    // Whoever is typing goes on behind the new text.
+    if (model.GetKind() == ControlKind::Edit && GetFocus() == window) {
+        const auto end = static_cast<LPARAM>(text.size());
+        SendMessageA(window, EM_SETSEL, static_cast<WPARAM>(end), end);
+    }
+}
+
+void ShowVisible(HWND window, const CWnd& model) {
+    if (!model.IsWindowVisible()) LeaveFocus(window);
+    const bool page = dynamic_cast<const CPropertyPage*>(&model) != nullptr;
+    UINT flags = SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE;
+    if (!page) flags |= SWP_NOZORDER; // a page comes in front of the tab control
+    flags |= model.IsWindowVisible() ? SWP_SHOWWINDOW : SWP_HIDEWINDOW;
+    SetWindowPos(window, HWND_TOP, 0, 0, 0, 0, flags);
+}
+
+void ShowEnabled(HWND window, const CWnd& model) {
+    // The keyboard would be dead with the focus on a disabled control.
+    if (!model.IsWindowEnabled()) LeaveFocus(window);
+    EnableWindow(window, model.IsWindowEnabled());
+}
+
+void ShowChecked(HWND window, const CWnd& model) {
+    const ControlKind kind = model.GetKind();
+    if (kind != ControlKind::CheckBox && kind != ControlKind::RadioButton) return;
+    const bool checked = static_cast<const CButton&>(model).GetCheck();
+    SendMessageA(window, BM_SETCHECK, checked ? BST_CHECKED : BST_UNCHECKED, 0);
+}
+
+void ShowSelection(HWND window, const CWnd& model) {
+    if (const auto* tab = dynamic_cast<const CTabCtrl*>(&model))
+        SendMessageA(window, TCM_SETCURSEL, static_cast<WPARAM>(tab->GetCurSel()), 0);
+    else if (const auto* combo = dynamic_cast<const CComboBox*>(&model))
+        SendMessageA(window, CB_SETCURSEL, static_cast<WPARAM>(combo->GetCurSel()), 0);
+}
+
+/// Entries are only ever added at the end or all taken away.
+void ShowEntries(HWND window, const CWnd& model) {
+    if (const auto* tab = dynamic_cast<const CTabCtrl*>(&model)) {
+        const auto& titles = tab->GetTitles();
+        auto shown = static_cast<size_t>(SendMessageA(window, TCM_GETITEMCOUNT, 0, 0));
+        for (; shown < titles.size(); ++shown) {
+            TCITEMA item{};
+            item.mask = TCIF_TEXT;
+            item.pszText = const_cast<char*>(titles[shown].c_str());
+            SendMessageA(window, TCM_INSERTITEMA, shown, reinterpret_cast<LPARAM>(&item));
+        }
+    } else if (const auto* combo = dynamic_cast<const CComboBox*>(&model)) {
+        const auto& entries = combo->GetEntries();
+        auto shown = static_cast<size_t>(SendMessageA(window, CB_GETCOUNT, 0, 0));
+        if (shown > entries.size()) {
+            SendMessageA(window, CB_RESETCONTENT, 0, 0);
+            shown = 0;
+        }
+        for (; shown < entries.size(); ++shown)
+            SendMessageA(window, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(entries[shown].c_str()));
+    }
+    ShowSelection(window, model);
+}
+
+void ShowPosition(HWND window, const CSliderCtrl& slider) {
+    SendMessageA(window, TBM_SETPOS, TRUE, slider.GetPos());
+}
+
+void ShowRange(HWND window, const CSliderCtrl& slider) {
+    SendMessageA(window, TBM_SETRANGEMIN, FALSE, slider.GetMinimum());
+    SendMessageA(window, TBM_SETRANGEMAX, FALSE, slider.GetMaximum());
+    SendMessageA(window, TBM_SETPAGESIZE, 0, slider.GetPageSize());
+    SendMessageA(window, TBM_SETLINESIZE, 0, slider.GetLineSize());
+    if (slider.GetTicFreq() > 0)
+        SendMessageA(window, TBM_SETTICFREQ, static_cast<WPARAM>(slider.GetTicFreq()), 0);
+    else
+        SendMessageA(window, TBM_CLEARTICS, TRUE, 0);
+    ShowPosition(window, slider);
+}
+
+} // namespace
+
+void ShowChange(const CWnd& model, Change what) {
+    const HWND window = WindowOf(model);
+    if (window == nullptr) return;
+    const Showing showing;
+    const auto* slider = dynamic_cast<const CSliderCtrl*>(&model);
+    switch (what) {
+    case Change::Text:
+        return ShowText(window, model);
+    case Change::Enabled:
+        return ShowEnabled(window, model);
+    case Change::Visible:
+        return ShowVisible(window, model);
+    case Change::Checked:
+        return ShowChecked(window, model);
+    case Change::Entries:
+        return ShowEntries(window, model);
+    case Change::Selection:
+        return ShowSelection(window, model);
+    case Change::Range:
+        if (slider != nullptr) ShowRange(window, *slider);
+        return;
+    case Change::Position:
+        if (slider != nullptr) ShowPosition(window, *slider);
+        return;
+    }
+}
+
+void ShowAll(const CWnd& control) {
+    ShowChange(control, Change::Checked);
+    ShowChange(control, Change::Entries);
+    ShowChange(control, Change::Range);
+}

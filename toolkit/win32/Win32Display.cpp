@@ -1,0 +1,143 @@
+#include "toolkit/win32/windows_api.h"
+
+#include "toolkit/win32/Win32Display.h"
+
+#include "toolkit/win32/DialogWindow.h"
+#include "toolkit/win32/ModalLoop.h"
+#include "toolkit/win32/NativeLook.h"
+#include "toolkit/win32/ShowModel.h"
+#include "toolkit/win32/WindowTable.h"
+#include "toolkit/win32/boxes.h"
+#include "toolkit/win32/focus.h"
+
+namespace {
+
+constexpr int kTipTime = 30000; // milliseconds: some tips are long
+
+/// The window over which the next one comes up: the dialog in front, or what the host
+/// has there; null if neither is.
+HWND OwnerOfNext(const std::vector<CDialog*>& running) {
+    return running.empty() ? GetActiveWindow() : WindowOf(*running.back());
+}
+
+void CALLBACK OnTimer(HWND window, UINT, UINT_PTR id, DWORD) {
+    if (CWnd* model = ModelOf(window)) input::Tick(*model, static_cast<unsigned>(id));
+}
+
+/// The tip window of a dialog, made at the first tip.
+HWND ToolTipsOf(CWnd& dialog) {
+    WindowPeer* peer = PeerOf(dialog);
+    if (peer == nullptr || peer->m_ToolTips != nullptr)
+        return peer != nullptr ? peer->m_ToolTips : nullptr;
+    const NativeLook look;
+    peer->m_ToolTips = CreateWindowExA(WS_EX_TOPMOST, TOOLTIPS_CLASSA, nullptr,
+                                       WS_POPUP | TTS_ALWAYSTIP | TTS_NOPREFIX, CW_USEDEFAULT,
+                                       CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, peer->m_Window,
+                                       nullptr, ModuleInstance(), nullptr);
+    SendMessageA(peer->m_ToolTips, TTM_SETDELAYTIME, TTDT_AUTOPOP, kTipTime);
+    SendMessageA(peer->m_ToolTips, TTM_ACTIVATE, TRUE, 0);
+    return peer->m_ToolTips;
+}
+
+} // namespace
+
+bool Win32Display::Prepare(std::string& reason) {
+    if (!m_Running.empty() && m_Thread != GetCurrentThreadId()) {
+        reason = "the dialog is open on another thread";
+        return false;
+    }
+    const NativeLook look;
+    INITCOMMONCONTROLSEX request{};
+    request.dwSize = sizeof request;
+    request.dwICC = ICC_STANDARD_CLASSES | ICC_TAB_CLASSES | ICC_BAR_CLASSES;
+    InitCommonControlsEx(&request);
+    return true;
+}
+
+bool Win32Display::Create(CDialog& dialog) {
+    return MakeDialogWindow(dialog, OwnerOfNext(m_Running));
+}
+
+void Win32Display::Destroy(CDialog& dialog) {
+    const HWND window = WindowOf(dialog);
+    if (IsWindow(window)) DestroyWindow(window);
+}
+
+void Win32Display::Refresh(CWnd& window, Change what) {
+    ShowChange(window, what);
+}
+
+void Win32Display::RunModal(CDialog& dialog) {
+    if (dialog.HasEnded()) return;
+    struct Run {
+        std::vector<CDialog*>& running;
+        ~Run() { running.pop_back(); }
+    };
+    const HWND window = WindowOf(dialog);
+    m_Running.push_back(&dialog);
+    const Run run{m_Running};
+    m_Thread = GetCurrentThreadId();
+    PlaceOverOwner(window);
+    const OthersDisabled others(window);
+    SetWindowPos(window, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_SHOWWINDOW);
+    FocusFirst(dialog);
+    RunLoop(dialog, window);
+}
+
+void Win32Display::EndModal(CDialog& dialog) {
+    // The loop looks whether its dialog has ended; this wakes it up.
+    PostMessageW(WindowOf(dialog), WM_NULL, 0, 0);
+}
+
+int Win32Display::ShowMessage(CWnd*, const char* text, const char* title, unsigned flags) {
+    // Whoever asks: the box lies over what is in front, and that waits for it.
+    return ShowMessageBox(m_Running.empty() ? nullptr : OwnerOfNext(m_Running), text, title, flags);
+}
+
+bool Win32Display::AskSaveFile(SaveFileRecord& record) {
+    return ShowSaveDialog(OwnerOfNext(m_Running), record);
+}
+
+void Win32Display::StartTimer(CWnd& window, unsigned id, unsigned milliseconds) {
+    if (WindowOf(window) != nullptr) SetTimer(WindowOf(window), id, milliseconds, OnTimer);
+}
+
+void Win32Display::StopTimer(CWnd& window, unsigned id) {
+    if (WindowOf(window) != nullptr) KillTimer(WindowOf(window), id);
+}
+
+bool Win32Display::MeasureTabbedText(const CWnd& control, std::string_view text, int& width) {
+    const HWND window = WindowOf(control);
+    const HDC context = window != nullptr ? GetDC(window) : nullptr;
+    if (context == nullptr) return false;
+    const auto font = reinterpret_cast<HGDIOBJ>(SendMessageA(window, WM_GETFONT, 0, 0));
+    const HGDIOBJ before = font != nullptr ? SelectObject(context, font) : nullptr;
+    width = LOWORD(
+        GetTabbedTextExtentA(context, text.data(), static_cast<int>(text.size()), 0, nullptr));
+    if (before != nullptr) SelectObject(context, before);
+    ReleaseDC(window, context);
+    return true;
+}
+
+void Win32Display::SetToolTip(CWnd& control, const char* text, int maxWidth) {
+    const HWND tool = WindowOf(control);
+    const HWND tips = control.GetParent() != nullptr ? ToolTipsOf(*control.GetParent()) : nullptr;
+    if (tool == nullptr || tips == nullptr) return;
+    TOOLINFOA info{};
+    info.cbSize = sizeof info;
+    info.uFlags = TTF_IDISHWND | TTF_SUBCLASS;
+    info.hwnd = GetParent(tool);
+    info.uId = reinterpret_cast<UINT_PTR>(tool);
+    info.hinst = ModuleInstance();
+    info.lpszText = const_cast<char*>(text);
+    SendMessageA(tips, TTM_SETMAXTIPWIDTH, 0, maxWidth);
+    SendMessageA(tips, TTM_ADDTOOLA, 0, reinterpret_cast<LPARAM>(&info));
+}
+
+void Win32Display::Beep(unsigned flags) {
+    ::MessageBeep(flags);
+}
+
+std::unique_ptr<Display> MakeDisplay() {
+    return std::make_unique<Win32Display>();
+}

@@ -1,0 +1,31 @@
+// Which window belongs to which model, in both directions.
+
+#pragma once
+
+#include <string>
+
+#include "toolkit/win32/windows_api.h"
+
+/// The window of a model; entered into the table while it lives.
+class WindowPeer final : public DisplayPeer {
+public:
+    WindowPeer(CWnd& model, HWND window);
+    ~WindowPeer() override;
+    WindowPeer(const WindowPeer&) = delete;
+    WindowPeer& operator=(const WindowPeer&) = delete;
+
+    const HWND m_Window;
+    HWND m_ToolTips = nullptr; // of a dialog, once it has any
+};
+
+/// The peer of a model, or null.
+WindowPeer* PeerOf(const CWnd& model);
+
+/// The window of a model, or null.
+HWND WindowOf(const CWnd& model);
+
+/// The model of a window, or null for a window that is not ours.
+CWnd* ModelOf(HWND window);
+
+/// The text that a window shows now.
+std::string TextOf(HWND window);
