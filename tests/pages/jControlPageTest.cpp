@@ -217,23 +217,26 @@ TEST_F(ControlPage, WhatIsNotUsedIsNeitherCheckedNorStored) {
 }
 
 TEST_F(ControlPage, PcRangesRefuseTheTriggerOnAddress) {
-    const std::pair<const char*, bool> rows[] = {{"ETM PC = all", true},
-                                                 {"ETM PC = start 1", true},
-                                                 {"ETM PC = stop 2", false},
-                                                 {"ETM PC = to 1", false},
-                                                 {"ETM COMPLEX", false}};
-    for (const auto& [line, allowed] : rows) {
-        SCOPED_TRACE(line);
+    const struct {
+        const char* line;
+        bool allowed;
+    } rows[] = {{"ETM PC = all", true},
+                {"ETM PC = start 1", true},
+                {"ETM PC = stop 2", false},
+                {"ETM PC = to 1", false},
+                {"ETM COMPLEX", false}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.line);
         host.values[0] = kEnable | kTriggerPin;
-        host.lines = {line};
+        host.lines = {row.line};
         Open(0, [&] {
-            if (!allowed) display.Answer(IDOK);
+            if (!row.allowed) display.Answer(IDOK);
             display.Click(1005);
-            EXPECT_EQ(display.Checked(1005), allowed);
-            EXPECT_EQ(display.Enabled(1077), allowed);
-            EXPECT_EQ(CanApply(), allowed);
-            EXPECT_EQ(g_Settings->Working.TriggerOnAddress, allowed ? 1 : 0);
-            if (allowed) return;
+            EXPECT_EQ(display.Checked(1005), row.allowed);
+            EXPECT_EQ(display.Enabled(1077), row.allowed);
+            EXPECT_EQ(CanApply(), row.allowed);
+            EXPECT_EQ(g_Settings->Working.TriggerOnAddress, row.allowed ? 1 : 0);
+            if (row.allowed) return;
             EXPECT_THAT(display.Boxes(),
                         ElementsAre("[Conflicting Settings Used] ETM trigger cannot be enabled if "
                                     "PC address range is in use.\nClick ETM Trace Settings and "

@@ -221,22 +221,23 @@ TEST_F(TriggerPage, CortexM3TakesComparatorIndexes) {
     const char* const incorrect = "[Incorrect DWT comparator] DWT comparator index (0..3) must be "
                                   "used instead of address";
     const char* const empty = "[Cannot validate address] Address entry is empty";
-    const std::pair<const char*, const char*> rows[] = {
-        {"0", nullptr},    {"3", nullptr},      {" \t2", nullptr},  {"  3 \n", nullptr},
-        {"4", incorrect},  {"10", incorrect},   {"0x1", incorrect}, {"1 2", incorrect},
-        {"-1", incorrect}, {"\xb2", incorrect}, {"", empty},        {"   ", empty}};
+    const struct {
+        const char *text, *box; // null: accepted
+    } rows[] = {{"0", nullptr},    {"3", nullptr},      {" \t2", nullptr},  {"  3 \n", nullptr},
+                {"4", incorrect},  {"10", incorrect},   {"0x1", incorrect}, {"1 2", incorrect},
+                {"-1", incorrect}, {"\xb2", incorrect}, {"", empty},        {"   ", empty}};
     host.features = {kCortexM3};
-    for (const auto& [text, box] : rows) {
-        SCOPED_TRACE(text);
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.text);
         SetLines("start 1", "none");
         Open(1, [&] {
-            display.Type(1018, text);
-            if (box != nullptr) display.Answer(IDOK);
+            display.Type(1018, row.text);
+            if (row.box != nullptr) display.Answer(IDOK);
             display.Tab(0);
-            EXPECT_EQ(FrontTab(), box != nullptr ? 1 : 0);
-            EXPECT_EQ(g_Settings->Working.PcBegin, box != nullptr ? "1" : text);
-            if (box != nullptr) {
-                EXPECT_THAT(display.Boxes(), ElementsAre(box));
+            EXPECT_EQ(FrontTab(), row.box != nullptr ? 1 : 0);
+            EXPECT_EQ(g_Settings->Working.PcBegin, row.box != nullptr ? "1" : row.text);
+            if (row.box != nullptr) {
+                EXPECT_THAT(display.Boxes(), ElementsAre(row.box));
             }
         });
     }
