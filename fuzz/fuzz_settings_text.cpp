@@ -1,0 +1,72 @@
+// A whole read of the settings, and an apply of all that was read. The first bytes
+// are the values by id; what follows is the settings text, line by line, and the
+// capability report too.
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "frame/slots.h"
+#include "settings/jTraceSettings.h"
+#include "tests/support/RecordingHost.h"
+
+namespace {
+
+struct FuzzedTrace final : HostObject<IOrnVETMTrace> {
+    FuzzedTrace() : HostObject("IOrnVETMTrace") {}
+    const char* Command(const char*, std::ostream* stream) override {
+        if (stream) *stream << text << '\0';
+        return nullptr;
+    }
+    const char* GetInfoText(uint32_t) override { return nullptr; }
+    uint32_t GetTraceState(uint32_t*) override { return 0; }
+    bool HasFeature(uint32_t) override { return false; }
+    bool SetValue(uint32_t, uint32_t) override { return true; }
+    bool GetValue(uint32_t id, uint32_t* value) override {
+        *value = words[id % std::size(words)];
+        return true;
+    }
+    const char* GetSettingsLine(uint32_t index) override {
+        return index < lines.size() ? lines[index].c_str() : nullptr;
+    }
+
+    uint32_t words[8] = {};
+    std::string text;
+    std::vector<std::string> lines;
+};
+
+void Check(bool holds) {
+    if (!holds) std::abort();
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    FuzzedTrace host;
+    const size_t head = std::min(size, sizeof host.words);
+    std::copy(data, data + head, reinterpret_cast<uint8_t*>(host.words));
+    host.text.assign(reinterpret_cast<const char*>(data) + head, size - head);
+    for (size_t start = 0; start <= host.text.size();) {
+        const size_t end = std::min(host.text.find('\n', start), host.text.size());
+        host.lines.push_back(host.text.substr(start, end - start));
+        start = end + 1;
+    }
+    g_VETMTrace = &host;
+
+    jTraceSettings settings;
+    Check(settings.ReadFromTarget() && !settings.IsModified());
+    for (int32_t id = TA_PORT_SIZE; id <= TA_CONTEXT_ID_SIZE; ++id) {
+        char text[64];
+        uint32_t value = 0;
+        for (int32_t index = 0; index < settings.GetChoiceCount(id); ++index)
+            Check(settings.GetChoice(id, index, text, sizeof text, value));
+    }
+    settings.Snapshot = jTraceState();
+    Check(settings.ApplyToTarget() && !settings.IsModified());
+    g_VETMTrace = nullptr;
+    return 0;
+}
