@@ -7,7 +7,7 @@
 // The call that opens a directory delivers its first entry too, so one entry is
 // always read ahead.
 struct Directory::Handle {
-    explicit Handle(const char* specification) : Search(FindFirstFileA(specification, &Ahead)) {}
+    explicit Handle(const char* pattern) : Search(FindFirstFileA(pattern, &Ahead)) {}
     ~Handle() {
         if (IsValid()) FindClose(Search);
     }

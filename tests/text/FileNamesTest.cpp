@@ -175,7 +175,7 @@ TEST_F(Files, AreRegularOnesAndLinksToThem) {
 
 TEST_F(Files, AreGatheredByThousands) {
     std::vector<std::string> names;
-    for (int i = 0; i < 3000; ++i) {
+    for (int i = 0; i < 2000; ++i) {
         names.push_back("a_board_file_" + std::to_string(i) + ".mac"); // beyond 65535 bytes
         Make(names.back());
     }
