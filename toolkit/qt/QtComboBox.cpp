@@ -18,7 +18,9 @@ namespace qt {
 
 namespace {
 
-constexpr int kClosedHeight = 12; // in dialog units; the template has that of the open list
+// In dialog units; a template gives the height of the open list. One more than a
+// line of controls has, and one less than the distance between two of them.
+constexpr int kClosedHeight = 13;
 
 class ComboBox : public QComboBox {
 public:
@@ -73,8 +75,7 @@ public:
 
     void Place(const QRect& place) override {
         const int height = DialogUnits(m_Combo->font()).Y(kClosedHeight);
-        PlaceCentered(QRect(place.topLeft(), QSize(place.width(), height)),
-                      m_Combo->sizeHint().height());
+        QtPeer::Place({place.topLeft(), QSize(place.width(), height)});
     }
 
 private:

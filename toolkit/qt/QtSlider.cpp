@@ -40,8 +40,9 @@ protected:
     }
 
     void mouseReleaseEvent(QMouseEvent* event) override {
+        const bool thumb = isSliderDown(); // then there is a signal
         QSlider::mouseReleaseEvent(event);
-        if (event->button() == Qt::LeftButton) input::Release(m_Model);
+        if (!thumb && event->button() == Qt::LeftButton) input::Release(m_Model);
     }
 
     /// Only the wheel over a slider that has the focus is meant for it.
@@ -69,6 +70,8 @@ public:
                 Refresh(Change::Position);
             });
         });
+        QObject::connect(slider, &QSlider::sliderReleased, reports,
+                         [this] { input::Release(m_Range); });
     }
 
     void Refresh(Change what) override {

@@ -3,7 +3,6 @@
 #include <QFontMetrics>
 #include <QGroupBox>
 #include <QLabel>
-#include <QStyleOption>
 #include <QStylePainter>
 #include <algorithm>
 
@@ -44,6 +43,7 @@ private:
 };
 
 /// A frame whose title interrupts the upper edge, on half of the title's height.
+/// Styles draw the title above the frame, where templates have other controls.
 class GroupBox : public QGroupBox {
 public:
     using QGroupBox::QGroupBox;
@@ -51,26 +51,25 @@ public:
 protected:
     void paintEvent(QPaintEvent*) override {
         constexpr int kIndent = 7;
-        constexpr int kGap = 3;
-        QStylePainter painter(this);
-        QStyleOptionGroupBox option;
-        initStyleOption(&option);
+        constexpr int kGap = 4;
+        constexpr int kRadius = 2;
+        constexpr float kFaint = 0.3F;
         const QFontMetrics metrics = fontMetrics();
         const int room = std::max(0, width() - 2 * kIndent);
-        const QString title = metrics.elidedText(option.text, Qt::ElideRight, room);
-        const QRect text(kIndent, 0, metrics.horizontalAdvance(title), metrics.height());
+        const QString text = metrics.elidedText(title(), Qt::ElideRight, room);
+        const QRect place(kIndent, 0, metrics.horizontalAdvance(text), metrics.height());
 
-        QStyleOptionFrame frame;
-        frame.initFrom(this);
-        frame.lineWidth = option.lineWidth;
-        frame.midLineWidth = option.midLineWidth;
-        frame.state |= QStyle::State_Sunken;
-        frame.rect = rect().adjusted(0, metrics.height() / 2, 0, 0);
-        if (!title.isEmpty())
-            painter.setClipRegion(QRegion(rect()) - text.adjusted(-kGap, 0, kGap, 0));
-        painter.drawPrimitive(QStyle::PE_FrameGroupBox, frame);
+        QStylePainter painter(this);
+        QColor line = palette().color(QPalette::WindowText);
+        line.setAlphaF(kFaint);
+        painter.setPen(line);
+        painter.setRenderHint(QPainter::Antialiasing);
+        if (!text.isEmpty())
+            painter.setClipRegion(QRegion(rect()) - place.adjusted(-kGap, 0, kGap, 0));
+        const QRectF frame = QRectF(rect()).adjusted(0.5, metrics.height() / 2 + 0.5, -0.5, -0.5);
+        painter.drawRoundedRect(frame, kRadius, kRadius);
         painter.setClipping(false);
-        painter.drawItemText(text, Qt::AlignLeft | Qt::AlignVCenter, palette(), isEnabled(), title,
+        painter.drawItemText(place, Qt::AlignLeft | Qt::AlignVCenter, palette(), isEnabled(), text,
                              QPalette::WindowText);
     }
 };
