@@ -20,6 +20,7 @@ protected:
 };
 
 TEST_F(ControlPage, EnablesWhatTargetAndSelectionAllow) {
+    const char* const none = "hidden";
     const char* const etb = "Some controls are\r\ndisabled for ETB";
     const char* const etbStopsWhenFull = "1034 1006 1003 1032 1007 1008 1005 1077 1004 1031";
     const char* const tpiu = "Trigger controls are\r\ndisabled for TPIU";
@@ -32,10 +33,10 @@ TEST_F(ControlPage, EnablesWhatTargetAndSelectionAllow) {
          kTriggerOnAddress,
          0x4,
          "1029 1036 1061 1034 1035 1006 1003 1032 1007 1008 1005 1077 1004 1002 1009 1030 1031",
-         ""},
-        {{}, kEnable, 0, "1003 1005 1077 1004 1031", ""},
-        {{}, kEnable | kTriggerPin, 0x4, "1077 1030", ""},
-        {{}, kEnable | kTriggerOnAddress, 0x2, "1031", ""},
+         none},
+        {{}, kEnable, 0, "1003 1005 1077 1004 1031", none},
+        {{}, kEnable | kTriggerPin, 0x4, "1077 1030", none},
+        {{}, kEnable | kTriggerOnAddress, 0x2, "1031", none},
         {{kEtb}, kEnable | kStopWhenFull, 0, etbStopsWhenFull, etb},
         {{kEtb}, kEnable | kTriggerOnAddress, 0, "1034 1006 1004 1031", etb},
         {{kTpiu}, kEnable, 0x4, "1035 1006 1003 1032 1007 1008 1005 1077 1004 1030", tpiu},

@@ -25,6 +25,7 @@ TEST(FormatCapabilityReport, BringsValuesIntoOneColumn) {
         // On the first line the colon is not part of what is measured.
         {"widest first", "1234567: 5\na: 6", "1234567:\t5\r\na:\t6"},
         {"widest second", "a: 6\n1234567: 5", "a:\t\t6\r\n1234567:\t5"},
+        {"a line is measured alone", "123456789: 1\n123456: 2", "123456789:\t1\r\n123456:\t\t2"},
         {"no colon", "one\ntwo\n", "one\r\ntwo\r\n"},
         {"a line without colon widens", "12345\nab: 1\nc: 2", "12345\r\nab:\t\t1\r\nc:\t\t2"},
         {"line feed behind a colon", "a:\nb: 1\n", "a:\tb:\t1\r\n"},

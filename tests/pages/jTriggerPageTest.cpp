@@ -70,7 +70,7 @@ TEST_F(TriggerPage, EnablesWhatChipAndSelectionAllow) {
             EXPECT_EQ(Note(), on && row.cortexM3
                                   ? "For Cortex-M3 use DWT comparator index (0..3)\r\n"
                                     "in Begin and End address fields."
-                                  : "");
+                                  : "hidden");
         });
     }
 }
@@ -126,6 +126,7 @@ TEST_F(TriggerPage, AsksWhoGetsTheComparators) {
         {1, "none", "all", trigger, kLimit, {dropTrigger}, {IDYES}, 1, 0, 1, true},
         {1, "start 1", "all", trigger, kLimit, {dropBoth}, {IDNO}, 2, 1, 0, false},
         {1, "start 1", "all", trigger, kLimit, {dropBoth}, {IDYES}, 1, 0, 1, true},
+        {1, "stop 1", "all", trigger, kLimit, {byTrigger, dropPc}, {IDYES, IDYES}, 1, 0, 1, true},
         {1, "start 1", "from 1", 0, kValues, {dropDataRange}, {IDNO}, 2, 0, 1, false},
         {1, "all", "all", 0, kLimit, {}, {}, 1, 0, 1, true},
     };
