@@ -1,0 +1,291 @@
+#include "tests/win32/Win32User.h"
+
+#include <commctrl.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <stdexcept>
+
+namespace {
+
+constexpr DWORD kPatience = 10000; // milliseconds
+constexpr int kEscape = -1;        // an answer: not by a button, but by the key
+constexpr int kSaveNames[] = {0x47c, 0x480};
+constexpr int kTabControl = 0x3020;
+constexpr int kBoardList = 1078; // only the ETM Configuration dialog has it
+
+std::string ClassOf(HWND window) {
+    char name[64];
+    return std::string(name, static_cast<size_t>(GetClassNameA(window, name, sizeof name)));
+}
+
+std::string WindowText(HWND window) {
+    std::string text(static_cast<size_t>(SendMessageA(window, WM_GETTEXTLENGTH, 0, 0)) + 1, '\0');
+    text.resize(static_cast<size_t>(SendMessageA(window, WM_GETTEXT, text.size(),
+                                                 reinterpret_cast<LPARAM>(text.data()))));
+    return text;
+}
+
+BOOL CALLBACK FindFront(HWND window, LPARAM result) {
+    DWORD process = 0;
+    GetWindowThreadProcessId(window, &process);
+    if (process != GetCurrentProcessId() || !IsWindowVisible(window) || !IsWindowEnabled(window) ||
+        ClassOf(window) != "#32770")
+        return TRUE;
+    *reinterpret_cast<HWND*>(result) = window;
+    return FALSE;
+}
+
+HWND PageInFront(HWND sheet) {
+    for (HWND page = FindWindowExA(sheet, nullptr, "#32770", nullptr); page != nullptr;
+         page = FindWindowExA(sheet, page, "#32770", nullptr))
+        if (IsWindowVisible(page)) return page;
+    return nullptr;
+}
+
+HWND NameField(HWND window) {
+    for (const int id : kSaveNames)
+        if (const HWND field = GetDlgItem(window, id)) return field;
+    return nullptr;
+}
+
+bool IsBox(HWND window) {
+    return GetDlgItem(window, kTabControl) == nullptr && GetDlgItem(window, kBoardList) == nullptr &&
+           NameField(window) == nullptr;
+}
+
+void Post(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (!PostMessageA(window, message, wParam, lParam)) throw std::runtime_error("cannot post");
+}
+
+LRESULT CALLBACK MarkerProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_APP) SetEvent(reinterpret_cast<HANDLE>(lParam));
+    return DefWindowProcA(window, message, wParam, lParam);
+}
+
+HWND MakeMarker() {
+    WNDCLASSA type{};
+    type.lpfnWndProc = MarkerProcedure;
+    type.lpszClassName = "Win32UserMarker";
+    RegisterClassA(&type);
+    return CreateWindowA(type.lpszClassName, "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr,
+                         nullptr);
+}
+
+} // namespace
+
+Win32User::Win32User()
+    : m_WindowThread(GetCurrentThreadId()), m_Marked(CreateEventA(nullptr, FALSE, FALSE, nullptr)),
+      m_Marker(MakeMarker()) {}
+
+Win32User::~Win32User() {
+    GetUp();
+    DestroyWindow(m_Marker);
+    CloseHandle(m_Marked);
+}
+
+void Win32User::Sit() {
+    m_Person = std::thread([this] {
+        try {
+            for (DWORD waited = 0; Front() == nullptr; waited += 5) {
+                if (waited > kPatience) throw std::runtime_error("no dialog came up");
+                Sleep(5);
+            }
+            Attend(Front());
+        } catch (const std::exception& error) {
+            ADD_FAILURE() << error.what();
+        }
+    });
+}
+
+void Win32User::GetUp() {
+    if (m_Person.joinable()) m_Person.join();
+}
+
+// --- Attending to windows -----------------------------------------------------------------
+
+HWND Win32User::Front() {
+    HWND front = nullptr;
+    EnumWindows(FindFront, reinterpret_cast<LPARAM>(&front));
+    return front;
+}
+
+/// Returns false once the window has gone.
+bool Win32User::LetWork(HWND window) {
+    Post(m_Marker, WM_APP, 0, reinterpret_cast<LPARAM>(m_Marked));
+    for (DWORD waited = 0; waited < kPatience; waited += 5) {
+        if (WaitForSingleObject(m_Marked, 5) == WAIT_OBJECT_0) return IsWindow(window) != 0;
+        if (!IsWindow(window)) return false; // and with it perhaps the last loop
+    }
+    throw std::runtime_error("the windows do not answer");
+}
+
+void Win32User::Settle() {
+    const HWND window = m_Attended.back();
+    while (LetWork(window)) {
+        const HWND front = Front();
+        if (front == window) return;
+        if (front != nullptr) Attend(front);
+    }
+}
+
+void Win32User::Attend(HWND window) {
+    m_Attended.push_back(window);
+    if (NameField(window) != nullptr)
+        AnswerSaveDialog(window);
+    else if (IsBox(window))
+        AnswerBox(window);
+    else
+        RunScript(window);
+    while (LetWork(window)) { // something may still come up, such as a question
+        const HWND front = Front();
+        if (front != nullptr && front != window) Attend(front);
+    }
+    m_Attended.pop_back();
+}
+
+void Win32User::RunScript(HWND window) {
+    Script script;
+    if (m_Scripts.empty()) {
+        ++m_Surprises;
+    } else {
+        script = std::move(m_Scripts.front());
+        m_Scripts.pop_front();
+    }
+    try {
+        if (script) script(*this);
+    } catch (const std::exception& error) {
+        ADD_FAILURE() << error.what();
+    }
+    if (IsWindow(window)) PostMessageA(window, WM_SYSCOMMAND, SC_CLOSE, 0);
+}
+
+void Win32User::AnswerBox(HWND box) {
+    std::string text;
+    for (HWND part = FindWindowExA(box, nullptr, "Static", nullptr); part != nullptr;
+         part = FindWindowExA(box, part, "Static", nullptr))
+        text += WindowText(part);
+    std::string line = "[";
+    m_Boxes.push_back(line.append(WindowText(box)).append("] ").append(text));
+    int answer = IDCANCEL;
+    if (m_Answers.empty()) {
+        ++m_Surprises;
+    } else {
+        answer = m_Answers.front();
+        m_Answers.pop_front();
+    }
+    const HWND button = GetDlgItem(box, answer);
+    if (answer == kEscape || button == nullptr)
+        Post(box, WM_KEYDOWN, VK_ESCAPE, 0);
+    else
+        Post(button, BM_CLICK, 0, 0);
+}
+
+void Win32User::AnswerSaveDialog(HWND dialog) {
+    std::string path;
+    if (m_Saves.empty()) {
+        ++m_Surprises;
+    } else {
+        path = m_Saves.front();
+        m_Saves.pop_front();
+    }
+    SendMessageA(NameField(dialog), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(path.c_str()));
+    Post(GetDlgItem(dialog, path.empty() ? IDCANCEL : IDOK), BM_CLICK, 0, 0);
+}
+
+// --- What the person does --------------------------------------------------------------------
+
+HWND Win32User::Find(int id) {
+    const HWND window = m_Attended.back();
+    HWND control = nullptr;
+    if (const HWND page = PageInFront(window)) control = GetDlgItem(page, id);
+    if (control == nullptr) control = GetDlgItem(window, id);
+    if (control == nullptr) throw std::runtime_error("no control " + std::to_string(id));
+    return control;
+}
+
+void Win32User::Click(int id) {
+    if (!Enabled(id)) throw std::runtime_error("disabled: " + std::to_string(id));
+    Post(Find(id), BM_CLICK, 0, 0);
+    Settle();
+}
+
+void Win32User::Type(int id, const char* text) {
+    const HWND edit = Find(id);
+    SendMessageA(edit, EM_SETSEL, 0, -1);
+    Post(edit, WM_KEYDOWN, VK_DELETE, 0);
+    for (; *text != '\0'; ++text)
+        if (*text != '\n') Post(edit, WM_CHAR, static_cast<unsigned char>(*text), 0);
+    Settle();
+}
+
+void Win32User::Select(int id, int index) {
+    const HWND combo = Find(id);
+    SendMessageA(combo, CB_SETCURSEL, static_cast<WPARAM>(index), 0);
+    Post(GetParent(combo), WM_COMMAND, MAKEWPARAM(id, CBN_SELCHANGE),
+         reinterpret_cast<LPARAM>(combo));
+    Settle();
+}
+
+void Win32User::Tab(int index) {
+    Post(Find(kTabControl), TCM_SETCURFOCUS, static_cast<WPARAM>(index), 0);
+    Settle();
+}
+
+void Win32User::Drag(int id, int position) {
+    const HWND slider = Find(id);
+    SendMessageA(slider, TBM_SETPOS, TRUE, position);
+    Post(GetParent(slider), WM_HSCROLL, MAKEWPARAM(TB_THUMBTRACK, position),
+         reinterpret_cast<LPARAM>(slider));
+    Settle();
+    NMHDR header{slider, static_cast<UINT_PTR>(id), NM_RELEASEDCAPTURE};
+    SendMessageA(GetParent(slider), WM_NOTIFY, header.idFrom, reinterpret_cast<LPARAM>(&header));
+    Settle();
+}
+
+void Win32User::CloseFrame() {
+    Post(m_Attended.back(), WM_SYSCOMMAND, SC_CLOSE, 0);
+    Settle();
+}
+
+void Win32User::Press(WPARAM key) {
+    Post(Focus(), WM_KEYDOWN, key, 0);
+    Settle();
+}
+
+void Win32User::Wait(unsigned milliseconds) {
+    const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(milliseconds);
+    while (std::chrono::steady_clock::now() < end) {
+        Sleep(10);
+        Settle();
+    }
+}
+
+// --- What the person sees -----------------------------------------------------------------------
+
+HWND Win32User::Focus() const {
+    GUITHREADINFO info{};
+    info.cbSize = sizeof info;
+    GetGUIThreadInfo(m_WindowThread, &info);
+    return info.hwndFocus;
+}
+
+std::string Win32User::Text(int id) {
+    return WindowText(Find(id));
+}
+bool Win32User::Enabled(int id) {
+    return IsWindowEnabled(Find(id)) != 0;
+}
+bool Win32User::Visible(int id) {
+    return IsWindowVisible(Find(id)) != 0;
+}
+bool Win32User::Checked(int id) {
+    return SendMessageA(Find(id), BM_GETCHECK, 0, 0) == BST_CHECKED;
+}
+int Win32User::Selection(int id) {
+    return static_cast<int>(SendMessageA(Find(id), CB_GETCURSEL, 0, 0));
+}
+int Win32User::TabInFront() {
+    return static_cast<int>(SendMessageA(Find(kTabControl), TCM_GETCURSEL, 0, 0));
+}

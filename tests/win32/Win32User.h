@@ -1,0 +1,81 @@
+// Win32User: a person at the native windows, found by their resource numbers.
+//
+// The person sits on a thread of their own, since the thread of the windows is inside
+// Open. Whatever is done is posted; then the person waits until the other thread has
+// dealt with it, and attends to the windows that came up because of it.
+
+#pragma once
+
+#include <windows.h>
+
+#include <deque>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "tests/scenarios/User.h"
+
+// Of <windows.h>; the stories use the toolkit's constants of these names.
+#undef MessageBox
+
+class Win32User final : public User {
+public:
+    /// REQUIRES: made and destroyed on the thread that runs the dialogs.
+    Win32User();
+    ~Win32User() override;
+
+    /// Waits for the first dialog, on the person's thread, and runs its script.
+    void Sit();
+    /// Waits until the person has got up. What scripts threw has become a failure.
+    void GetUp();
+
+    void OnNextDialog(Script script) override { m_Scripts.push_back(std::move(script)); }
+    void Answer(int result) override { m_Answers.push_back(result); }
+    void AnswerSave(const char* path) override { m_Saves.push_back(path != nullptr ? path : ""); }
+    void Click(int id) override;
+    void Type(int id, const char* text) override;
+    void Select(int id, int index) override;
+    void Tab(int index) override;
+    void Drag(int id, int position) override;
+    void CloseFrame() override;
+    void Wait(unsigned milliseconds) override;
+    /// Presses a key in the window that has the focus.
+    void Press(WPARAM key);
+
+    std::string Text(int id) override;
+    bool Enabled(int id) override;
+    bool Visible(int id) override;
+    bool Checked(int id) override;
+    int Selection(int id) override;
+    int TabInFront() override;
+    std::vector<std::string> Boxes() override { return m_Boxes; }
+
+    /// The control in front; throws std::runtime_error without one.
+    HWND Find(int id);
+    /// The dialog in front, or null.
+    static HWND Front();
+    /// Of the thread of the windows: the control with the focus.
+    HWND Focus() const;
+    /// Lets the other thread deal with all that was posted, and attends to new windows.
+    void Settle();
+    /// Windows that came up although nothing was prepared for them.
+    int Surprises() const { return m_Surprises; }
+
+private:
+    void Attend(HWND window);
+    void RunScript(HWND window);
+    void AnswerBox(HWND box);
+    void AnswerSaveDialog(HWND dialog);
+    bool LetWork(HWND window);
+
+    std::deque<Script> m_Scripts;
+    std::deque<int> m_Answers;
+    std::deque<std::string> m_Saves;
+    std::vector<std::string> m_Boxes;
+    std::vector<HWND> m_Attended; // the last one is in front
+    int m_Surprises = 0;
+    const DWORD m_WindowThread;
+    HANDLE m_Marked;
+    HWND m_Marker;
+    std::thread m_Person;
+};
