@@ -104,7 +104,7 @@ public:
         Refresh(Change::Checked);
     }
 
-    void Place(const QRect& place) override { PlaceCentered(place, m_Button->sizeHint().height()); }
+    void Place(const QRect& place) override { PlaceCentered(place, m_Button->sizeHint()); }
 };
 
 class RadioPeer : public MarkedPeer {

@@ -19,9 +19,10 @@ void QtPeer::Place(const QRect& place) {
     m_Widget->setGeometry(place);
 }
 
-void QtPeer::PlaceCentered(QRect place, int height) {
-    const int more = std::max(0, height - place.height());
-    m_Widget->setGeometry(place.adjusted(0, -more / 2, 0, more - more / 2));
+void QtPeer::PlaceCentered(const QRect& place, QSize needed) {
+    const int wider = std::max(0, needed.width() - place.width());
+    const int higher = std::max(0, needed.height() - place.height());
+    m_Widget->setGeometry(place.adjusted(0, -higher / 2, wider, higher - higher / 2));
 }
 
 QtPeer* PeerOf(const CWnd& window) {

@@ -35,8 +35,10 @@ public:
     virtual QWidget* FocusWidget() const { return m_Widget; }
 
 protected:
-    /// Puts the widget to `place` with its centre line kept, at least `height` high.
-    void PlaceCentered(QRect place, int height);
+    /// Puts the widget to `place` with its centre line kept, at least as high as
+    /// `needed`, and as wide: it is better to reach into the gap beside the place
+    /// than to lose the end of a text.
+    void PlaceCentered(const QRect& place, QSize needed);
 
     CWnd& m_Model;
 

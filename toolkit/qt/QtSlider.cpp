@@ -86,7 +86,9 @@ public:
         Refresh(Change::Range);
     }
 
-    void Place(const QRect& place) override { PlaceCentered(place, m_Slider->sizeHint().height()); }
+    void Place(const QRect& place) override {
+        PlaceCentered(place, QSize(0, m_Slider->sizeHint().height()));
+    }
 
 private:
     void ShowRange() {

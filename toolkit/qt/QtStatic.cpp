@@ -31,11 +31,9 @@ public:
         m_Label->setAlignment((centered ? Qt::AlignHCenter : Qt::AlignLeft) |
                               (lines ? Qt::AlignTop : Qt::AlignVCenter));
         if (lines) return QtPeer::Place(place);
-        // Rather reach into the gap beside it than lose the end of a text.
-        QRect room = place;
-        const QSize hint = m_Label->sizeHint();
-        if (!centered) room.setWidth(std::max(room.width(), hint.width()));
-        PlaceCentered(room, hint.height());
+        QSize needed = m_Label->sizeHint();
+        if (centered) needed.setWidth(0); // it would lean to the right
+        PlaceCentered(place, needed);
     }
 
 private:
