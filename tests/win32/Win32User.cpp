@@ -4,7 +4,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
+#include <cstdio>
 #include <stdexcept>
 
 namespace {
@@ -22,8 +24,8 @@ std::string ClassOf(HWND window) {
 
 std::string WindowText(HWND window) {
     std::string text(static_cast<size_t>(SendMessageA(window, WM_GETTEXTLENGTH, 0, 0)) + 1, '\0');
-    text.resize(static_cast<size_t>(SendMessageA(window, WM_GETTEXT, text.size(),
-                                                 reinterpret_cast<LPARAM>(text.data()))));
+    text.resize(static_cast<size_t>(
+        SendMessageA(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()))));
     return text;
 }
 
@@ -51,16 +53,31 @@ HWND NameField(HWND window) {
 }
 
 bool IsBox(HWND window) {
-    return GetDlgItem(window, kTabControl) == nullptr && GetDlgItem(window, kBoardList) == nullptr &&
-           NameField(window) == nullptr;
+    return GetDlgItem(window, kTabControl) == nullptr &&
+           GetDlgItem(window, kBoardList) == nullptr && NameField(window) == nullptr;
+}
+
+/// What stands in a window, to tell it from others.
+std::string Describe(HWND window) {
+    std::string text = WindowText(window);
+    for (HWND part = GetWindow(window, GW_CHILD); part != nullptr;
+         part = GetWindow(part, GW_HWNDNEXT))
+        text.append(" | ")
+            .append(std::to_string(GetDlgCtrlID(part)))
+            .append(" ")
+            .append(WindowText(part));
+    return text;
 }
 
 void Post(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     if (!PostMessageA(window, message, wParam, lParam)) throw std::runtime_error("cannot post");
 }
 
+// The last marker that the thread of the windows has come to.
+std::atomic<WPARAM> g_Reached = 0;
+
 LRESULT CALLBACK MarkerProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    if (message == WM_APP) SetEvent(reinterpret_cast<HANDLE>(lParam));
+    if (message == WM_APP) g_Reached = wParam;
     return DefWindowProcA(window, message, wParam, lParam);
 }
 
@@ -75,14 +92,11 @@ HWND MakeMarker() {
 
 } // namespace
 
-Win32User::Win32User()
-    : m_WindowThread(GetCurrentThreadId()), m_Marked(CreateEventA(nullptr, FALSE, FALSE, nullptr)),
-      m_Marker(MakeMarker()) {}
+Win32User::Win32User() : m_WindowThread(GetCurrentThreadId()), m_Marker(MakeMarker()) {}
 
 Win32User::~Win32User() {
     GetUp();
     DestroyWindow(m_Marker);
-    CloseHandle(m_Marked);
 }
 
 void Win32User::Sit() {
@@ -94,7 +108,10 @@ void Win32User::Sit() {
             }
             Attend(Front());
         } catch (const std::exception& error) {
-            ADD_FAILURE() << error.what();
+            // Nobody is left to close the windows.
+            std::printf("FAILED: %s\n", error.what());
+            std::fflush(stdout);
+            TerminateProcess(GetCurrentProcess(), 3);
         }
     });
 }
@@ -113,12 +130,16 @@ HWND Win32User::Front() {
 
 /// Returns false once the window has gone.
 bool Win32User::LetWork(HWND window) {
-    Post(m_Marker, WM_APP, 0, reinterpret_cast<LPARAM>(m_Marked));
-    for (DWORD waited = 0; waited < kPatience; waited += 5) {
-        if (WaitForSingleObject(m_Marked, 5) == WAIT_OBJECT_0) return IsWindow(window) != 0;
+    static WPARAM count = 0;
+    const WPARAM marker = ++count;
+    Post(m_Marker, WM_APP, marker, 0);
+    const ULONGLONG limit = GetTickCount64() + kPatience;
+    while (g_Reached < marker) {
         if (!IsWindow(window)) return false; // and with it perhaps the last loop
+        if (GetTickCount64() > limit) throw std::runtime_error("the windows do not answer");
+        Sleep(1);
     }
-    throw std::runtime_error("the windows do not answer");
+    return IsWindow(window) != 0;
 }
 
 void Win32User::Settle() {
@@ -138,9 +159,11 @@ void Win32User::Attend(HWND window) {
         AnswerBox(window);
     else
         RunScript(window);
+    const ULONGLONG limit = GetTickCount64() + kPatience;
     while (LetWork(window)) { // something may still come up, such as a question
         const HWND front = Front();
         if (front != nullptr && front != window) Attend(front);
+        if (GetTickCount64() > limit) throw std::runtime_error("stays open: " + Describe(window));
     }
     m_Attended.pop_back();
 }
@@ -190,6 +213,7 @@ void Win32User::AnswerSaveDialog(HWND dialog) {
         path = m_Saves.front();
         m_Saves.pop_front();
     }
+    std::replace(path.begin(), path.end(), '/', '\\');
     SendMessageA(NameField(dialog), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(path.c_str()));
     Post(GetDlgItem(dialog, path.empty() ? IDCANCEL : IDOK), BM_CLICK, 0, 0);
 }

@@ -75,7 +75,6 @@ private:
     std::vector<HWND> m_Attended; // the last one is in front
     int m_Surprises = 0;
     const DWORD m_WindowThread;
-    HANDLE m_Marked;
     HWND m_Marker;
     std::thread m_Person;
 };
