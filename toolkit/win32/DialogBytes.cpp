@@ -9,6 +9,8 @@ namespace {
 constexpr char kFace[] = "MS Shell Dlg";
 constexpr unsigned kPoints = 8;
 
+constexpr int kTwoLines = 16; // dialog units
+
 struct NativeControl {
     const char* className;
     DWORD style;
@@ -29,7 +31,7 @@ DWORD EditStyle(uint32_t styles) {
 }
 
 /// Check boxes and radio buttons are not the automatic kind: the model decides what
-/// is checked, and the system moves the tab stop of a group along with the mark.
+/// is checked.
 NativeControl Native(const CWnd& control) {
     const uint32_t styles = control.GetStyle();
     switch (control.GetKind()) {
@@ -39,7 +41,7 @@ NativeControl Native(const CWnd& control) {
     case ControlKind::CheckBox:
         return {WC_BUTTONA, WS_TABSTOP | BS_CHECKBOX};
     case ControlKind::RadioButton:
-        // One tab stop for the whole group; with a mark, the marked one has it.
+        // One tab stop for the whole group, which moves when the buttons change.
         return {WC_BUTTONA, BS_RADIOBUTTON | ((styles & style::Group) != 0 ? WS_TABSTOP : 0u)};
     case ControlKind::GroupBox:
         return {WC_BUTTONA, BS_GROUPBOX};
@@ -55,7 +57,9 @@ NativeControl Native(const CWnd& control) {
     case ControlKind::Static:
         break;
     }
-    return {WC_STATICA, (styles & style::Centered) != 0 ? DWORD{SS_CENTER} : DWORD{SS_LEFT}};
+    if ((styles & style::Centered) != 0) return {WC_STATICA, SS_CENTER};
+    return {WC_STATICA,
+            control.GetTemplate()->height < kTwoLines ? DWORD{SS_LEFTNOWORDWRAP} : DWORD{SS_LEFT}};
 }
 
 std::wstring Wide(std::string_view text) {

@@ -5,20 +5,16 @@
 #include <string>
 
 #include "toolkit/win32/DialogBytes.h"
-#include "toolkit/win32/MultiLineEdit.h"
 #include "toolkit/win32/NativeLook.h"
 #include "toolkit/win32/ShowModel.h"
 #include "toolkit/win32/WindowTable.h"
 #include "toolkit/win32/focus.h"
+#include "toolkit/win32/manners.h"
+#include "toolkit/win32/measure.h"
 
 namespace {
 
 // --- What the windows report ----------------------------------------------------------
-
-void OnButton(CWnd& button) {
-    input::Click(button);
-    if (button.GetKind() == ControlKind::RadioButton) FocusCheckedRadio(button);
-}
 
 void OnCommand(CWnd& control, HWND window, unsigned code) {
     if (Showing::IsNow()) return;
@@ -33,7 +29,7 @@ void OnCommand(CWnd& control, HWND window, unsigned code) {
     case ControlKind::PushButton:
     case ControlKind::CheckBox:
     case ControlKind::RadioButton:
-        if (code == BN_CLICKED) OnButton(control);
+        if (code == BN_CLICKED) input::Click(control);
         break;
     default:
         break;
@@ -121,16 +117,32 @@ void FitIntoTab(HWND page, HWND sheet) {
     EnableThemeDialogTexture(page, ETDT_ENABLETAB);
 }
 
+/// What a control needs beside its template.
+void Complete(const CWnd& control, HWND window) {
+    ShowAll(control);
+    switch (control.GetKind()) {
+    case ControlKind::Static:
+        FitLabel(window);
+        break;
+    case ControlKind::RadioButton:
+        TeachRadioButton(window);
+        break;
+    case ControlKind::Edit:
+        SendMessageA(window, EM_SETLIMITTEXT, 0, 0); // as much as there is
+        if ((control.GetStyle() & style::MultiLine) != 0) TeachMultiLineEdit(window);
+        break;
+    default:
+        break;
+    }
+}
+
 void BindControls(CDialog& dialog, HWND window) {
     for (const auto& control : dialog.GetControls()) {
         if (control->GetDlgCtrlID() == -1) continue; // nobody refers to it
         const HWND child = GetDlgItem(window, control->GetDlgCtrlID());
         if (child == nullptr) continue;
         control->SetPeer(std::make_unique<WindowPeer>(*control, child));
-        ShowAll(*control);
-        if (control->GetKind() != ControlKind::Edit) continue;
-        SendMessageA(child, EM_SETLIMITTEXT, 0, 0); // as much as there is
-        if ((control->GetStyle() & style::MultiLine) != 0) TameMultiLineEdit(child);
+        Complete(*control, child);
     }
 }
 

@@ -1,6 +1,8 @@
 #include "toolkit/win32/ShowModel.h"
 
+#include <algorithm>
 #include <string>
+#include <vector>
 
 #include "toolkit/win32/WindowTable.h"
 #include "toolkit/win32/focus.h"
@@ -16,6 +18,32 @@ void ShowText(HWND window, const CWnd& model) {
         const auto end = static_cast<LPARAM>(text.size());
         SendMessageA(window, EM_SETSEL, static_cast<WPARAM>(end), end);
     }
+}
+
+/// Gives the one tab stop of a group of radio buttons to the checked one, or, if that
+/// can't be used, to the first one that can.
+void PlaceTabStop(const CWnd& radio) {
+    const auto* dialog = dynamic_cast<const CDialog*>(radio.GetParent());
+    if (dialog == nullptr) return;
+    std::vector<const CButton*> group;
+    for (const auto& control : dialog->GetControls()) {
+        if ((control->GetStyle() & style::Group) != 0) {
+            if (std::ranges::find(group, &radio) != group.end()) break;
+            group.clear();
+        }
+        if (control->GetKind() == ControlKind::RadioButton)
+            group.push_back(static_cast<const CButton*>(control.get()));
+    }
+    std::erase_if(group, [](const CButton* button) {
+        const HWND window = WindowOf(*button);
+        const LONG style = GetWindowLongA(window, GWL_STYLE);
+        SetWindowLongA(window, GWL_STYLE, style & ~WS_TABSTOP);
+        return !button->IsWindowEnabled() || !button->IsWindowVisible();
+    });
+    if (group.empty()) return;
+    const auto checked = std::ranges::find_if(group, &CButton::GetCheck);
+    const HWND window = WindowOf(**(checked != group.end() ? checked : group.begin()));
+    SetWindowLongA(window, GWL_STYLE, GetWindowLongA(window, GWL_STYLE) | WS_TABSTOP);
 }
 
 void ShowVisible(HWND window, const CWnd& model) {
@@ -87,12 +115,8 @@ void ShowRange(HWND window, const CSliderCtrl& slider) {
     ShowPosition(window, slider);
 }
 
-} // namespace
-
-void ShowChange(const CWnd& model, Change what) {
-    const HWND window = WindowOf(model);
-    if (window == nullptr) return;
-    const Showing showing;
+/// The change itself, in the window that exists.
+void Show(HWND window, const CWnd& model, Change what) {
     const auto* slider = dynamic_cast<const CSliderCtrl*>(&model);
     switch (what) {
     case Change::Text:
@@ -114,6 +138,16 @@ void ShowChange(const CWnd& model, Change what) {
         if (slider != nullptr) ShowPosition(window, *slider);
         return;
     }
+}
+
+} // namespace
+
+void ShowChange(const CWnd& model, Change what) {
+    const HWND window = WindowOf(model);
+    if (window == nullptr) return;
+    const Showing showing;
+    Show(window, model, what);
+    if (model.GetKind() == ControlKind::RadioButton) PlaceTabStop(model);
 }
 
 void ShowAll(const CWnd& control) {

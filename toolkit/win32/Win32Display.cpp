@@ -9,6 +9,7 @@
 #include "toolkit/win32/WindowTable.h"
 #include "toolkit/win32/boxes.h"
 #include "toolkit/win32/focus.h"
+#include "toolkit/win32/measure.h"
 
 namespace {
 
@@ -107,16 +108,7 @@ void Win32Display::StopTimer(CWnd& window, unsigned id) {
 }
 
 bool Win32Display::MeasureTabbedText(const CWnd& control, std::string_view text, int& width) {
-    const HWND window = WindowOf(control);
-    const HDC context = window != nullptr ? GetDC(window) : nullptr;
-    if (context == nullptr) return false;
-    const auto font = reinterpret_cast<HGDIOBJ>(SendMessageA(window, WM_GETFONT, 0, 0));
-    const HGDIOBJ before = font != nullptr ? SelectObject(context, font) : nullptr;
-    width = LOWORD(
-        GetTabbedTextExtentA(context, text.data(), static_cast<int>(text.size()), 0, nullptr));
-    if (before != nullptr) SelectObject(context, before);
-    ReleaseDC(window, context);
-    return true;
+    return MeasureText(WindowOf(control), text, width);
 }
 
 void Win32Display::SetToolTip(CWnd& control, const char* text, int maxWidth) {

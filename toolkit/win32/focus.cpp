@@ -1,18 +1,12 @@
 #include "toolkit/win32/focus.h"
 
-#include "toolkit/win32/ShowModel.h"
 #include "toolkit/win32/WindowTable.h"
 
 namespace {
 
 void Focus(HWND control) {
-    const Showing showing; // a radio button reports the focus as a click
     const HWND frame = GetAncestor(control, GA_ROOT);
     SendMessageA(frame, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(control), TRUE);
-}
-
-bool CanTakeFocus(HWND control) {
-    return IsWindowVisible(control) && IsWindowEnabled(control);
 }
 
 } // namespace
@@ -37,14 +31,4 @@ void LeaveFocus(HWND window) {
     if (dynamic_cast<CDialog*>(ModelOf(window)) == nullptr)
         next = GetNextDlgTabItem(frame, window, FALSE);
     if (next != nullptr && next != window) Focus(next);
-}
-
-void FocusCheckedRadio(const CWnd& radio) {
-    if (static_cast<const CButton&>(radio).GetCheck() || GetFocus() != WindowOf(radio)) return;
-    const HWND dialog = GetParent(WindowOf(radio));
-    for (HWND other = GetNextDlgGroupItem(dialog, WindowOf(radio), FALSE);
-         other != nullptr && other != WindowOf(radio);
-         other = GetNextDlgGroupItem(dialog, other, FALSE))
-        if (SendMessageA(other, BM_GETCHECK, 0, 0) == BST_CHECKED && CanTakeFocus(other))
-            return Focus(other);
 }

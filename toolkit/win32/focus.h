@@ -12,7 +12,3 @@ void LeaveFocus(HWND window);
 
 /// True iff the focus is in `window`.
 bool HasFocus(HWND window);
-
-/// Puts the focus from an unchecked radio button on the checked one of its group:
-/// an unchecked one counts as clicked whenever the focus comes back to it.
-void FocusCheckedRadio(const CWnd& radio);

@@ -1,0 +1,63 @@
+#include "toolkit/win32/manners.h"
+
+#include <optional>
+
+#include "toolkit/win32/ShowModel.h"
+#include "toolkit/win32/WindowTable.h"
+
+namespace {
+
+bool IsForDialog(HWND edit, const MSG* message) {
+    if (message == nullptr || message->message != WM_KEYDOWN) return false;
+    const bool newLine = (GetWindowLongA(edit, GWL_STYLE) & ES_WANTRETURN) != 0;
+    return message->wParam == VK_TAB || message->wParam == VK_ESCAPE ||
+           (message->wParam == VK_RETURN && !newLine);
+}
+
+LRESULT CALLBACK EditProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR,
+                               DWORD_PTR) {
+    LRESULT result = DefSubclassProc(window, message, wParam, lParam);
+    if (message == WM_GETDLGCODE) {
+        result &= ~DLGC_HASSETSEL;
+        if (IsForDialog(window, reinterpret_cast<const MSG*>(lParam)))
+            result &= ~(DLGC_WANTALLKEYS | DLGC_WANTTAB);
+    } else if (message == WM_SETTEXT && !Showing::IsNow()) {
+        // Such an edit does not report a text that is set.
+        Guarded([&] {
+            if (CWnd* edit = ModelOf(window)) TakeTypedText(*edit, window);
+        });
+    } else if (message == WM_NCDESTROY) {
+        RemoveWindowSubclass(window, EditProcedure, 0);
+    }
+    return result;
+}
+
+bool IsArrowDown() {
+    return GetKeyState(VK_UP) < 0 || GetKeyState(VK_DOWN) < 0 || GetKeyState(VK_LEFT) < 0 ||
+           GetKeyState(VK_RIGHT) < 0;
+}
+
+LRESULT CALLBACK RadioProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR,
+                                DWORD_PTR) {
+    // The button reports each focus as a click: on the way of the tab key, behind a
+    // message box, when the person comes back from another program.
+    std::optional<Showing> unheard;
+    if (message == WM_SETFOCUS && !IsArrowDown()) unheard.emplace();
+    const LRESULT result = DefSubclassProc(window, message, wParam, lParam);
+    if (message == WM_NCDESTROY) RemoveWindowSubclass(window, RadioProcedure, 0);
+    return result;
+}
+
+} // namespace
+
+void TeachMultiLineEdit(HWND window) {
+    SetWindowSubclass(window, EditProcedure, 0, 0);
+}
+
+void TeachRadioButton(HWND window) {
+    SetWindowSubclass(window, RadioProcedure, 0, 0);
+}
+
+void TakeTypedText(CWnd& edit, HWND window) {
+    input::Type(edit, TextOf(window));
+}
