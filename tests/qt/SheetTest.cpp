@@ -89,6 +89,7 @@ TEST_F(Sheet, KeepsTheTabThatCannotBeLeft) {
         [] { Person::Press(Qt::Key_Escape); },
         [&] {
             EXPECT_EQ(Shown(), "0 107 1077");
+            EXPECT_TRUE(Person::Find("1077")->hasFocus());
             control.refuse = false;
             ClickTab(1);
             EXPECT_EQ(Shown(), "1 108 1030");

@@ -60,7 +60,10 @@ ModalRun::ModalRun(ModalStack& stack, QDialog& window) : m_Stack(stack) {
 
 ModalRun::~ModalRun() {
     m_Stack.m_Windows.pop_back();
-    if (auto* outer = dynamic_cast<TopWindow*>(m_Stack.Innermost())) outer->EndIfWanted();
+    QWidget* outer = m_Stack.Innermost();
+    if (outer == nullptr) return;
+    outer->activateWindow(); // not every window manager gives the focus back
+    if (auto* dialog = dynamic_cast<TopWindow*>(outer)) dialog->EndIfWanted();
 }
 
 } // namespace qt
