@@ -80,9 +80,12 @@ bool QtApplication::Prepare(const char* name, std::string& reason) {
         reason = "Qt shows no windows for a program that runs with another user's rights.";
         return false;
     }
-    const std::string platforms = UsablePlatforms(reason);
-    if (platforms.empty()) return false;
-    m_Own = MakeApplication(name, platforms);
+    const PlatformProbe probe = ProbePlatforms();
+    if (probe.platforms.empty()) {
+        reason = probe.reason;
+        return false;
+    }
+    m_Own = MakeApplication(name, probe.platforms);
     return true;
 }
 

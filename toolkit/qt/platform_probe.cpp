@@ -9,44 +9,39 @@ namespace qt {
 
 namespace {
 
-/// A shared library that stays open as long as this object.
-class Library {
-public:
-    explicit Library(const char* name) : m_Handle(dlopen(name, RTLD_LAZY | RTLD_LOCAL)) {}
-    ~Library() {
-        if (m_Handle != nullptr) dlclose(m_Handle);
-    }
-    Library(const Library&) = delete;
-    Library& operator=(const Library&) = delete;
+using Connection = std::shared_ptr<void>;
 
-    template <class Function> Function* Find(const char* name) const {
-        return m_Handle == nullptr ? nullptr : reinterpret_cast<Function*>(dlsym(m_Handle, name));
-    }
-
-private:
-    void* m_Handle;
-};
-
-bool XServerAnswers() {
-    const Library xcb("libxcb.so.1");
-    auto* connect = xcb.Find<void*(const char*, int*)>("xcb_connect");
-    auto* hasError = xcb.Find<int(void*)>("xcb_connection_has_error");
-    auto* disconnect = xcb.Find<void(void*)>("xcb_disconnect");
-    if (connect == nullptr || hasError == nullptr || disconnect == nullptr) return false;
-    void* connection = connect(nullptr, nullptr);
-    const bool answers = connection != nullptr && hasError(connection) == 0;
-    disconnect(connection);
-    return answers;
+/// A shared library that is open as long as somebody keeps it.
+std::shared_ptr<void> OpenLibrary(const char* name) {
+    void* handle = dlopen(name, RTLD_LAZY | RTLD_LOCAL);
+    return handle == nullptr ? nullptr : std::shared_ptr<void>(handle, dlclose);
 }
 
-bool WaylandAnswers() {
-    const Library wayland("libwayland-client.so.0");
-    auto* connect = wayland.Find<void*(const char*)>("wl_display_connect");
-    auto* disconnect = wayland.Find<void(void*)>("wl_display_disconnect");
-    if (connect == nullptr || disconnect == nullptr) return false;
+template <class Function> Function* Find(const std::shared_ptr<void>& library, const char* name) {
+    return library == nullptr ? nullptr : reinterpret_cast<Function*>(dlsym(library.get(), name));
+}
+
+/// A connection to the X server of DISPLAY; null if it does not answer.
+Connection ConnectToX() {
+    const auto xcb = OpenLibrary("libxcb.so.1");
+    auto* connect = Find<void*(const char*, int*)>(xcb, "xcb_connect");
+    auto* hasError = Find<int(void*)>(xcb, "xcb_connection_has_error");
+    auto* disconnect = Find<void(void*)>(xcb, "xcb_disconnect");
+    if (connect == nullptr || hasError == nullptr || disconnect == nullptr) return nullptr;
+    Connection connection(connect(nullptr, nullptr),
+                          [xcb, disconnect](void* open) { disconnect(open); });
+    return connection != nullptr && hasError(connection.get()) == 0 ? connection : nullptr;
+}
+
+/// The same for the Wayland server.
+Connection ConnectToWayland() {
+    const auto wayland = OpenLibrary("libwayland-client.so.0");
+    auto* connect = Find<void*(const char*)>(wayland, "wl_display_connect");
+    auto* disconnect = Find<void(void*)>(wayland, "wl_display_disconnect");
+    if (connect == nullptr || disconnect == nullptr) return nullptr;
     void* display = connect(nullptr);
-    if (display != nullptr) disconnect(display);
-    return display != nullptr;
+    if (display == nullptr) return nullptr;
+    return Connection(display, [wayland, disconnect](void* open) { disconnect(open); });
 }
 
 /// The platforms to try: those asked for, or else those of the session.
@@ -75,38 +70,44 @@ bool PluginLoads(const QString& platform, QString& reason) {
     return false;
 }
 
+/// Why there is no X server.
+QString WithoutX() {
+    const QString display = qEnvironmentVariable("DISPLAY");
+    if (display.isEmpty()) return "There is no screen to show windows on: DISPLAY is not set.";
+    return QString("There is no screen to show windows on: the X server \"%1\" does not answer.")
+        .arg(display);
+}
+
 /// Whether windows can be shown on a platform; says why not.
-bool IsUsable(const QString& platform, QString& reason) {
-    if (platform == "xcb" && !XServerAnswers()) {
-        const QString display = qEnvironmentVariable("DISPLAY");
-        reason = display.isEmpty()
-                     ? QString("There is no screen to show windows on: DISPLAY is not set.")
-                     : QString("There is no screen to show windows on: the X server \"%1\" "
-                               "does not answer.")
-                           .arg(display);
+bool IsUsable(const QString& platform, PlatformProbe& probe, QString& reason) {
+    const bool x = platform == "xcb";
+    if (!x && !platform.startsWith("wayland")) return PluginLoads(platform, reason);
+    const Connection connection = x ? ConnectToX() : ConnectToWayland();
+    if (connection == nullptr) {
+        reason = x ? WithoutX()
+                   : "There is no screen to show windows on: the Wayland server does not answer.";
         return false;
     }
-    if (platform.startsWith("wayland") && !WaylandAnswers()) {
-        reason = "There is no screen to show windows on: the Wayland server does not answer.";
-        return false;
-    }
+    probe.connections.push_back(connection);
     return PluginLoads(platform, reason);
 }
 
 } // namespace
 
-std::string UsablePlatforms(std::string& reason) {
+PlatformProbe ProbePlatforms() {
+    PlatformProbe probe;
     QStringList usable;
     QString firstReason;
     for (const QString& candidate : Candidates()) {
         QString why;
-        if (IsUsable(candidate.section(u':', 0, 0), why))
+        if (IsUsable(candidate.section(u':', 0, 0), probe, why))
             usable << candidate;
         else if (firstReason.isEmpty())
             firstReason = why;
     }
-    if (usable.isEmpty()) reason = firstReason.toStdString();
-    return usable.join(u';').toStdString();
+    if (usable.isEmpty()) probe.reason = firstReason.toStdString();
+    probe.platforms = usable.join(u';').toStdString();
+    return probe;
 }
 
 } // namespace qt
