@@ -45,6 +45,7 @@ void jControlPage::OnEnableEtm(Notification&) {
     if (m_Enable != 0 && !InitBoardFile(error)) {
         m_Enable = 0;
         UpdateData(false);
+        UpdateControls(false); // a tick during the dialog has seen the box checked
         if (error.empty()) error = "InitBoardFile() failed.";
         // Clear means that the person cancelled the dialog and needs no message.
         if (g_ConfigAccepted != 0) AfxMessageBox(error.c_str(), MB_ICONHAND);

@@ -88,6 +88,24 @@ TEST_F(ControlPage, ReportsABoardThatGotLost) {
     });
 }
 
+TEST_F(ControlPage, ACancelledBoardQuestionLeavesThePageDead) {
+    host.boardFile.reset();
+    Open(0, [&] {
+        const std::string before = Unusable();
+        display.OnNextDialog([&] {
+            host.state = 0x6; // a tick looks at everything again meanwhile
+            display.Advance(600);
+            display.Click(IDCANCEL);
+        });
+        display.Click(1000);
+        EXPECT_FALSE(display.Checked(1000));
+        EXPECT_EQ(Unusable(), before);
+        EXPECT_EQ(Note(), "hidden");
+        EXPECT_EQ(g_Settings->Working.Enable, 0);
+        EXPECT_FALSE(CanApply());
+    });
+}
+
 TEST_F(ControlPage, ServesTheDeferredQuestionAndClosesTheSheet) {
     ASSERT_TRUE(control->Init(0));
     for (const int button : {IDCANCEL, IDOK}) {
