@@ -35,6 +35,9 @@ public:
     ///   "No memory" (there was no Init),
     ///   "Cannot read ETM/Trace settings from target", or
     ///   "Error while creating main window", followed by the reason if it is known.
+    /// Called while the dialog is open, it builds no second one: it runs the ETM
+    /// Configuration dialog, applies the settings behind OK, and returns false behind
+    /// Cancel, with the text of the last failure as it was.
     virtual bool Open() = 0;
 
     /// Slot 20. Sends to the target what the settings record holds and the target

@@ -26,8 +26,13 @@ public:
     ///              startup macro does the work, 2 a board file.
     ///
     /// A selection that is not known, or a path that can't be opened, brings up
-    /// the ETM Configuration dialog. Behind false, GetLastError tells why:
-    /// "Cancelled by user", or the text of IOrnKVETMCtrl::Open.
+    /// the ETM Configuration dialog. One that was settled and is not known any
+    /// more gives false without a dialog; the next call asks.
+    ///
+    /// Behind false, GetLastError tells why: "Cancelled by user", "Module is not
+    /// initialized properly", or the text of IOrnKVETMCtrl::Open. The text is empty
+    /// for a selection that was lost, and for a dialog above the open sheet that was
+    /// cancelled with a path selected; `mode` tells these two apart: -1 and 2.
     /// REQUIRES: a successful IOrnKVETMCtrl::Init.
     virtual bool InitBoardFile(const char* directory, char* value, uint32_t size,
                                int32_t* mode) = 0;
