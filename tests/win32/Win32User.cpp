@@ -12,7 +12,6 @@
 namespace {
 
 constexpr DWORD kPatience = 10000; // milliseconds
-constexpr int kEscape = -1;        // an answer: not by a button, but by the key
 constexpr int kSaveNames[] = {0x47c, 0x480};
 constexpr int kTabControl = 0x3020;
 constexpr int kBoardList = 1078; // only the ETM Configuration dialog has it
@@ -177,6 +176,7 @@ void Win32User::RunScript(HWND window) {
         m_Scripts.pop_front();
     }
     try {
+        LetWork(window); // it may not have its focus yet
         if (script) script(*this);
     } catch (const std::exception& error) {
         ADD_FAILURE() << error.what();

@@ -20,6 +20,9 @@
 
 class Win32User final : public User {
 public:
+    /// For Answer: by the key, not by a button.
+    static constexpr int kEscape = -1;
+
     /// REQUIRES: made and destroyed on the thread that runs the dialogs.
     Win32User();
     ~Win32User() override;
@@ -50,6 +53,8 @@ public:
     int TabInFront() override;
     std::vector<std::string> Boxes() override { return m_Boxes; }
 
+    /// The dialog that the script of the moment is about.
+    HWND Window() const { return m_Attended.back(); }
     /// The control in front; throws std::runtime_error without one.
     HWND Find(int id);
     /// The dialog in front, or null.

@@ -1,7 +1,5 @@
 #include "toolkit/win32/manners.h"
 
-#include <optional>
-
 #include "toolkit/win32/ShowModel.h"
 #include "toolkit/win32/WindowTable.h"
 
@@ -39,13 +37,21 @@ bool IsArrowDown() {
 
 LRESULT CALLBACK RadioProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR,
                                 DWORD_PTR) {
-    // The button reports each focus as a click: on the way of the tab key, behind a
-    // message box, when the person comes back from another program.
-    std::optional<Showing> unheard;
-    if (message == WM_SETFOCUS && !IsArrowDown()) unheard.emplace();
-    const LRESULT result = DefSubclassProc(window, message, wParam, lParam);
+    if (message == WM_SETFOCUS) {
+        {
+            // Some systems report each focus as a click: on the way of the tab key, behind
+            // a message box, when the person comes back from another program.
+            const Showing unheard;
+            DefSubclassProc(window, message, wParam, lParam);
+        }
+        if (IsArrowDown())
+            PostMessageW(GetParent(window), WM_COMMAND,
+                         MAKEWPARAM(GetDlgCtrlID(window), BN_CLICKED),
+                         reinterpret_cast<LPARAM>(window));
+        return 0;
+    }
     if (message == WM_NCDESTROY) RemoveWindowSubclass(window, RadioProcedure, 0);
-    return result;
+    return DefSubclassProc(window, message, wParam, lParam);
 }
 
 } // namespace

@@ -9,8 +9,8 @@
 /// text that another program sets counts as typed.
 void TeachMultiLineEdit(HWND window);
 
-/// Makes a radio button take the focus without becoming the one of its group, unless
-/// it came by an arrow key.
+/// Makes a radio button the one of its group when the focus comes to it by an arrow
+/// key, and by no other way.
 void TeachRadioButton(HWND window);
 
 /// Passes the text of an edit on to its model, as typed.

@@ -1,0 +1,279 @@
+// What native windows add to the stories: keys, modality, other programs, the loader.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "toolkit/constants.h"
+
+#include "tests/win32/LoadedDll.h"
+#include "tests/win32/Win32User.h"
+
+#include <commctrl.h>
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+namespace {
+
+class OnNativeWindows : public ::testing::Test {
+protected:
+    OnNativeWindows() { loaded.host.values[0] = 0x1; }
+
+    void Open(User::Script script) {
+        ASSERT_TRUE(loaded.control->Init(0)) << loaded.LastError();
+        user.OnNextDialog([&](User& person) {
+            loaded.host.TakeCalls();
+            script(person);
+        });
+        user.Sit();
+        EXPECT_TRUE(loaded.control->Open()) << loaded.LastError();
+        user.GetUp();
+        EXPECT_EQ(user.Surprises(), 0);
+        EXPECT_EQ(Win32User::Front(), nullptr);
+    }
+    /// What went to the target, questions aside.
+    std::vector<std::string> Changes() {
+        std::vector<std::string> changes = loaded.host.TakeChanges();
+        std::erase(changes, "Command(capability)");
+        return changes;
+    }
+    int FocusId() const { return GetDlgCtrlID(user.Focus()); }
+
+    LoadedDll loaded;
+    Win32User user;
+};
+
+/// A window of the host, in front before the dialog comes.
+struct HostWindow {
+    HostWindow() {
+        WNDCLASSA type{};
+        type.lpfnWndProc = DefWindowProcA;
+        type.lpszClassName = "HostWindow";
+        RegisterClassA(&type);
+        window = CreateWindowA(type.lpszClassName, "host", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0,
+                               400, 300, nullptr, nullptr, nullptr, nullptr);
+        SetActiveWindow(window);
+    }
+    ~HostWindow() { DestroyWindow(window); }
+    HWND window;
+};
+
+TEST_F(OnNativeWindows, EveryWayOutButOkSendsNothing) {
+    const std::vector<User::Script> ways = {
+        [](User& person) { person.Click(IDCANCEL); },
+        [](User& person) { person.CloseFrame(); },
+        [this](User&) { user.Press(VK_ESCAPE); },
+        [this](User& person) { // from an edit of several lines, which likes to keep the key
+            person.Tab(2);
+            PostMessageA(user.Find(1063), WM_KEYDOWN, VK_ESCAPE, 0);
+            user.Settle();
+        },
+        [this](User& person) { // from the ETM Configuration dialog, as if nothing had happened
+            user.OnNextDialog([this](User&) { user.Press(VK_ESCAPE); });
+            person.Click(1029);
+            person.Click(IDCANCEL);
+        },
+    };
+    for (size_t way = 0; way < ways.size(); ++way) {
+        SCOPED_TRACE(way);
+        Open([&](User& person) {
+            person.Click(1002);
+            EXPECT_TRUE(person.Enabled(IDC_APPLY_NOW));
+            ways[way](person);
+            EXPECT_FALSE(IsWindow(user.Window()));
+        });
+        EXPECT_THAT(Changes(), IsEmpty());
+    }
+}
+
+TEST_F(OnNativeWindows, EscapeAnswersNo) {
+    loaded.host.values[0] = 0x201;
+    loaded.host.lines = {"ETM TRIGGER 0x100", "ETM PC = start 0x10", "ETM DATA = all"};
+    loaded.host.report.replace(loaded.host.report.find("pairs: 4"), 8, "pairs: 1");
+    Open([&](User& person) {
+        person.Tab(1);
+        person.Answer(Win32User::kEscape);
+        person.Click(1017);
+        EXPECT_TRUE(person.Checked(1013));
+        EXPECT_FALSE(person.Checked(1017));
+    });
+    EXPECT_EQ(user.Boxes().size(), 1u);
+}
+
+TEST_F(OnNativeWindows, TheTabKeyVisitsEachControlOnceAndChangesNothing) {
+    std::vector<int> visited;
+    Open([&](User& person) {
+        do {
+            visited.push_back(FocusId());
+            user.Press(VK_TAB);
+        } while (FocusId() != 1000 && visited.size() < 40);
+        EXPECT_TRUE(person.Checked(1061));
+        EXPECT_FALSE(person.Enabled(IDC_APPLY_NOW));
+        // Neither does the way back through a group whose checked button can't be used.
+        person.Tab(1);
+        EXPECT_FALSE(person.Enabled(IDC_APPLY_NOW));
+    });
+    EXPECT_THAT(visited, ElementsAre(1000, 1029, 1061, 1006, 1007, 1008, 1002, 1009, 1030, IDOK,
+                                     IDCANCEL, IDC_TAB_CONTROL));
+}
+
+TEST_F(OnNativeWindows, ArrowsChooseAmongRadioButtons) {
+    Open([&](User& person) {
+        while (FocusId() != 1061) user.Press(VK_TAB);
+        BYTE keys[256] = {};
+        AttachThreadInput(GetCurrentThreadId(), GetWindowThreadProcessId(user.Window(), nullptr),
+                          TRUE);
+        keys[VK_DOWN] = 0x80;
+        SetKeyboardState(keys);
+        user.Press(VK_DOWN);
+        EXPECT_EQ(FocusId(), 1034);
+        EXPECT_TRUE(person.Checked(1034));
+        // Control and Tab: the next tab, and the focus in its page.
+        keys[VK_DOWN] = 0;
+        keys[VK_CONTROL] = 0x80;
+        SetKeyboardState(keys);
+        user.Press(VK_TAB);
+        EXPECT_EQ(person.TabInFront(), 1);
+        EXPECT_EQ(GetParent(user.Focus()), GetParent(user.Find(1012)));
+        user.Press(VK_PRIOR);
+        EXPECT_EQ(person.TabInFront(), 0);
+        user.Press(VK_PRIOR); // around
+        EXPECT_EQ(person.TabInFront(), 2);
+        keys[VK_CONTROL] = 0;
+        SetKeyboardState(keys);
+        user.Press(VK_RETURN); // the default button
+        EXPECT_FALSE(IsWindow(user.Window()));
+    });
+    EXPECT_THAT(Changes(), ElementsAre("SetValue(0x0,0x3)"));
+}
+
+TEST_F(OnNativeWindows, TheMouseMovesTheSlider) {
+    Open([&](User& person) {
+        const HWND slider = user.Find(1007);
+        RECT thumb;
+        SendMessageA(slider, TBM_GETTHUMBRECT, 0, reinterpret_cast<LPARAM>(&thumb));
+        const LPARAM from = MAKELPARAM((thumb.left + thumb.right) / 2, thumb.top + 4);
+        const LPARAM to = MAKELPARAM(2000, thumb.top + 4);
+        PostMessageA(slider, WM_LBUTTONDOWN, MK_LBUTTON, from);
+        PostMessageA(slider, WM_MOUSEMOVE, MK_LBUTTON, to);
+        PostMessageA(slider, WM_LBUTTONUP, 0, to);
+        user.Settle();
+        EXPECT_EQ(person.Text(1008), "100");
+        person.Click(IDOK);
+    });
+    EXPECT_THAT(Changes(), ElementsAre("SetValue(0x2,0x0)"));
+}
+
+TEST_F(OnNativeWindows, ATextThatAnotherProgramSetsCountsAsTyped) {
+    Open([&](User& person) {
+        const auto set = [this](int id, const char* text) {
+            SendMessageA(user.Find(id), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text));
+        };
+        set(1008, "25");
+        EXPECT_EQ(SendMessageA(user.Find(1007), TBM_GETPOS, 0, 0), 25);
+        user.OnNextDialog([&](User& dialog) {
+            set(1080, "Title=\r\n");
+            dialog.Answer(IDOK);
+            dialog.Click(1082);
+        });
+        person.Click(1029);
+    });
+    EXPECT_THAT(user.Boxes(), ElementsAre("[Error] Please declare non-empty title\nof the board "
+                                          "initialization file."));
+}
+
+TEST_F(OnNativeWindows, TextKeepsItsCodePage) {
+    loaded.host.values[0] = 0x201; // an address raises the trigger
+    loaded.host.evaluates = true;
+    Open([](User& person) {
+        person.Type(1077, "n\xE4he");
+        person.Click(IDOK);
+    });
+    EXPECT_THAT(Changes(), ::testing::Contains("Command(etm trigger n\xE4he)"));
+}
+
+TEST_F(OnNativeWindows, TheConfigurationDialogHasItsToolTips) {
+    Open([&](User& person) {
+        user.OnNextDialog([&](User&) {
+            HWND tips = nullptr;
+            while ((tips = FindWindowExA(nullptr, tips, TOOLTIPS_CLASSA, nullptr)) != nullptr)
+                if (GetWindow(tips, GW_OWNER) == user.Window()) break;
+            EXPECT_EQ(SendMessageA(tips, TTM_GETTOOLCOUNT, 0, 0), 6);
+            EXPECT_EQ(SendMessageA(tips, TTM_GETMAXTIPWIDTH, 0, 0), 250);
+        });
+        person.Click(1029);
+    });
+}
+
+TEST_F(OnNativeWindows, TheHostWaitsForTheDialog) {
+    const HostWindow host;
+    Open([&](User& person) {
+        EXPECT_FALSE(IsWindowEnabled(host.window));
+        const HWND sheet = user.Window();
+        user.OnNextDialog([&](User&) { EXPECT_FALSE(IsWindowEnabled(sheet)); });
+        person.Click(1029);
+        EXPECT_TRUE(IsWindowEnabled(sheet));
+        EXPECT_EQ(FocusId(), 1029);
+        EXPECT_FALSE(loaded.control->Open()); // from a thread that is not the windows'
+        EXPECT_EQ(Win32User::Front(), sheet);
+    });
+    EXPECT_TRUE(IsWindowEnabled(host.window));
+    EXPECT_EQ(GetActiveWindow(), host.window);
+}
+
+TEST_F(OnNativeWindows, ADialogGoesWithItsHost) {
+    const HostWindow host;
+    Open([&](User& person) {
+        person.Click(1002);
+        PostMessageA(host.window, WM_CLOSE, 0, 0);
+        user.Settle();
+        EXPECT_FALSE(IsWindow(user.Window()));
+    });
+    EXPECT_THAT(Changes(), IsEmpty());
+}
+
+TEST_F(OnNativeWindows, AWishToQuitClosesAllAndIsPassedOn) {
+    Open([&](User& person) {
+        person.Click(1002);
+        user.OnNextDialog([&](User&) {
+            PostThreadMessageA(GetWindowThreadProcessId(user.Window(), nullptr), WM_QUIT, 7, 0);
+            while (IsWindow(user.Window())) Sleep(5);
+        });
+        person.Click(1029);
+    });
+    EXPECT_THAT(Changes(), IsEmpty());
+    MSG message{};
+    EXPECT_TRUE(PeekMessageA(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE));
+    EXPECT_EQ(message.wParam, 7u);
+}
+
+TEST(TheDll, CanBeLoadedAnew) {
+    for (int round = 0; round < 10; ++round) {
+        LoadedDll loaded;
+        ASSERT_TRUE(loaded.control->Init(0));
+        Win32User user;
+        user.OnNextDialog([](User& person) {
+            person.Tab(2);
+            person.Click(IDOK);
+        });
+        user.Sit();
+        EXPECT_TRUE(loaded.control->Open());
+    }
+    EXPECT_EQ(GetModuleHandleA("KVETMControl.dll"), nullptr);
+}
+
+TEST(TheDll, BearsVersionAndManifest) {
+    LoadedDll loaded;
+    const auto library = static_cast<HMODULE>(loaded.library);
+    EXPECT_NE(FindResourceA(library, MAKEINTRESOURCEA(2), MAKEINTRESOURCEA(24)), nullptr);
+    char path[MAX_PATH], bytes[4096];
+    GetModuleFileNameA(library, path, sizeof path);
+    ASSERT_TRUE(GetFileVersionInfoA(path, 0, sizeof bytes, bytes));
+    VS_FIXEDFILEINFO* version = nullptr;
+    UINT size = 0;
+    ASSERT_TRUE(VerQueryValueA(bytes, "\\", reinterpret_cast<void**>(&version), &size));
+    EXPECT_EQ(version->dwFileVersionMS, 0x10007u);
+    EXPECT_EQ(version->dwFileVersionLS, 0u);
+}
+
+} // namespace
