@@ -74,7 +74,9 @@ bool jTraceSettings::SwitchTrace() {
 
     const char* const refusal = g_VETMTrace->Command("enable", nullptr);
     if (!refusal) return true;
-    MessageBoxWithoutOwner(refusal, "Cannot enable trace", MB_OK | MB_ICONHAND);
+    // A copy: timers call the host while the box is open, and its text may go.
+    const std::string reason = refusal;
+    MessageBoxWithoutOwner(reason.c_str(), "Cannot enable trace", MB_OK | MB_ICONHAND);
     return false;
 }
 

@@ -167,7 +167,10 @@ TEST_F(Applying, StopsWhereARefusalCounts) {
             if (refused.size() == 1) host.refusedSetValues.insert(refused == "0" ? 0 : 2);
             for (int again = 0; again < (row.result ? 1 : 2); ++again) {
                 display.ClearLog();
+                // The host's text is good until its next call, a timer's during the box.
+                display.DuringNextBox([&] { host.refusals["enable"] = "?"; });
                 EXPECT_EQ(settings.ApplyToTarget(), row.result);
+                if (refused == "enable") host.refusals["enable"] = "not now";
                 EXPECT_EQ(Sent(), row.sent);
                 EXPECT_EQ(Difference(row.result ? wanted : before, settings.Snapshot), "");
                 EXPECT_EQ(Difference(wanted, settings.Working), "");
