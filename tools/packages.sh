@@ -10,3 +10,6 @@ TEST_PACKAGES=(clang libclang-rt-14-dev llvm clang-format libgtest-dev libgmock-
 
 # To measure them.
 BENCH_PACKAGES=(libbenchmark-dev)
+
+# To build the Windows module and to run it.
+WINDOWS_PACKAGES=(g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix googletest wine64 fonts-wine)
