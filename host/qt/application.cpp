@@ -26,6 +26,8 @@ QPalette DarkPalette() {
     palette.setColor(QPalette::ToolTipBase, base);
     palette.setColor(QPalette::PlaceholderText, faint);
     palette.setColor(QPalette::Highlight, highlight);
+    palette.setColor(QPalette::Disabled, QPalette::Highlight, faint);
+    palette.setColor(QPalette::Disabled, QPalette::Base, window);
     palette.setColor(QPalette::HighlightedText, Qt::white);
     palette.setColor(QPalette::Link, highlight);
     for (const QPalette::ColorRole role :
