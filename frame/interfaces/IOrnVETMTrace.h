@@ -3,7 +3,8 @@
 // What it is     Commands, values by id, the present settings as text, a state
 //                word and feature tests. All that the module knows of the target
 //                comes from here, and all that it changes goes back through here.
-// Who owns it    The host; it outlives its attachment.
+// Who owns it    The host; it outlives its attachment. Without it Init leaves the
+//                settings at their start values, and Open and Apply fail.
 // Which thread   The host's one thread (see IOrnInterface.h), also from inside
 //                IOrnKVETMCtrl::Open: from handlers and from a 600 ms timer.
 //
@@ -13,15 +14,31 @@
 //   GetValue 0, 1 and 2, always all three;
 //   GetSettingsLine 0, 1, 2 ... until null;
 //   if 0, 1 and 2 succeeded: IOrnXTraceClient::ReadSetting.
+// The read fails unless 0, 1 and 2 succeed. Without the first two words what is known
+// of the chip stays as it was: at first, no comparators and no port sizes.
 //
-// An apply calls, in order, only what differs:
-//   Command "macro <board file>"; "enable" or "disable"; SetValue 0; SetValue 2;
-//   Command "etm portsize=<bits>"; "etm halfrate=on|off";
-//   IOrnXTraceClient::WriteSetting;
-//   Command "etm pc=none|all", "etm pc=start <a>", "etm pc=stop <a>",
-//   "etm pc=from <a>", "etm pc=to <a>" or "etm complex";
-//   "etm data=none|addr|value|all"; "etm data=from <a>"; "etm data=to <a>";
-//   "etm trigger <a>".
+// An apply calls, in order, what belongs to the groups that differ, each group whole;
+// <a> is an address as it was typed, of any length:
+//   board file  Command "macro <board file>"
+//   control     Command "enable" or "disable", if that changes; SetValue 0
+//   position    SetValue 2
+//   port        Command "etm portsize=<bits>", unless the chip offers no such port;
+//               "etm halfrate=on" or "etm halfrate=off";
+//               IOrnXTraceClient::WriteSetting
+//   trace       Command "etm pc=none", "etm pc=all" or "etm complex", or
+//               "etm pc=start <a>", or that and "etm pc=stop <a>", or
+//               "etm pc=from <a>" and "etm pc=to <a>";
+//               "etm data=none", "etm data=addr", "etm data=value" or "etm data=all";
+//               "etm data=from <a>" and "etm data=to <a>", for a range of data;
+//               "etm trigger <a>", for a trigger on an address
+// A new board file is part of the port group too; the switch of the trigger on an
+// address is part of both the control group and the trace group.
+//
+// A refused "enable" ends the apply, and a message box shows the text. A failed
+// SetValue, a refused "etm halfrate" and a refusal in the trace group make the apply
+// fail without a word; the rest is sent all the same, but neither range nor trigger
+// behind a refused pc or kind of data, and no trigger behind a refused range. Other
+// failures are not looked at. After a failed apply the next one sends it all again.
 
 #pragma once
 
@@ -35,27 +52,42 @@ public:
     /// success, otherwise a text that says what went wrong.
     ///
     /// Beside the commands of an apply, the module sends "start", "stop" and
-    /// "trigger force" (the buttons of those names), and "capability", the one
-    /// command with a `stream`: the host writes the capability report into it and
-    /// ends it with a NUL. For all others `stream` is null.
+    /// "trigger force" (the buttons Start, Stop and Trigger Now; the result is not
+    /// looked at), and "capability" (each read, and once for the Status page), the
+    /// one command with a `stream`: the host writes the capability report into it
+    /// and ends it with a NUL. For all others `stream` is null.
     ///
-    /// The report is free text; the module looks for labels such as "Number of
-    /// address comparator pairs", each followed by a colon and a value (the full
-    /// list: settings/ReadCapabilities.cpp).
+    /// The report is free text, shown on the Status page. The module looks for the
+    /// labels below, exactly so, in any order; behind each a colon and a value:
+    ///   a decimal number:
+    ///     "ETM protocol version", "Number of address comparator pairs",
+    ///     "Number of data comparators", "Number of memory map decoders",
+    ///     "Number of counters", "Number of external inputs",
+    ///     "Number of external outputs"
+    ///   two numbers with a point, such as 3.1:
+    ///     "ETM architecture version"
+    ///   yes or no, on the colon's line:
+    ///     "Sequencer present", "FIFOFULL logic present",
+    ///     "Half-rate clocking supported", "Full-rate clocking supported",
+    ///     "Normal format supported", "Multiplexed  format  supported" (with two
+    ///     blanks twice), "Demultiplexed format supported"
+    /// What is missing counts as 0, 1.0 or no; so does all if "capability" is refused.
     virtual const char* Command(const char* text, std::ostream* stream) = 0;
 
     /// Slot 7. Returns a text about the emulator or ETB for the Status page, or
-    /// null. `which` is always 0.
+    /// null. Called once, when that page opens; `which` is always 0.
     virtual const char* GetInfoText(uint32_t which) = 0;
 
-    /// Slot 8. Returns the state word. Bit 1 (0x2): when it changes, the dialog
-    /// looks at everything again. Bit 2 (0x4): capture is running. `detail` is for
-    /// the host to fill; the module does not read it.
+    /// Slot 8. Returns the state word. Bit 1 (0x2): when it changes, the General
+    /// Control page looks at everything again. Bit 2 (0x4): capture is running, so
+    /// that Stop can be pressed and Start can't; a change of it alone shows behind
+    /// those two only. Called every 600 ms while that page is in front. `detail` is never
+    /// null and for the host to fill; the module does not read it.
     virtual uint32_t GetTraceState(uint32_t* detail) = 0;
 
     /// Slot 9. Returns true iff the target has the feature:
     ///   0x2000000  trace goes to an ETB,
-    ///   0x3000000  trace goes out through a TPIU,
+    ///   0x3000000  trace goes out through a TPIU (asked only if the above is false),
     ///   0x4000000  the target is a Cortex-M3.
     virtual bool HasFeature(uint32_t feature) = 0;
 
@@ -65,27 +97,32 @@ public:
     ///      between runs, 3 manual start and stop, 4 and 5 kept as read,
     ///      8 stop after a trigger from the external pin,
     ///      9 stop after a trigger from an address;
-    ///   2  the number of units to capture behind the trigger.
+    ///   2  the number of units to capture behind the trigger: the share of the
+    ///      capacity (id 1) that lies behind it, the fraction cut off.
     virtual bool SetValue(uint32_t id, uint32_t value) = 0;
 
     /// Slot 11. Reads a value into `*value`. Returns true on success.
     ///   0x1000000 + offset  ETM register: 0x004 configuration code, 0x014 system
     ///                       configuration, 0x1E4 ID register;
     ///   5  mask of the trace port sizes on offer: bit k stands for k + 1 bits;
-    ///   0  the general control word;
+    ///   0  the general control word, as for SetValue; of several reasons to stop,
+    ///      bit 1 counts first;
     ///   1  capacity of the trace buffer in the units of id 2; 0: not known;
     ///   2  the number of units to capture behind the trigger.
     virtual bool GetValue(uint32_t id, uint32_t* value) = 0;
 
     /// Slot 12. Returns line `index`, from 0, of the present settings as text;
     /// null behind the last one. Within one pass an index names one line. Lines
-    /// that begin with the word ETM are read:
+    /// that begin with the word ETM are read, words in any case and blanks between
+    /// them at will; others are passed over. <a> is the rest of the line:
     ///   ETM PC = none | all | start <a> | stop <a> | from <a> | to <a>
     ///   ETM COMPLEX
     ///   ETM DATA = none | addr | value | all | from <a> | to <a>
     ///   ETM TRIGGER <a>
     ///   ETM PORTSIZE = <decimal number of bits>
     ///   ETM HALFRATE = on | off
+    /// What no line mentions stays as it was. Of lines about one setting the last
+    /// counts; a range without a kind of data before it means all data within it.
     virtual const char* GetSettingsLine(uint32_t index) = 0;
 
 protected:
