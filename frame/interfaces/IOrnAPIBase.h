@@ -42,8 +42,9 @@ public:
     /// back to DestroyRowObject with the same row.
     virtual IOrnInterface* CreateRowObject(int32_t row) = 0;
 
-    /// Slot 10. Destroys an object that CreateRowObject made from the same row.
-    /// Does nothing for a null object or an index outside the table.
+    /// Slot 10. Destroys an object that CreateRowObject made from the same row,
+    /// with all that it handed out. Does nothing for a null object or an index
+    /// outside the table. REQUIRES: no operation of the object is running.
     virtual void DestroyRowObject(int32_t row, IOrnInterface* object) = 0;
 
     /// Slot 11. Tells the module the full path of its own file; copied. Null

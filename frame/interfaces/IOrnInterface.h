@@ -17,8 +17,11 @@
 //    to the object that returned it and remains valid at least until the next
 //    call on the same interface.
 //  * Whole numbers have 32 bits; ids, words and masks are unsigned. `bool` is
-//    one byte, zero or not zero.
+//    C++'s, one byte, 0 or 1.
 //  * No exception crosses the border.
+//  * The host's operations are called while the host itself is inside an operation
+//    of the module. From there it may call the module's in turn, but not those
+//    whose REQUIRES says that no other operation is running.
 
 #pragma once
 

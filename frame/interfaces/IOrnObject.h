@@ -16,7 +16,8 @@ public:
     /// Slot 10. Takes the host's object for the interface `name`, replacing an
     /// earlier one; `object` may be null. Returns 0 for a required name, compared
     /// exactly and with regard to case; -1 for any other, and nothing changes.
-    /// REQUIRES: `object` really implements `name` and outlives its attachment.
+    /// REQUIRES: `object` really implements `name` and outlives its attachment; no
+    /// other operation of the component is running.
     virtual int32_t AttachInterface(const char* name, IOrnInterface* object) = 0;
 
     /// Slot 11. The same as AttachInterface(name, null).
