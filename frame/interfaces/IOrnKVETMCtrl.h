@@ -11,7 +11,10 @@
 //
 // An operation that can fail returns false and leaves one line of text, which
 // GetLastError delivers. Init, Apply and an Open with the dialog closed empty
-// that text first.
+// that text first. Where memory runs short on the way, the text is "No memory".
+//
+// Of the root operations, GetInterface("IOrnKVETMSupp") gives the support component
+// (IOrnKVETMSupp.h), or null if memory is short; any other name gives null.
 
 #pragma once
 
@@ -24,12 +27,15 @@ public:
     /// `option` is not looked at. Returns false with
     ///   "No memory", or
     ///   "Cannot read ETM/Trace settings from target".
+    /// A second Init begins with a new record.
     /// REQUIRES: the interfaces are attached. A host that attaches IOrnVETMTrace
-    /// attaches IOrnXTraceClient too. After a failed Init a host stops.
+    /// attaches IOrnXTraceClient too. After a failed Init a host stops. No other
+    /// operation of the component is running.
     virtual bool Init(uint32_t option) = 0;
 
     /// Slot 19. Reads the target, shows the modal "ETM Control" dialog and returns
-    /// when it has closed: true for OK and Cancel alike. Returns false with
+    /// when it has closed: true for OK and Cancel alike. Edits that an earlier run
+    /// left and never applied are gone then. Returns false with
     ///   "IOrnAPI interface is not attached",
     ///   "IOrnVETM interface is not attached",
     ///   "No memory" (there was no Init),
@@ -43,12 +49,13 @@ public:
     /// Slot 20. Sends to the target what the settings record holds and the target
     /// does not (see IOrnVETMTrace.h for the commands). Returns false with
     /// "Module is not initialized properly" if there was no Init or IOrnVETMTrace
-    /// is not attached, and with an empty text if the target refused a step.
+    /// is not attached, and with an empty text if the target refused a step. A
+    /// refused "enable" is shown in a message box as well.
     virtual bool Apply() = 0;
 
     /// Slot 21. Copies the text of the last failure, or the empty text, into the
     /// `size` bytes at `buffer`, always terminated; what remains of the buffer is
-    /// filled with NUL. Does nothing for a null buffer or a size of 0.
+    /// filled with NUL. Does nothing for a null buffer or a size below 1.
     virtual void GetLastError(char* buffer, int32_t size) = 0;
 
 protected:

@@ -16,18 +16,24 @@ class IOrnKVETMSupp : public IOrnInterface {
 public:
     /// Slot 6. Returns true iff the board selection is settled.
     ///
-    /// `directory`  where board files live; empty or null: the directory of the
-    ///              module's file.
-    /// `value`      receives the selection, at most `size` bytes, terminated; may
-    ///              be null: "/none", "/startup" or the path of a board file.
-    ///              With mode -1 it receives the value of the last success.
+    /// `directory`  where board files live, from this call on; empty or null: the
+    ///              directory of the module's file.
+    /// `value`      receives the selection, cut to `size` bytes and terminated:
+    ///              "/none", "/startup" or the path of a board file. With mode -1
+    ///              it receives the value of the last success, or the empty text.
+    ///              May be null; left alone if `size` is 0.
     /// `mode`       receives what the selection is; may be null:
     ///              -1 none that can be used, 0 no board file, 1 the debugger's
     ///              startup macro does the work, 2 a board file.
     ///
-    /// A selection that is not known, or a path that can't be opened, brings up
-    /// the ETM Configuration dialog. One that was settled and is not known any
-    /// more gives false without a dialog; the next call asks.
+    /// A selection that is not known, or a path that can't be opened, brings up the
+    /// ETM Configuration dialog: over "ETM Control", which IOrnKVETMCtrl::Open shows
+    /// for it and which closes with it, or over the one that is open already. OK
+    /// applies the answer to the target. Cancel leaves a path that can't be opened in
+    /// place: mode 2, and true unless "ETM Control" was open already.
+    ///
+    /// A selection that was settled and is not known any more gives false without a
+    /// dialog; the next call asks.
     ///
     /// Behind false, GetLastError tells why: "Cancelled by user", "Module is not
     /// initialized properly", or the text of IOrnKVETMCtrl::Open. The text is empty

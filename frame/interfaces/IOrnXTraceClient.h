@@ -2,7 +2,9 @@
 //
 // What it is     A store of texts by section and key, in which the module keeps
 //                its one persistent value, and a test for host commands.
-// Who owns it    The host; it outlives its attachment.
+// Who owns it    The host; it outlives its attachment. A host that attaches
+//                IOrnVETMTrace attaches this too; otherwise the board selection
+//                is not known at each read, and none is kept.
 // Which thread   The host's one thread (see IOrnInterface.h), also from inside
 //                IOrnKVETMCtrl::Open.
 //
@@ -17,17 +19,20 @@
 
 class IOrnXTraceClient : public IOrnInterface {
 public:
-    /// Slot 6. Returns true iff the host offers the command `name`. The module
-    /// asks for "ExecuteCmd", which stands for startup macro functions.
+    /// Slot 6. Returns true iff the host offers the command `name`. The module asks
+    /// for "ExecuteCmd" when it lists the boards: true adds the choice "Call debugger
+    /// startup macro functions".
     virtual bool HasCommand(const char* name) = 0;
 
     /// Slot 7. Stores `value` under `section` and `key`. The result is not looked
-    /// at.
+    /// at. Part of an apply (see IOrnVETMTrace.h); an empty selection is written as
+    /// "/none", and one that is not known is not written.
     virtual bool WriteSetting(const char* section, const char* key, const char* value) = 0;
 
     /// Slot 8. Copies the text stored under `section` and `key` into the `size`
-    /// bytes at `buffer`, terminator included. Returns false if there is none;
-    /// the buffer is then not looked at.
+    /// bytes at `buffer`, terminator included. Returns false if there is none; the
+    /// buffer is then not looked at, and the board selection counts as not known. An
+    /// empty text counts as "/none". The module asks with a size of 260.
     virtual bool ReadSetting(const char* section, const char* key, int32_t size, char* buffer) = 0;
 
 protected:
