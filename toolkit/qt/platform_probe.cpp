@@ -3,13 +3,19 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QPluginLoader>
+#include <chrono>
 #include <dlfcn.h>
+#include <thread>
 
 namespace qt {
 
 namespace {
 
 using Connection = std::shared_ptr<void>;
+
+// A server that starts anew, because its last client has just left, is asked again.
+constexpr int kTries = 5;
+constexpr std::chrono::milliseconds kPause(30);
 
 /// A shared library that is open as long as somebody keeps it.
 std::shared_ptr<void> OpenLibrary(const char* name) {
@@ -28,9 +34,14 @@ Connection ConnectToX() {
     auto* hasError = Find<int(void*)>(xcb, "xcb_connection_has_error");
     auto* disconnect = Find<void(void*)>(xcb, "xcb_disconnect");
     if (connect == nullptr || hasError == nullptr || disconnect == nullptr) return nullptr;
-    Connection connection(connect(nullptr, nullptr),
-                          [xcb, disconnect](void* open) { disconnect(open); });
-    return connection != nullptr && hasError(connection.get()) == 0 ? connection : nullptr;
+    for (int left = kTries; left > 0; --left) {
+        Connection connection(connect(nullptr, nullptr),
+                              [xcb, disconnect](void* open) { disconnect(open); });
+        if (connection != nullptr && hasError(connection.get()) == 0) return connection;
+        if (qEnvironmentVariableIsEmpty("DISPLAY")) break;
+        std::this_thread::sleep_for(kPause);
+    }
+    return nullptr;
 }
 
 /// The same for the Wayland server.
