@@ -130,6 +130,8 @@ void Complete(const CWnd& control, HWND window) {
     case ControlKind::Edit:
         SendMessageA(window, EM_SETLIMITTEXT, 0, 0); // as much as there is
         if ((control.GetStyle() & style::MultiLine) != 0) TeachMultiLineEdit(window);
+        if ((control.GetStyle() & style::ReadOnly) != 0) // a note needs all of its place
+            SendMessageA(window, EM_SETMARGINS, EC_LEFTMARGIN | EC_RIGHTMARGIN, MAKELPARAM(2, 2));
         break;
     default:
         break;

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "toolkit/win32/DialogWindow.h"
+#include "toolkit/win32/NativeLook.h"
 
 namespace {
 
@@ -61,6 +62,7 @@ OthersDisabled::~OthersDisabled() {
 }
 
 void PlaceOverOwner(HWND window) {
+    const NativeLook look; // measures all windows alike
     const HWND owner = GetWindow(window, GW_OWNER);
     MONITORINFO monitor{};
     monitor.cbSize = sizeof monitor;

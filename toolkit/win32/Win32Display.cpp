@@ -81,6 +81,7 @@ void Win32Display::RunModal(CDialog& dialog) {
     PlaceOverOwner(window);
     const OthersDisabled others(window);
     SetWindowPos(window, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_SHOWWINDOW);
+    if (GetWindow(window, GW_OWNER) == nullptr) SetForegroundWindow(window); // of a console
     FocusFirst(dialog);
     RunLoop(dialog, window);
 }
@@ -115,6 +116,7 @@ void Win32Display::SetToolTip(CWnd& control, const char* text, int maxWidth) {
     const HWND tool = WindowOf(control);
     const HWND tips = control.GetParent() != nullptr ? ToolTipsOf(*control.GetParent()) : nullptr;
     if (tool == nullptr || tips == nullptr) return;
+    static_assert(sizeof(void*) != 4 || sizeof(TOOLINFOA) == 48);
     TOOLINFOA info{};
     info.cbSize = sizeof info;
     info.uFlags = TTF_IDISHWND | TTF_SUBCLASS;

@@ -75,6 +75,7 @@ bool ShowSaveDialog(HWND owner, SaveFileRecord& record) {
     std::vector<char> file(record.maxFile, '\0');
     std::strncpy(file.data(), record.file, file.size() - 1);
 
+    static_assert(sizeof(void*) != 4 || sizeof(OPENFILENAMEA) == 88);
     OPENFILENAMEA request{};
     const bool isShort = record.structSize == kShortRecord;
     request.lStructSize = isShort ? OPENFILENAME_SIZE_VERSION_400A : sizeof request;
