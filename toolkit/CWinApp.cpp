@@ -44,8 +44,7 @@ CWinApp* AfxGetApp() {
 }
 
 int AfxMessageBox(const char* text, unsigned flags) {
-    CWinApp* app = AfxGetApp();
-    return app->GetDisplay().ShowMessage(nullptr, text, app->GetTitle(), flags);
+    return MessageBoxWithoutOwner(text, AfxGetApp()->GetTitle(), flags);
 }
 
 void ReportException(const char* what) noexcept {

@@ -5,7 +5,10 @@
 
 namespace {
 
-constexpr const char* kDefaultTitle = "Error";
+int ShowMessage(CWnd* owner, const char* text, const char* title, unsigned flags) {
+    return AfxGetApp()->GetDisplay().ShowMessage(owner, text != nullptr ? text : "",
+                                                 title != nullptr ? title : "Error", flags);
+}
 
 } // namespace
 
@@ -39,13 +42,11 @@ void CWnd::ShowWindow(int command) {
 }
 
 int CWnd::MessageBox(const char* text, const char* title, unsigned flags) {
-    return AfxGetApp()->GetDisplay().ShowMessage(this, text != nullptr ? text : "",
-                                                 title != nullptr ? title : kDefaultTitle, flags);
+    return ShowMessage(this, text, title, flags);
 }
 
 int MessageBoxWithoutOwner(const char* text, const char* title, unsigned flags) {
-    return AfxGetApp()->GetDisplay().ShowMessage(nullptr, text != nullptr ? text : "",
-                                                 title != nullptr ? title : kDefaultTitle, flags);
+    return ShowMessage(nullptr, text, title, flags);
 }
 
 void CWnd::MessageBeep(unsigned flags) {

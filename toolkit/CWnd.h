@@ -110,8 +110,9 @@ private:
     std::unique_ptr<DisplayPeer> m_Peer;
 };
 
-/// Modal box under the application's title, owned by whatever is in front.
+/// Modal box under the application's title, without an owner.
 int AfxMessageBox(const char* text, unsigned flags);
 
-/// Modal box without an owner. A null `title` gives the toolkit's default.
+/// Modal box without an owner: it lies over what is in front. A null `title` gives
+/// the toolkit's default.
 int MessageBoxWithoutOwner(const char* text, const char* title, unsigned flags);

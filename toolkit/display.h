@@ -54,8 +54,9 @@ public:
     virtual void RunModal(CDialog& dialog) = 0;
     virtual void EndModal(CDialog& dialog) = 0;
 
-    /// Modal message box; `owner` and `title` may be null. `flags`: MB_ values.
-    /// Returns IDOK, IDYES, IDNO or IDCANCEL; closing it counts as the refusal.
+    /// Modal message box; a null `owner` stands for what is in front, if anything is.
+    /// `text` and `title` are never null. `flags`: MB_ values. Returns IDOK, IDYES,
+    /// IDNO or IDCANCEL; closing it counts as the refusal.
     virtual int ShowMessage(CWnd* owner, const char* text, const char* title, unsigned flags) = 0;
     /// See GetSaveFileName.
     virtual bool AskSaveFile(SaveFileRecord& record) = 0;
