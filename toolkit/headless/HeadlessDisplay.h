@@ -95,7 +95,7 @@ public:
 
     // --- What happened -----------------------------------------------------------------
 
-    /// Every event in order: "open 107", "box [title] text -> 6", "beep", ...
+    /// Every event in order: "create 107", "click 1002", "box [title] text -> 6", "beep", ...
     const std::vector<std::string>& Log() const { return m_Log; }
     void ClearLog() { m_Log.clear(); }
     /// Adds a line of one's own, to see it in order with the others.
