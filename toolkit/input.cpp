@@ -19,6 +19,14 @@ CDialog* DialogTakingInput(const CWnd& control) {
     return dynamic_cast<CDialog*>(control.GetParent());
 }
 
+/// Whether a dialog, or the sheet of a page, has ended: its last repaints are no
+/// business of its handlers any more.
+bool LoopIsOver(const CDialog& dialog) {
+    const auto* page = dynamic_cast<const CPropertyPage*>(&dialog);
+    const auto* sheet = page == nullptr ? nullptr : dynamic_cast<CDialog*>(page->GetParent());
+    return dialog.HasEnded() || (sheet != nullptr && sheet->HasEnded());
+}
+
 void Refresh(CWnd& control, Change what) {
     if (control.IsCreated()) AfxGetApp()->GetDisplay().Refresh(control, what);
 }
@@ -83,7 +91,7 @@ void Slide(CSliderCtrl& slider, int position) {
 void Paint(CSliderCtrl& slider) {
     Guarded([&] {
         auto* dialog = dynamic_cast<CDialog*>(slider.GetParent());
-        if (dialog == nullptr || !slider.IsCreated()) return;
+        if (dialog == nullptr || !slider.IsCreated() || LoopIsOver(*dialog)) return;
         Notification notification{slider.GetDlgCtrlID(), Event::CustomDraw, CDDS_PREPAINT};
         dialog->Notify(notification);
     });
@@ -101,7 +109,9 @@ void Close(CDialog& dialog) {
 
 void Tick(CWnd& window, unsigned id) {
     Guarded([&] {
-        if (window.IsCreated()) window.OnTimer(id);
+        const auto* dialog = dynamic_cast<CDialog*>(&window);
+        if (!window.IsCreated() || (dialog != nullptr && LoopIsOver(*dialog))) return;
+        window.OnTimer(id);
     });
 }
 
