@@ -37,7 +37,8 @@ extern IOrnAPI* g_HostAPI;
 extern jTraceSettings* g_Settings; // set by Init
 extern jKVETMSupp* g_Supp;         // set by the first GetInterface("IOrnKVETMSupp")
 
-// The control component, from a successful Init on, while it lives.
+// The control component, from the first successful read by Init or Open on, while it
+// lives. An Init without IOrnVETMTrace has nothing to read and sets it too.
 extern jKVETMCtrl* g_Ctrl;
 
 // Owned by Open: the sheet and its first page while the sheet exists.
