@@ -4,75 +4,58 @@
 
 #include <sstream>
 
+#include "host/report.h"
+
 namespace etmhost {
 namespace {
 
-struct JournaledHost {
-    explicit JournaledHost(const char* chip)
-        : host(*FindChip(chip), {{"main", 0x8000}}, Journal(&out)) {}
-
-    // The journal so far, emptied by this.
-    std::string Take() {
-        const std::string text = out.str();
-        out.str("");
-        return text;
-    }
-
-    std::ostringstream out;
-    SimulatedHost host;
-};
-
-TEST(HostInterfaces, OffersTheSixThatTheModuleRequires) {
-    JournaledHost journaled("arm926");
-    for (const char* name : {"IOrnAPI", "IOrnVETMTrace", "IOrnTraceClient", "IOrnXTraceClient",
-                             "IOrnXTrace", "IOrnEmu"}) {
-        IOrnInterface* object = journaled.host.Find(name);
-        ASSERT_NE(object, nullptr) << name;
-        EXPECT_STREQ(object->GetInterfaceName(), name);
-    }
-    EXPECT_EQ(journaled.host.Find("iornapi"), nullptr);
-    EXPECT_GE(journaled.host.xTraceClient.GetInterfaceVersion(), 111);
-}
-
 TEST(HostInterfaces, JournalHoldsEveryCallWithItsAnswer) {
-    JournaledHost journaled("arm926");
-    IOrnVETMTrace& trace = journaled.host.trace;
+    std::ostringstream out, report;
+    SimulatedHost host(*FindChip("arm926"), {{"main", 0x8000}}, Journal(&out));
+    IOrnVETMTrace& trace = host.trace;
     uint32_t word = 0;
-    char buffer[8];
-    std::ostringstream report;
     EXPECT_TRUE(trace.GetValue(0x1000004, &word));
     EXPECT_FALSE(trace.GetValue(0x10001E4, &word)) << "this chip has no ID register";
-    EXPECT_FALSE(trace.GetValue(0, nullptr));
     EXPECT_EQ(trace.Command("capability", &report), nullptr);
     EXPECT_STREQ(trace.Command("etm\n\"x\"", nullptr), "Unknown command: etm\n\"x\"");
     EXPECT_STREQ(trace.Command(nullptr, nullptr), "Empty command");
-    EXPECT_TRUE(trace.SetValue(0, 0x201));
     EXPECT_FALSE(trace.SetValue(1, 5));
+    EXPECT_TRUE(trace.SetValue(0, 0x3));
+    EXPECT_EQ(trace.Command("start", nullptr), nullptr);
+    for (int look = 0; look < 20; ++look) trace.GetTraceState(nullptr); // told only with news
     EXPECT_STREQ(trace.GetSettingsLine(0), "ETM PC = all");
+    EXPECT_EQ(trace.Command("etm pc=from 5", nullptr), nullptr);
+    EXPECT_EQ(trace.Command("etm pc=to 6", nullptr), nullptr);
+    EXPECT_STREQ(trace.GetSettingsLine(1), "ETM DATA = none") << "the same within one pass";
+    EXPECT_STREQ(trace.GetSettingsLine(0), "ETM PC = from 5");
     EXPECT_EQ(trace.GetSettingsLine(99), nullptr);
-    EXPECT_EQ(trace.GetInfoText(1), nullptr);
-    EXPECT_TRUE(journaled.host.traceClient.Action("CheckAction", "Eval"));
-    EXPECT_TRUE(journaled.host.traceClient.Action("Eval main + 4", nullptr));
-    EXPECT_FALSE(journaled.host.traceClient.Action("Eval 1.5", nullptr));
-    EXPECT_FALSE(journaled.host.traceClient.Action(nullptr, nullptr));
-    IOrnXTraceClient& client = journaled.host.xTraceClient;
+    EXPECT_TRUE(host.traceClient.Action("CheckAction", "Eval"));
+    EXPECT_TRUE(host.traceClient.Action("Eval main + 4", nullptr));
+    EXPECT_FALSE(host.traceClient.Action("Eval 1.5", nullptr));
+    EXPECT_FALSE(host.traceClient.Action(nullptr, nullptr));
+    IOrnXTraceClient& client = host.xTraceClient;
+    char buffer[8];
     EXPECT_TRUE(client.HasCommand("ExecuteCmd"));
     EXPECT_FALSE(client.ReadSetting("KVETM", "BoardFile", 8, buffer));
     EXPECT_FALSE(client.WriteSetting("KVETM", nullptr, "x"));
     EXPECT_TRUE(client.WriteSetting("KVETM", "BoardFile", "/startup"));
     EXPECT_TRUE(client.ReadSetting("KVETM", "BoardFile", 8, buffer)) << "cut, and terminated";
-    EXPECT_FALSE(client.ReadSetting("KVETM", "BoardFile", 0, buffer));
-    EXPECT_EQ(journaled.Take(), R"(GetValue 0x1000004 -> 0x30194824
+    EXPECT_EQ(out.str(), R"(GetValue 0x1000004 -> 0x30194824
 GetValue 0x10001E4 -> refused
-GetValue 0x0 -> refused
 Command "capability" -> ok
 Command "etm\n\"x\"" -> "Unknown command: etm\n\"x\""
 Command null -> "Empty command"
-SetValue 0x0 0x201 -> ok
 SetValue 0x1 0x5 -> refused
+SetValue 0x0 0x3 -> ok
+Command "start" -> ok
+GetTraceState -> 0x4
+GetTraceState -> 0x2
 GetSettingsLine 0 -> "ETM PC = all"
+Command "etm pc=from 5" -> ok
+Command "etm pc=to 6" -> ok
+GetSettingsLine 1 -> "ETM DATA = none"
+GetSettingsLine 0 -> "ETM PC = from 5"
 GetSettingsLine 99 -> null
-GetInfoText 1 -> null
 Action "CheckAction" "Eval" -> yes
 Action "Eval main + 4" null -> yes
 Action "Eval 1.5" null -> no
@@ -82,56 +65,47 @@ ReadSetting "KVETM" "BoardFile" 8 -> none
 WriteSetting "KVETM" null "x" -> refused
 WriteSetting "KVETM" "BoardFile" "/startup" -> ok
 ReadSetting "KVETM" "BoardFile" 8 -> "/startu"
-ReadSetting "KVETM" "BoardFile" 0 -> none
 )");
+    EXPECT_EQ(report.str(), std::string(R"(ETM protocol version: 3
+ETM architecture version: 1.3
+Number of address comparator pairs: 4
+Number of data comparators: 2
+Number of memory map decoders: 8
+Number of counters: 2
+Sequencer present: yes
+Number of external inputs: 4
+Number of external outputs: 1
+FIFOFULL logic present: no
+Half-rate clocking supported: yes
+Full-rate clocking supported: no
+Normal format supported: yes
+Multiplexed  format  supported: no
+Demultiplexed format supported: no
+)") + '\0');
 }
 
-TEST(HostInterfaces, PollsAreJournaledOnlyWithNews) {
-    JournaledHost journaled("arm926");
-    IOrnVETMTrace& trace = journaled.host.trace;
-    const auto poll = [&trace] {
-        for (int look = 0; look < 20; ++look) {
-            trace.GetTraceState(nullptr);
-        }
-    };
-    poll();
-    trace.SetValue(0, 0x3);
-    trace.Command("start", nullptr);
-    poll();
-    poll();
-    EXPECT_EQ(journaled.Take(), "GetTraceState -> 0x0\n"
-                                "SetValue 0x0 0x3 -> ok\n"
-                                "Command \"start\" -> ok\n"
-                                "GetTraceState -> 0x4\n"
-                                "GetTraceState -> 0x2\n");
-}
-
-TEST(HostInterfaces, LinesStayTheSameWithinOnePass) {
-    JournaledHost journaled("arm926");
-    IOrnVETMTrace& trace = journaled.host.trace;
-    EXPECT_STREQ(trace.GetSettingsLine(0), "ETM PC = all");
-    trace.Command("etm pc=start 5", nullptr);
-    trace.Command("etm pc=stop 6", nullptr);
-    EXPECT_STREQ(trace.GetSettingsLine(1), "ETM DATA = none");
-    EXPECT_STREQ(trace.GetSettingsLine(0), "ETM PC = start 5");
-}
-
-TEST(HostInterfaces, FeaturesTellTheTracePath) {
+TEST(HostInterfaces, SayWhatEachChipOffers) {
     const struct {
-        const char* chip;
-        bool etb, tpiu, cortexM3;
-    } rows[] = {{"arm7", false, false, false},
-                {"arm926", false, false, false},
-                {"arm9-etb", true, false, false},
-                {"cortex-a8", false, false, false},
-                {"cortex-m3", false, true, true}};
+        const char *chip, *offers; // values of the report; sizes of the port; features
+    } rows[] = {
+        {"arm7", "2 1.2 1 0 4 1 no 2 0 no no yes yes no no; 4 8;"},
+        {"ARM9-ETB", "3 1.3 4 2 8 2 yes 4 1 no yes no yes no no; 4 8 16; 0x2000000"},
+        {"cortex-a8", "0 3.3 4 2 0 2 yes 4 2 no no no no no no; 1 2 4 8 16 32;"},
+        {"cortex-m3", "0 3.5 0 0 0 1 no 0 0 yes no no no no no; 1 2 4; 0x3000000 0x4000000"},
+    };
     for (const auto& row : rows) {
-        SCOPED_TRACE(row.chip);
-        JournaledHost journaled(row.chip);
-        EXPECT_EQ(journaled.host.trace.HasFeature(0x2000000), row.etb);
-        EXPECT_EQ(journaled.host.trace.HasFeature(0x3000000), row.tpiu);
-        EXPECT_EQ(journaled.host.trace.HasFeature(0x4000000), row.cortexM3);
-        EXPECT_FALSE(journaled.host.trace.HasFeature(0x1000000));
+        SimulatedHost host(*FindChip(row.chip), {}, Journal());
+        std::istringstream report(CapabilityReport(host.target.chip()));
+        std::string offers;
+        for (std::string line; std::getline(report, line);)
+            offers += line.substr(line.find(": ") + 1);
+        offers += ";";
+        for (const uint32_t size : PortSizes(host.target.chip()))
+            offers += " " + std::to_string(size);
+        offers += ";";
+        for (const uint32_t feature : {0x1000000u, 0x2000000u, 0x3000000u, 0x4000000u})
+            if (host.trace.HasFeature(feature)) offers += " " + Hex(feature);
+        EXPECT_EQ(offers, std::string(" ") + row.offers) << row.chip;
     }
 }
 

@@ -1,26 +1,20 @@
 #include "host/state_file.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "host/host_error.h"
-#include "tests/host/TemporaryDirectory.h"
+#include "tests/support/TemporaryDirectory.h"
+
+using ::testing::HasSubstr;
+using ::testing::ThrowsMessage;
 
 namespace etmhost {
 namespace {
 
-// What the HostError of `action` says; empty if there was none.
-template <class Action> std::string ErrorOf(Action action) {
-    try {
-        action();
-    } catch (const HostError& error) {
-        return error.what();
-    }
-    return {};
-}
-
-// A host, with what `file` says of it.
+// A host, with what `path` says of it.
 struct LoadedHost {
-    LoadedHost(const char* chip, const std::filesystem::path& path)
+    LoadedHost(const char* chip, const std::string& path)
         : host(*FindChip(chip), {}, Journal()), file(path) {
         file.Load(host);
     }
@@ -31,14 +25,13 @@ struct LoadedHost {
 
 TEST(StateFile, EverythingSurvives) {
     const TemporaryDirectory directory;
-    const std::filesystem::path path = directory.path / "state.json";
+    const std::string path = directory.PathOf("state.json");
     LoadedHost first("arm926", path);
     TargetState& state = first.host.target.state;
     state = {
         .control = 0x30F,
         .triggerCount = 4294967295u,
-        .macro = "b\xF6"
-                 "ard.mac", // not UTF-8
+        .macro = "\xF6.mac", // not UTF-8
         .pinsReady = true,
         .trace = {PcTrace::Range, "main", "main+\"4\"", DataTrace::All, "1", "2", "\x80", 4, true},
         .capture = {true, true, true, 7, 8, 9}};
@@ -55,83 +48,42 @@ TEST(StateFile, EverythingSurvives) {
     LoadedHost again("arm926", path);
     EXPECT_EQ(again.host.target.state, state);
     EXPECT_EQ(again.host.settings, first.host.settings);
+
+    // No write can succeed any more, and none is tried without need.
+    const std::string before = directory.Read("state.json");
+    std::filesystem::create_directory(path + ".new");
+    again.file.Save(again.host);
+    again.host.target.state.control = 3;
+    EXPECT_THAT([&] { again.file.Save(again.host); },
+                ThrowsMessage<HostError>(HasSubstr("cannot write")));
+    EXPECT_EQ(directory.Read("state.json"), before);
 }
 
 TEST(StateFile, DamageIsReportedAndTheFileStaysAsItIs) {
     const TemporaryDirectory directory;
-    const std::string target = R"({"control":0,"triggerCount":0,"macro":"","pinsReady":false,)"
-                               R"("trace":{"pc":PC,"pcBegin":"","pcEnd":"","data":0,)"
-                               R"("dataBegin":"","dataEnd":"","trigger":"","portSize":4,)"
-                               R"("halfRate":false},"capture":{"running":false,"ended":false,)"
-                               R"("triggered":false,"steps":0,"captured":0,"remaining":0}})";
-    const auto withPc = [&target](const std::string& pc) {
-        std::string text = target;
-        return R"({"format":"etmhost state 1","settings":{},"targets":{"arm7":)" +
-               text.replace(text.find("PC"), 2, pc) + "}}";
+    const std::string path = directory.PathOf("state.json");
+    LoadedHost whole("arm7", path);
+    whole.host.settings["KVETM"]["BoardFile"] = "x";
+    whole.file.Save(whole.host);
+    const std::string sound = directory.Read("state.json");
+    std::vector<std::string> damaged = {"", "[]", "\xFF\xFE", sound + "x",
+                                        std::string(1000000, '[')};
+    const auto damage = [&](const std::string& part, const std::string& other) {
+        damaged.push_back(std::string(sound).replace(sound.find(part), part.size(), other));
     };
-    const std::string sound = directory.Write("sound.json", withPc("1"));
-    EXPECT_EQ(ErrorOf([&] { LoadedHost("arm7", sound); }), "");
-    const std::string rows[] = {
-        "",
-        "{",
-        "[]",
-        "null",
-        "\xFF\xFE",
-        "{\"format\":\"etmhost state 2\",\"settings\":{},\"targets\":{}}",
-        "{\"format\":7,\"settings\":{},\"targets\":{}}",
-        "{\"format\":\"etmhost state 1\",\"settings\":{}}",
-        "{\"format\":\"etmhost state 1\",\"settings\":{\"a\":{\"b\":5}},\"targets\":{}}",
-        "{\"format\":\"etmhost state "
-        "1\",\"settings\":{\"a\":{\"b\":[1,256,\"c\"]}},\"targets\":{}}",
-        "{\"format\":\"etmhost state 1\",\"settings\":{},\"targets\":{\"arm7\":{}}}",
-        withPc("5"),
-        withPc("-1"),
-        withPc("1.5"),
-        withPc("4294967297"),
-        withPc("\"all\""),
-        withPc("1") + "x",
-        std::string(1000000, '['),
-    };
-    for (const std::string& content : rows) {
-        SCOPED_TRACE(content.substr(0, 200));
-        const std::string path = directory.Write("state.json", content);
-        const std::string error = ErrorOf([&] { LoadedHost("arm7", path); });
-        EXPECT_NE(error.find("state.json\" is damaged: "), std::string::npos) << error;
+    damage("state 1", "state 2");
+    damage("\"etmhost state 1\"", "7");
+    damage("targets", "goals");
+    damage("macro", "micro");
+    for (const char* text : {"5", "[1,\"c\"]"}) damage("\"x\"", text);
+    for (const char* pc : {"5", "-1", "4294967297"}) damage("pc\": 1", std::string("pc\": ") + pc);
+    for (const std::string& content : damaged) {
+        SCOPED_TRACE(content.substr(0, 1000));
+        directory.Write("state.json", content);
+        EXPECT_THAT([&] { LoadedHost("arm7", path); },
+                    ThrowsMessage<HostError>(HasSubstr("state.json\" is damaged: ")));
         EXPECT_EQ(directory.Read("state.json"), content);
     }
-}
-
-TEST(StateFile, FailedWriteKeepsTheOldFile) {
-    const TemporaryDirectory directory;
-    const std::filesystem::path path = directory.path / "state.json";
-    LoadedHost loaded("arm7", path);
-    loaded.host.target.state.control = 1;
-    loaded.file.Save(loaded.host);
-    const std::string before = directory.Read("state.json");
-    std::filesystem::create_directory(directory.path / "state.json.new"); // in the way
-    loaded.host.target.state.control = 3;
-    EXPECT_NE(ErrorOf([&] { loaded.file.Save(loaded.host); }).find("cannot write"),
-              std::string::npos);
-    EXPECT_EQ(directory.Read("state.json"), before);
-}
-
-TEST(StateFile, UnchangedStateIsNotWritten) {
-    const TemporaryDirectory directory;
-    const std::filesystem::path path = directory.path / "state.json";
-    LoadedHost first("arm7", path);
-    first.host.target.state.control = 1;
-    first.file.Save(first.host);
-    std::filesystem::create_directory(directory.path / "state.json.new"); // no write can succeed
-    LoadedHost second("arm7", path);
-    EXPECT_EQ(ErrorOf([&] { second.file.Save(second.host); }), "");
-}
-
-TEST(StateFile, OnlyRegularFilesInExistingDirectories) {
-    const TemporaryDirectory directory;
-    EXPECT_NE(ErrorOf([&] { StateFile file(directory.path); }).find("cannot read"),
-              std::string::npos);
-    EXPECT_NE(ErrorOf([&] { StateFile file(directory.path / "no" / "x"); }).find("directory"),
-              std::string::npos);
 }
 
 } // namespace

@@ -32,6 +32,8 @@ protected:
     }
 
     ~Session() override {
+        for (int32_t i = 0; i < control->GetRequiredCount(); ++i)
+            control->DetachInterface(control->GetRequiredName(i));
         OrnDLL()->DestroyRowObject(0, control);
         AfxGetApp()->UseDisplay(nullptr);
         EXPECT_THAT(display.ScriptErrors(), ::testing::IsEmpty());

@@ -3,6 +3,8 @@
 #pragma once
 
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <random>
 #include <string>
 
@@ -22,6 +24,17 @@ public:
 
     /// Without a separator at its end.
     std::string Path() const { return m_Path.string(); }
+    std::string PathOf(const std::string& name) const { return (m_Path / name).string(); }
+
+    /// Writes a file and returns its path.
+    std::string Write(const std::string& name, const std::string& bytes) const {
+        std::ofstream(m_Path / name, std::ios::binary) << bytes;
+        return PathOf(name);
+    }
+    std::string Read(const std::string& name) const {
+        std::ifstream file(m_Path / name, std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
 
 private:
     std::filesystem::path m_Path;
