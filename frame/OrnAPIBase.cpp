@@ -75,6 +75,9 @@ const char* OrnAPIBase::GetModulePath() {
 }
 
 void OrnAPIBase::SetAPI(IOrnInterface* api) {
-    if (api != nullptr && CompareNoCase(api->GetInterfaceName(), "IOrnAPI") != 0) return;
-    g_HostAPI = static_cast<IOrnAPI*>(api);
+    GuardedEntry(0, [&] {
+        if (api == nullptr || CompareNoCase(api->GetInterfaceName(), "IOrnAPI") == 0)
+            g_HostAPI = static_cast<IOrnAPI*>(api);
+        return 0;
+    });
 }
