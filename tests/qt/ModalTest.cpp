@@ -93,8 +93,12 @@ TEST_F(Modal, TicksGoOnInsideAWindowThatATickOpened) {
         if (dialog.notes.size() == 4) dialog.KillTimer(id);
     };
     dialog.Run({
-        [] { QTest::qWait(100); },
-        [] { Person::Press(Qt::Key_Return); },
+        [&] { EXPECT_TRUE(QTest::qWaitFor([&] { return !dialog.notes.empty(); })); },
+        [&] {
+            EXPECT_NE(qobject_cast<QMessageBox*>(Person::Window()), nullptr);
+            EXPECT_TRUE(QTest::qWaitFor([&] { return dialog.notes.size() == 4; }));
+            Person::Press(Qt::Key_Return);
+        },
     });
     EXPECT_THAT(dialog.notes, ElementsAre("tick", "tick", "tick", "tick"));
 }
@@ -125,6 +129,13 @@ protected:
         dialog.Run(std::move(steps));
         return accepted;
     }
+    static QStringList ListedFiles() {
+        const auto* list = Person::Find<QListView>("listView");
+        QStringList names;
+        for (int i = 0; i < list->model()->rowCount(list->rootIndex()); ++i)
+            names << list->model()->index(i, 0, list->rootIndex()).data().toString();
+        return names;
+    }
     static void Enter(const QString& name) {
         Person::Find<QLineEdit>("fileNameEdit")->setText(name);
         Person::Press(Qt::Key_Return);
@@ -138,17 +149,14 @@ protected:
 
 TEST_F(SaveDialog, ShowsTheDirectoryAndAsksBeforeReplacing) {
     EXPECT_TRUE(Ask({
-        [] { QTest::qWait(200); }, // Qt reads directories on a thread
         [&] {
             auto* save = qobject_cast<QFileDialog*>(Person::Window());
             ASSERT_NE(save, nullptr);
             EXPECT_EQ(save->directory(), QDir(directory.path()));
             EXPECT_EQ(save->selectedNameFilter(), "Boards (*.mac)");
-            const auto* list = Person::Find<QListView>("listView");
-            QStringList names;
-            for (int i = 0; i < list->model()->rowCount(list->rootIndex()); ++i)
-                names << list->model()->index(i, 0, list->rootIndex()).data().toString();
-            EXPECT_EQ(names, QStringList({"A.MAC", "b.mac"}));
+            // Qt reads the directory on a thread.
+            EXPECT_TRUE(QTest::qWaitFor([] { return ListedFiles().size() == 2; }));
+            EXPECT_EQ(ListedFiles(), QStringList({"A.MAC", "b.mac"}));
             Enter("b.mac");
         },
         [] { // No is the default

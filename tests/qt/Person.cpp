@@ -35,18 +35,20 @@ void Person::timerEvent(QTimerEvent*) {
 
 bool Person::event(QEvent* event) {
     if (event->type() != QEvent::User) return QObject::event(event);
-    if (Window() == nullptr || !Window()->isVisible()) return true;
+    if (Window() == nullptr || !Window()->isVisible() || Window() == m_Busy) return true;
     if (m_Steps.empty()) {
         Window()->close();
         return true;
     }
     const Step step = std::move(m_Steps.front());
     m_Steps.pop_front();
+    QWidget* outer = std::exchange(m_Busy, Window());
     try {
         step();
     } catch (const std::exception& error) {
         ADD_FAILURE() << error.what();
         m_Steps.clear();
     }
+    m_Busy = outer;
     return true;
 }

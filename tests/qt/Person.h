@@ -10,9 +10,10 @@
 #include <stdexcept>
 #include <string>
 
-/// Runs its steps one after the other while modal windows are open, also while an
-/// earlier step waits for a window that it has opened. When none are left it
-/// closes the window in front, so that no test hangs.
+/// Runs its steps one after the other while modal windows are open. While a step
+/// still runs, the next one begins only in another window, which has opened over
+/// that of the step. When none are left it closes the window in front, so that no
+/// test hangs.
 /// REQUIRES: an application.
 class Person : public QObject {
 public:
@@ -42,4 +43,5 @@ protected:
 
 private:
     std::deque<Step> m_Steps;
+    QWidget* m_Busy = nullptr; // the window of the step that runs
 };
