@@ -144,10 +144,15 @@ bool Win32User::LetWork(HWND window) {
 void Win32User::Settle() {
     const HWND window = m_Attended.back();
     while (LetWork(window)) {
-        const HWND front = Front();
-        if (front == window) return;
-        if (front != nullptr) Attend(front);
+        if (Front() == window) return;
+        AttendToNew();
     }
+}
+
+void Win32User::AttendToNew() {
+    const HWND front = Front();
+    const bool isNew = std::find(m_Attended.begin(), m_Attended.end(), front) == m_Attended.end();
+    if (front != nullptr && isNew) Attend(front);
 }
 
 void Win32User::Attend(HWND window) {
@@ -160,8 +165,7 @@ void Win32User::Attend(HWND window) {
         RunScript(window);
     const ULONGLONG limit = GetTickCount64() + kPatience;
     while (LetWork(window)) { // something may still come up, such as a question
-        const HWND front = Front();
-        if (front != nullptr && front != window) Attend(front);
+        AttendToNew();
         if (GetTickCount64() > limit) throw std::runtime_error("stays open: " + Describe(window));
     }
     m_Attended.pop_back();

@@ -68,6 +68,7 @@ public:
 
 private:
     void Attend(HWND window);
+    void AttendToNew();
     void RunScript(HWND window);
     void AnswerBox(HWND box);
     void AnswerSaveDialog(HWND dialog);
