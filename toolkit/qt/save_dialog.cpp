@@ -3,6 +3,7 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QListView>
+#include <QRegularExpression>
 #include <cstring>
 
 #include "toolkit/constants.h"
@@ -36,6 +37,14 @@ QStringList Filters(const char* pairs) {
     return filters;
 }
 
+/// The extension that a name without one is about to get: the caller adds that of its
+/// only filter. The dialog does so first, or it would not ask about the right file.
+QString Extension(const SaveFileRecord& record, const QStringList& filters) {
+    if (record.defaultExtension != nullptr) return FromModel(record.defaultExtension);
+    static const QRegularExpression onlyPattern(R"(\(\*\.([^*?.; )]+)\)$)");
+    return filters.size() == 1 ? onlyPattern.match(filters.first()).captured(1) : QString();
+}
+
 /// Copies `text` if it fits with its NUL.
 bool CopyIfItFits(char* buffer, uint32_t size, const QByteArray& text) {
     if (buffer == nullptr || static_cast<size_t>(text.size()) >= size) return false;
@@ -49,8 +58,7 @@ void SetUp(QFileDialog& dialog, const SaveFileRecord& record, const QStringList&
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setFileMode(QFileDialog::AnyFile);
     if (record.title != nullptr) dialog.setWindowTitle(FromModel(record.title));
-    if (record.defaultExtension != nullptr)
-        dialog.setDefaultSuffix(FromModel(record.defaultExtension));
+    dialog.setDefaultSuffix(Extension(record, filters));
     if (!filters.isEmpty()) {
         dialog.setNameFilters(filters);
         dialog.selectNameFilter(
