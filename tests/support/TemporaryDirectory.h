@@ -28,11 +28,11 @@ public:
 
     /// Writes a file and returns its path.
     std::string Write(const std::string& name, const std::string& bytes) const {
-        std::ofstream(m_Path / name, std::ios::binary) << bytes;
+        std::ofstream(PathOf(name), std::ios::binary) << bytes;
         return PathOf(name);
     }
     std::string Read(const std::string& name) const {
-        std::ifstream file(m_Path / name, std::ios::binary);
+        std::ifstream file(PathOf(name), std::ios::binary);
         return {std::istreambuf_iterator<char>(file), {}};
     }
 
