@@ -5,10 +5,14 @@
 
 #include "toolkit/constants.h"
 
+#include "tests/support/TemporaryDirectory.h"
 #include "tests/win32/LoadedDll.h"
 #include "tests/win32/Win32User.h"
 
 #include <commctrl.h>
+
+#include <filesystem>
+#include <fstream>
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
@@ -180,6 +184,35 @@ TEST_F(OnNativeWindows, ATextThatAnotherProgramSetsCountsAsTyped) {
     });
     EXPECT_THAT(user.Boxes(), ElementsAre("[Error] Please declare non-empty title\nof the board "
                                           "initialization file."));
+}
+
+TEST_F(OnNativeWindows, AFileIsReplacedOnlyWithTheUsersConsent) {
+    const TemporaryDirectory directory;
+    const std::string old = directory.Path() + "\\board.mac";
+    const std::string name = directory.Path() + "\\board"; // which gets the extension later
+    std::ofstream(old) << "old";
+    loaded.module->SetModulePath((directory.Path() + "\\KVETMControl.dll").c_str());
+    char before[MAX_PATH], after[MAX_PATH];
+    GetCurrentDirectoryA(sizeof before, before);
+    Open([&](User& person) {
+        user.OnNextDialog([&](User& dialog) {
+            dialog.Type(1080, "Title=New\r\n");
+            for (const char* typed : {name.c_str(), old.c_str()}) {
+                dialog.AnswerSave(typed);
+                dialog.Answer(IDNO);
+                dialog.AnswerSave(nullptr); // the dialog is back, or still there
+                dialog.Click(1082);
+            }
+            EXPECT_EQ(std::filesystem::file_size(old), 3u);
+            dialog.AnswerSave(name.c_str());
+            dialog.Answer(IDYES);
+            dialog.Click(1082);
+            EXPECT_GT(std::filesystem::file_size(old), 3u);
+        });
+        person.Click(1029);
+    });
+    GetCurrentDirectoryA(sizeof after, after);
+    EXPECT_STREQ(after, before);
 }
 
 TEST_F(OnNativeWindows, TextKeepsItsCodePage) {

@@ -210,16 +210,19 @@ void Win32User::AnswerBox(HWND box) {
 }
 
 void Win32User::AnswerSaveDialog(HWND dialog) {
-    std::string path;
-    if (m_Saves.empty()) {
-        ++m_Surprises;
-    } else {
-        path = m_Saves.front();
-        m_Saves.pop_front();
-    }
-    std::replace(path.begin(), path.end(), '/', '\\');
-    SendMessageA(NameField(dialog), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(path.c_str()));
-    Post(GetDlgItem(dialog, path.empty() ? IDCANCEL : IDOK), BM_CLICK, 0, 0);
+    do { // again if a question kept it open
+        std::string path;
+        if (m_Saves.empty()) {
+            ++m_Surprises;
+        } else {
+            path = m_Saves.front();
+            m_Saves.pop_front();
+        }
+        std::replace(path.begin(), path.end(), '/', '\\');
+        SendMessageA(NameField(dialog), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(path.c_str()));
+        Post(GetDlgItem(dialog, path.empty() ? IDCANCEL : IDOK), BM_CLICK, 0, 0);
+        Settle();
+    } while (IsWindow(dialog) && !m_Saves.empty());
 }
 
 // --- What the person does --------------------------------------------------------------------

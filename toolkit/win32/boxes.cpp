@@ -56,6 +56,49 @@ private:
     std::wstring m_Path;
 };
 
+OPENFILENAMEA Request(HWND owner, const SaveFileRecord& record, char* file) {
+    static_assert(sizeof(void*) != 4 || sizeof(OPENFILENAMEA) == 88);
+    const bool isShort = record.structSize == kShortRecord;
+    OPENFILENAMEA request{};
+    request.lStructSize = isShort ? OPENFILENAME_SIZE_VERSION_400A : sizeof request;
+    request.hwndOwner = owner;
+    request.lpstrFilter = record.filter;
+    request.nFilterIndex = record.filterIndex;
+    request.lpstrFile = file;
+    request.nMaxFile = record.maxFile;
+    request.lpstrFileTitle = record.fileTitle;
+    request.nMaxFileTitle = record.maxFileTitle;
+    request.lpstrInitialDir = record.initialDirectory;
+    request.lpstrTitle = record.title;
+    request.lpstrDefExt = record.defaultExtension;
+    request.Flags = record.flags;
+    if (!isShort) request.FlagsEx = record.flagsEx;
+    return request;
+}
+
+/// What the caller is about to add to a name without an extension: that of its only
+/// filter. Empty if the filter is another kind.
+std::string ExtensionToCome(const SaveFileRecord& record) {
+    if (record.filter == nullptr || record.defaultExtension != nullptr) return "";
+    const std::string pattern = record.filter + std::strlen(record.filter) + 1;
+    const bool only = record.filter[std::strlen(record.filter) + pattern.size() + 2] == '\0';
+    return only && pattern.starts_with("*.") ? pattern.substr(1) : "";
+}
+
+/// The system asks about the name as it was typed. Asks about the file that will be
+/// written, if that is another one.
+bool MayReplace(HWND owner, const SaveFileRecord& record, const std::string& name) {
+    const size_t start = name.find_last_of("\\/") + 1;
+    if ((record.flags & OFN_OVERWRITEPROMPT) == 0 || name.find('.', start) != std::string::npos)
+        return true;
+    const std::string path = name + ExtensionToCome(record);
+    if (path == name || GetFileAttributesA(path.c_str()) == INVALID_FILE_ATTRIBUTES) return true;
+    const std::string question =
+        path.substr(start) + " already exists.\nDo you want to replace it?";
+    return ShowMessageBox(owner, question.c_str(), "Confirm Save As",
+                          MB_YESNO | MB_ICONEXCLAMATION) == IDYES;
+}
+
 } // namespace
 
 int ShowMessageBox(HWND owner, const char* text, const char* title, unsigned flags) {
@@ -74,24 +117,10 @@ bool ShowSaveDialog(HWND owner, SaveFileRecord& record) {
     // A dialog that fails may leave its buffer changed.
     std::vector<char> file(record.maxFile, '\0');
     std::strncpy(file.data(), record.file, file.size() - 1);
-
-    static_assert(sizeof(void*) != 4 || sizeof(OPENFILENAMEA) == 88);
-    OPENFILENAMEA request{};
-    const bool isShort = record.structSize == kShortRecord;
-    request.lStructSize = isShort ? OPENFILENAME_SIZE_VERSION_400A : sizeof request;
-    request.hwndOwner = owner;
-    request.lpstrFilter = record.filter;
-    request.nFilterIndex = record.filterIndex;
-    request.lpstrFile = file.data();
-    request.nMaxFile = record.maxFile;
-    request.lpstrFileTitle = record.fileTitle;
-    request.nMaxFileTitle = record.maxFileTitle;
-    request.lpstrInitialDir = record.initialDirectory;
-    request.lpstrTitle = record.title;
-    request.lpstrDefExt = record.defaultExtension;
-    request.Flags = record.flags;
-    if (!isShort) request.FlagsEx = record.flagsEx;
-    if (!GetSaveFileNameA(&request)) return false;
+    OPENFILENAMEA request = Request(owner, record, file.data());
+    do {
+        if (!GetSaveFileNameA(&request)) return false;
+    } while (!MayReplace(owner, record, file.data()));
     std::memcpy(record.file, file.data(), file.size());
     record.filterIndex = request.nFilterIndex;
     return true;
