@@ -23,10 +23,18 @@ protected:
     Outcome Run(const std::string& arguments) const {
         const std::string files =
             " >\"" + directory.PathOf("output") + "\" 2>\"" + directory.PathOf("errors") + "\"";
-        const int result = std::system(("\"" ETMHOST_PATH "\" " + arguments + files).c_str());
+        std::string command = "\"" ETMHOST_PATH "\" " + arguments + files;
+        if (onWindows) command = "\"" + command + "\""; // the shell takes the outer pair off
+        const int result = std::system(command.c_str());
         // POSIX has the exit status in the second byte, Windows has it as it is.
-        return {result > 255 ? result >> 8 : result, directory.Read("output"),
-                directory.Read("errors")};
+        return {result > 255 ? result >> 8 : result, Said("output"), Said("errors")};
+    }
+
+    /// What the program printed, with line ends as everywhere.
+    std::string Said(const char* file) const {
+        std::string text = directory.Read(file);
+        if (onWindows) std::erase(text, '\r');
+        return text;
     }
 
     const TemporaryDirectory directory;
