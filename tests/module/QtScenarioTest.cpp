@@ -30,7 +30,8 @@ TEST_P(OnQt, Tells) {
     });
     user.Watch();
     EXPECT_TRUE(loaded.control->Open()) << loaded.LastError();
-    EXPECT_EQ(loaded.host.TakeChanges(), ExpectedChanges(GetParam(), directory.Path()));
+    EXPECT_EQ(TakeJournal(GetParam(), loaded.host, directory.Path()),
+              ExpectedChanges(GetParam(), directory.Path()));
     EXPECT_EQ(user.Boxes(), GetParam().boxes);
     EXPECT_EQ(user.Surprises(), 0);
 }

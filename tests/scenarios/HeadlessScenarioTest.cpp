@@ -48,7 +48,8 @@ TEST_P(OnHeadless, Tells) {
         host.TakeCalls();
         GetParam().script(user, directory.Path());
     }));
-    EXPECT_EQ(host.TakeChanges(), ExpectedChanges(GetParam(), directory.Path()));
+    EXPECT_EQ(TakeJournal(GetParam(), host, directory.Path()),
+              ExpectedChanges(GetParam(), directory.Path()));
     EXPECT_EQ(user.Boxes(), GetParam().boxes);
     EXPECT_EQ(display.UnansweredBoxes(), 0);
 }

@@ -3,6 +3,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <fstream>
+
 #include "toolkit/constants.h"
 
 namespace {
@@ -237,4 +240,17 @@ std::vector<std::string> ExpectedChanges(const Scenario& scenario, const std::st
         if (place != std::string::npos) change.replace(place, 5, prefix);
     }
     return changes;
+}
+
+std::vector<std::string> TakeJournal(const Scenario& scenario, RecordingHost& host,
+                                     const std::string& directory) {
+    if (const char* folder = std::getenv("KVETM_JOURNALS")) {
+        std::ofstream journal(std::string(folder) + "/" + scenario.name + ".txt", std::ios::binary);
+        for (std::string call : host.calls) {
+            const size_t place = call.find(directory);
+            if (place != std::string::npos) call.replace(place, directory.size() + 1, "{dir}");
+            if (call != "GetTraceState") journal << call << '\n';
+        }
+    }
+    return host.TakeChanges();
 }

@@ -30,3 +30,9 @@ const std::vector<Scenario>& AllScenarios();
 
 /// `scenario.changes` with the directory in place.
 std::vector<std::string> ExpectedChanges(const Scenario& scenario, const std::string& directory);
+
+/// The changes among the host's calls, from those of the script on. If the environment
+/// names a folder in KVETM_JOURNALS, writes all calls there first, so that displays can
+/// be compared; the polls of a timer and the directory's path are left out.
+std::vector<std::string> TakeJournal(const Scenario& scenario, RecordingHost& host,
+                                     const std::string& directory);

@@ -25,7 +25,8 @@ TEST_P(OnWin32, Tells) {
     user.Sit();
     EXPECT_TRUE(loaded.control->Open()) << loaded.LastError();
     user.GetUp();
-    EXPECT_EQ(loaded.host.TakeChanges(), ExpectedChanges(GetParam(), directory.Path()));
+    EXPECT_EQ(TakeJournal(GetParam(), loaded.host, directory.Path()),
+              ExpectedChanges(GetParam(), directory.Path()));
     EXPECT_EQ(user.Boxes(), GetParam().boxes);
     EXPECT_EQ(user.Surprises(), 0);
 }
