@@ -57,10 +57,10 @@ bool SameDirectory(const std::string& left, const std::string& right) {
     if (CompareNoCase(left.c_str(), right.c_str()) != 0) return false;
     if (left == right) return true;
     try {
-        std::error_code ignored;
-        return std::filesystem::equivalent(left, right, ignored);
+        std::error_code unknown;
+        return std::filesystem::equivalent(left, right, unknown) || unknown;
     } catch (const std::exception&) {
-        return true; // a name that can't be asked about: the texts decide
+        return true; // names that can't be asked about: the texts decide
     }
 }
 
