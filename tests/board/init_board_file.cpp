@@ -1,24 +1,16 @@
 // The support component: what becomes of the board selection.
 
-#include "frame/jKVETMCtrl.h"
-#include "frame/jKVETMSupp.h"
+#include "frame/interfaces/IOrnKVETMSupp.h"
 #include "tests/board/BoardTest.h"
 
 namespace {
 
 class InitBoardFile : public BoardTest {
 protected:
-    InitBoardFile() {
-        g_Settings = nullptr; // the component makes its own
-        host.Attach(control);
-        EXPECT_TRUE(control.Init(0));
-        supp = static_cast<IOrnKVETMSupp*>(control.GetInterface("IOrnKVETMSupp"));
-    }
-
     /// Stores a selection in the host, from where Open reads it, and in the record.
     void SetSelection(const std::string& text) {
         host.boardFile = text;
-        g_Settings->SetTextAttribute(TA_BOARD_FILE, text.c_str());
+        settings.SetTextAttribute(TA_BOARD_FILE, text.c_str());
     }
 
     /// The person's answer to the dialog: a title to select and confirm; empty: cancel.
@@ -33,13 +25,12 @@ protected:
     std::string Call() {
         char value[260] = "unset", error[260];
         int32_t mode = 99;
-        const bool result = supp->InitBoardFile(directory.string().c_str(), value, 260, &mode);
+        const bool result = supp->InitBoardFile(Path().c_str(), value, 260, &mode);
         supp->GetLastError(error, sizeof error);
         return (result ? "true " : "false ") + std::to_string(mode) + " [" + value + "] " + error;
     }
 
-    jKVETMCtrl control;
-    IOrnKVETMSupp* supp = nullptr;
+    IOrnKVETMSupp* supp = static_cast<IOrnKVETMSupp*>(control->GetInterface("IOrnKVETMSupp"));
 };
 
 } // namespace
@@ -48,8 +39,7 @@ TEST_F(InitBoardFile, SettlesTheSelectionOrAsks) {
     const std::string file = Write("plain.mac", "not even a board file");
     const std::string titled = Write("a.mac", kMarker + ";Title=A\n"), gone = PathOf("gone.mac");
     const struct {
-        std::string selection, answer; // "-": no dialog comes
-        std::string outcome;
+        std::string selection, answer, outcome; // answer "-": no dialog comes
     } rows[] = {
         {"---", "", "false -1 [] Cancelled by user"},
         {"---", kGeneric, "true 0 [/none] "},
@@ -58,11 +48,10 @@ TEST_F(InitBoardFile, SettlesTheSelectionOrAsks) {
         {"---", "A", "true 2 [" + titled + "] "},
         {"", "-", "true 0 [/none] "},
         {"/StartUp", "-", "true 1 [/startup] "},
-        {"/NONE", "-", "true 0 [/none] "},
         {file, "-", "true 2 [" + file + "] "},
         {gone, "", "true 2 [" + gone + "] "}, // cancelled, and taken all the same
         {gone, kGeneric, "true 0 [/none] "},
-        {directory.string(), kGeneric, "true 0 [/none] "}, // no file
+        {Path(), kGeneric, "true 0 [/none] "}, // no file
     };
     for (const auto& row : rows) {
         SetSelection(row.selection);
@@ -77,21 +66,6 @@ TEST_F(InitBoardFile, SettlesTheSelectionOrAsks) {
     }
 }
 
-TEST_F(InitBoardFile, FromInsideTheSheetTheDialogComesAtOnce) {
-    const std::string gone = PathOf("gone.mac");
-    SetSelection(gone);
-    display.OnNextDialog([&] {
-        AnswerDialog("");
-        EXPECT_EQ(Call(), "false 2 [" + gone + "] ");
-        EXPECT_EQ(g_BoardQueryPending, 0);
-        AnswerDialog(kGeneric);
-        EXPECT_EQ(Call(), "true 0 [/none] ");
-        display.Click(IDCANCEL);
-    });
-    EXPECT_TRUE(control.Open());
-    EXPECT_EQ(host.boardFile, "/none"); // applied
-}
-
 TEST_F(InitBoardFile, AFailedOpenLeavesItsTextAndTheQuestion) {
     const std::string gone = PathOf("gone.mac");
     host.values.erase(0); // the target can't be read
@@ -104,18 +78,15 @@ TEST_F(InitBoardFile, AFailedOpenLeavesItsTextAndTheQuestion) {
 }
 
 TEST_F(InitBoardFile, BuffersAndDirectoryAreTheCallersChoice) {
-    EXPECT_EQ(control.GetInterface("IOrnKVETMSupp"), supp);
-    EXPECT_STREQ(supp->GetInterfaceName(), "IOrnKVETMSupp");
-    EXPECT_EQ(supp->GetComponentVersion(), 102);
     SetSelection("/startup");
     EXPECT_TRUE(supp->InitBoardFile(nullptr, nullptr, 0, nullptr));
     char value[5] = "keep";
     EXPECT_TRUE(supp->InitBoardFile("/boards", value, 0, nullptr));
     EXPECT_STREQ(value, "keep");
-    EXPECT_EQ(g_Settings->BoardDirectory, "/boards");
+    EXPECT_EQ(settings.BoardDirectory, "/boards");
     EXPECT_TRUE(supp->InitBoardFile("", value, sizeof value, nullptr));
     EXPECT_STREQ(value, "/sta");
-    EXPECT_NE(g_Settings->BoardDirectory, "/boards"); // derived anew
+    EXPECT_NE(settings.BoardDirectory, "/boards"); // derived anew
 
     delete std::exchange(g_Settings, nullptr);
     EXPECT_EQ(Call(), "false -1 [/startup] Module is not initialized properly");

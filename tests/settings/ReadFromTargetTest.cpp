@@ -144,7 +144,8 @@ TEST_F(Reading, PicksCapabilitiesOutOfTheReport) {
         {"Number of counters: 99999999999999999999999", "Counters=2147483647"},
         {"Sequencer present\nNormal format supported: Yes",
          "SequencerPresent=1 NormalFormatSupported=1"},
-        {"Sequencer present:\v\f\r yes", "SequencerPresent=1"},
+        {"Sequencer present:\v\f\r yes\nNumber of counters:\n\n +12th",
+         "Counters=12 SequencerPresent=1"},
     };
     std::istringstream noEffect(
         "#ETM architecture version: 3#ETM architecture version: 3 . 1#etm protocol version: 7#"

@@ -46,6 +46,7 @@ TEST(Settings, HoldTexts) {
 
     // The module, what is set if anything, and the directory then
     const std::tuple<const char*, const char*, const char*> rows[] = {
+        {"", nullptr, ""},
         {"C:\\tools\\debugger\\module.dll", nullptr, "C:\\tools\\debugger"},
         {"/other/module.so", nullptr, "C:\\tools\\debugger"}, // derived once
         {"/other/module.so", "", "/other"},
