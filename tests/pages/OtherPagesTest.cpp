@@ -8,30 +8,22 @@ using ::testing::ElementsAre;
 
 namespace {
 
-class OtherPages : public PagesTest {
-protected:
-    /// Runs a sheet of `page` alone.
-    void Show(CPropertyPage& page, HeadlessDisplay::Script script) {
-        CPropertySheet sheet("alone", nullptr, 0);
-        sheet.AddPage(&page);
-        display.OnNextDialog(std::move(script));
-        sheet.DoModal();
-    }
-};
+class OtherPages : public PagesTest {};
 
 TEST_F(OtherPages, TheDwtPageOffersTheComparatorsOfItsMode) {
     jDWTPage page;
-    Show(page, [&] {
+    CPropertySheet sheet("alone", nullptr, 0);
+    sheet.AddPage(&page);
+    display.OnNextDialog([&] {
         EXPECT_TRUE(display.Checked(1012));
         EXPECT_EQ(display.Selection(1018), 0);
         EXPECT_EQ(display.Selection(1019), 1);
         EXPECT_EQ(display.Entries(1019).back(), "Comparator3");
         EXPECT_FALSE(display.Enabled(1018) || display.Enabled(1019));
-        for (const auto& [radio, begin, end] :
-             std::vector<std::tuple<int, bool, bool>>{{1015, true, true},
-                                                      {1016, false, true},
-                                                      {1014, false, false},
-                                                      {1013, true, false}}) {
+        for (const auto& [radio, begin, end] : {std::tuple{1015, true, true},
+                                                {1016, false, true},
+                                                {1014, false, false},
+                                                {1013, true, false}}) {
             display.Click(radio);
             EXPECT_EQ(display.Enabled(1018), begin) << radio;
             EXPECT_EQ(display.Enabled(1019), end) << radio;
@@ -44,6 +36,7 @@ TEST_F(OtherPages, TheDwtPageOffersTheComparatorsOfItsMode) {
         display.Click(IDOK);
         EXPECT_FALSE(IsOpen());
     });
+    sheet.DoModal();
 }
 
 TEST_F(OtherPages, AToolTipNeedsAControlAndAText) {
