@@ -44,6 +44,17 @@ void RecordingHost::Attach(IOrnKVETMCtrl& control) {
     control.AttachInterface("IOrnEmu", &emu);
 }
 
+void RecordingHost::Detach(IOrnKVETMCtrl& control) {
+    for (int32_t i = 0; i < control.GetRequiredCount(); ++i)
+        control.DetachInterface(control.GetRequiredName(i));
+}
+
+std::string RecordingHost::LastError(IOrnKVETMCtrl& control) {
+    char text[260];
+    control.GetLastError(text, sizeof text);
+    return text;
+}
+
 void RecordingHost::Record(std::string call) {
     calls.push_back(call);
     if (onCall) onCall(call);

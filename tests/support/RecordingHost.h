@@ -52,6 +52,9 @@ public:
 
     /// Attaches all six interfaces to a control component.
     void Attach(IOrnKVETMCtrl& control);
+    /// Takes back what a control component requires.
+    static void Detach(IOrnKVETMCtrl& control);
+    static std::string LastError(IOrnKVETMCtrl& control);
     /// Attaches them by way of the module-wide slots, for tests without a component.
     void AttachSlots();
 

@@ -4,19 +4,16 @@
 #include "frame/slots.h"
 #include "tests/support/RecordingHost.h"
 
+static void SetSlots(RecordingHost* host) {
+    g_API = host != nullptr ? &host->api : nullptr;
+    g_VETMTrace = host != nullptr ? &host->trace : nullptr;
+    g_TraceClient = host != nullptr ? &host->traceClient : nullptr;
+    g_XTraceClient = host != nullptr ? &host->xTraceClient : nullptr;
+    g_XTrace = host != nullptr ? &host->xTrace : nullptr;
+    g_Emu = host != nullptr ? &host->emu : nullptr;
+}
+
 void RecordingHost::AttachSlots() {
-    g_API = &api;
-    g_VETMTrace = &trace;
-    g_TraceClient = &traceClient;
-    g_XTraceClient = &xTraceClient;
-    g_XTrace = &xTrace;
-    g_Emu = &emu;
-    m_Detach = [] {
-        g_API = nullptr;
-        g_VETMTrace = nullptr;
-        g_TraceClient = nullptr;
-        g_XTraceClient = nullptr;
-        g_XTrace = nullptr;
-        g_Emu = nullptr;
-    };
+    SetSlots(this);
+    m_Detach = [] { SetSlots(nullptr); };
 }

@@ -1,14 +1,4 @@
 // Session: the module on the headless display, with the recording host attached.
-//
-//     class Stories : public Session {};
-//     TEST_F(Stories, OkSendsWhatDiffers) {
-//         host.values[0] = 0x1;
-//         OpenAnd([&] {
-//             display.Click(1002);
-//             display.Click(IDOK);
-//         });
-//         EXPECT_THAT(host.TakeChanges(), ElementsAre("SetValue(0x0,0x5)"));
-//     }
 
 #pragma once
 
@@ -32,8 +22,7 @@ protected:
     }
 
     ~Session() override {
-        for (int32_t i = 0; i < control->GetRequiredCount(); ++i)
-            control->DetachInterface(control->GetRequiredName(i));
+        host.Detach(*control);
         OrnDLL()->DestroyRowObject(0, control);
         AfxGetApp()->UseDisplay(nullptr);
         EXPECT_THAT(display.ScriptErrors(), ::testing::IsEmpty());
@@ -48,11 +37,7 @@ protected:
         return control->Open();
     }
 
-    std::string LastError() {
-        char text[260];
-        control->GetLastError(text, sizeof text);
-        return text;
-    }
+    std::string LastError() { return RecordingHost::LastError(*control); }
 
     RecordingHost host;
     HeadlessDisplay display;
