@@ -1,49 +1,31 @@
-// LoadedModule: the built library, loaded by path as a host does it.
+// LoadedModule: the built library beside the program, loaded by path as a host does it.
 
 #pragma once
 
-#include <dlfcn.h>
-
-#include <stdexcept>
-#include <string>
-
-#include "frame/interfaces/IOrnAPIBase.h"
-#include "frame/interfaces/IOrnKVETMCtrl.h"
+#include "host/module_session.h"
 #include "tests/support/RecordingHost.h"
 
 class LoadedModule {
+    etmhost::LoadedModule m_Library{etmhost::ExecutableFile().replace_filename(
+        std::string("KVETMControl") + etmhost::LibraryExtension())};
+
 public:
     /// `boardDirectory` is where the module believes to lie.
-    explicit LoadedModule(const std::string& boardDirectory = "/opt/debugger") {
-        m_Library = dlopen(MODULE_PATH, RTLD_NOW | RTLD_LOCAL);
-        if (m_Library == nullptr) throw std::runtime_error(dlerror());
-        const auto entry = reinterpret_cast<IOrnAPIBase* (*)()>(dlsym(m_Library, "OrnDLL"));
-        if (entry == nullptr) throw std::runtime_error(dlerror());
-        module = entry();
-        module->SetModulePath((boardDirectory + "/KVETMControl.so").c_str());
-        module->SetAPI(&host.api);
-        control = static_cast<IOrnKVETMCtrl*>(module->CreateRowObject(0));
+    explicit LoadedModule(const std::filesystem::path& boardDirectory = "/opt/debugger") {
+        module.SetModulePath((boardDirectory / "KVETMControl.so").string().c_str());
+        module.SetAPI(&host.api);
         host.Attach(*control);
     }
     ~LoadedModule() {
-        for (int32_t i = 0; i < control->GetRequiredCount(); ++i)
-            control->DetachInterface(control->GetRequiredName(i));
-        module->DestroyRowObject(0, control);
-        dlclose(m_Library);
+        host.Detach(*control);
+        module.DestroyRowObject(0, control);
     }
     LoadedModule(const LoadedModule&) = delete;
     LoadedModule& operator=(const LoadedModule&) = delete;
 
-    std::string LastError() {
-        char text[260];
-        control->GetLastError(text, sizeof text);
-        return text;
-    }
+    std::string LastError() { return RecordingHost::LastError(*control); }
 
     RecordingHost host;
-    IOrnAPIBase* module = nullptr;
-    IOrnKVETMCtrl* control = nullptr;
-
-private:
-    void* m_Library = nullptr;
+    IOrnAPIBase& module = m_Library.object();
+    IOrnKVETMCtrl* const control = static_cast<IOrnKVETMCtrl*>(module.CreateRowObject(0));
 };

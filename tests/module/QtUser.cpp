@@ -1,15 +1,12 @@
 #include "tests/module/QtUser.h"
 
-#include <gtest/gtest.h>
-
+#include <QAbstractButton>
 #include <QApplication>
-#include <QCheckBox>
 #include <QComboBox>
 #include <QFileDialog>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPlainTextEdit>
-#include <QPushButton>
 #include <QSlider>
 #include <QTabBar>
 #include <QTabWidget>
@@ -18,21 +15,15 @@
 
 #include "toolkit/constants.h"
 
-namespace {
-
-constexpr int kPollPeriod = 5; // milliseconds
-
-} // namespace
-
-QtUser::QtUser() = default;
-QtUser::~QtUser() {
-    delete m_Context;
+/// The widget as what it has to be; throws std::bad_cast if it is something else.
+template <class Control> static Control& Cast(QWidget* widget) {
+    return dynamic_cast<Control&>(*widget);
 }
 
 void QtUser::Watch() {
-    if (m_Context == nullptr) m_Context = new QObject;
+    if (m_Context == nullptr) m_Context = std::make_unique<QObject>();
     // A new timer each time: a script that runs inside one poll is watched by the next.
-    QTimer::singleShot(kPollPeriod, m_Context, [this] { Poll(); });
+    QTimer::singleShot(5, m_Context.get(), [this] { Poll(); });
 }
 
 QWidget* QtUser::Window() {
@@ -48,30 +39,19 @@ void QtUser::Poll() {
         AnswerBox(*box);
     } else if (auto* save = qobject_cast<QFileDialog*>(window)) {
         AnswerSaveDialog(*save);
-    } else if (!m_Scripts.empty()) {
-        Script script = std::move(m_Scripts.front());
-        m_Scripts.pop_front();
-        script(*this);
-        if (Window() == window) window->close();
     } else {
-        ++m_Surprises;
-        window->close();
+        Next<Script>(m_Scripts, [](User&) {})(*this);
+        if (Window() == window) window->close();
     }
     m_Seen.erase(window);
 }
 
 void QtUser::AnswerBox(QMessageBox& box) {
     m_Boxes.push_back("[" + box.windowTitle().toStdString() + "] " + box.text().toStdString());
-    int answer = IDCANCEL;
-    if (m_Answers.empty())
-        ++m_Surprises;
-    else {
-        answer = m_Answers.front();
-        m_Answers.pop_front();
-    }
-    QMessageBox::StandardButton wanted = QMessageBox::Ok;
-    if (answer == IDYES) wanted = QMessageBox::Yes;
-    if (answer == IDNO) wanted = QMessageBox::No;
+    const int answer = Next<int>(m_Answers, IDCANCEL);
+    const auto wanted = answer == IDYES  ? QMessageBox::Yes
+                        : answer == IDNO ? QMessageBox::No
+                                         : QMessageBox::Ok;
     if (QAbstractButton* button = box.button(wanted))
         QTest::mouseClick(button, Qt::LeftButton);
     else
@@ -79,17 +59,10 @@ void QtUser::AnswerBox(QMessageBox& box) {
 }
 
 void QtUser::AnswerSaveDialog(QFileDialog& dialog) {
-    std::string path;
-    if (m_Saves.empty())
-        ++m_Surprises;
-    else {
-        path = m_Saves.front();
-        m_Saves.pop_front();
-    }
+    const std::string path = Next<std::string>(m_Saves, "");
     if (path.empty()) return dialog.reject();
-    auto* name = dialog.findChild<QLineEdit*>("fileNameEdit");
-    ASSERT_NE(name, nullptr);
-    name->setText(QString::fromStdString(path));
+    Cast<QLineEdit>(dialog.findChild<QWidget*>("fileNameEdit"))
+        .setText(QString::fromStdString(path));
     QMetaObject::invokeMethod(&dialog, "accept");
 }
 
@@ -114,8 +87,7 @@ void QtUser::Click(int id) {
 void QtUser::Type(int id, const char* text) {
     QWidget* edit = Find(id);
     edit->setFocus();
-    if (auto* line = qobject_cast<QLineEdit*>(edit)) line->selectAll();
-    if (auto* lines = qobject_cast<QPlainTextEdit*>(edit)) lines->selectAll();
+    QTest::keySequence(edit, QKeySequence::SelectAll);
     QTest::keyClick(edit, Qt::Key_Delete);
     for (const QChar character : QString::fromUtf8(text)) {
         if (character == '\r') continue;
@@ -127,30 +99,23 @@ void QtUser::Type(int id, const char* text) {
 }
 
 void QtUser::Select(int id, int index) {
-    auto* combo = qobject_cast<QComboBox*>(Find(id));
-    ASSERT_NE(combo, nullptr);
+    QWidget* combo = Find(id);
     combo->setFocus();
     QTest::keyClick(combo, Qt::Key_Home);
     for (int i = 0; i < index; ++i) QTest::keyClick(combo, Qt::Key_Down);
 }
 
 void QtUser::Tab(int index) {
-    auto* tabs = qobject_cast<QTabWidget*>(Find(IDC_TAB_CONTROL));
-    ASSERT_NE(tabs, nullptr);
-    QTest::mouseClick(tabs->tabBar(), Qt::LeftButton, {}, tabs->tabBar()->tabRect(index).center());
+    QTabBar* bar = Cast<QTabWidget>(Find(IDC_TAB_CONTROL)).tabBar();
+    QTest::mouseClick(bar, Qt::LeftButton, {}, bar->tabRect(index).center());
 }
 
 void QtUser::Drag(int id, int position) {
-    auto* slider = qobject_cast<QSlider*>(Find(id));
-    ASSERT_NE(slider, nullptr);
-    slider->setSliderDown(true);
-    slider->setSliderPosition(position);
+    auto& slider = Cast<QSlider>(Find(id));
+    slider.setSliderDown(true);
+    slider.setSliderPosition(position);
     Wait(30); // the edit follows the repaint
-    slider->setSliderDown(false);
-}
-
-void QtUser::CloseFrame() {
-    Window()->close();
+    slider.setSliderDown(false);
 }
 
 void QtUser::Wait(unsigned milliseconds) {
@@ -159,29 +124,19 @@ void QtUser::Wait(unsigned milliseconds) {
 
 std::string QtUser::Text(int id) {
     QWidget* widget = Find(id);
-    if (auto* line = qobject_cast<QLineEdit*>(widget)) return line->text().toStdString();
     if (auto* lines = qobject_cast<QPlainTextEdit*>(widget))
         return lines->toPlainText().replace("\n", "\r\n").toStdString();
     return widget->property("text").toString().toStdString();
 }
 
-bool QtUser::Enabled(int id) {
-    return Find(id)->isEnabled();
-}
-bool QtUser::Visible(int id) {
-    return Find(id)->isVisible();
-}
-
 bool QtUser::Checked(int id) {
-    auto* button = qobject_cast<QAbstractButton*>(Find(id));
-    return button != nullptr && button->isChecked();
+    return Cast<QAbstractButton>(Find(id)).isChecked();
 }
 
 int QtUser::Selection(int id) {
-    auto* combo = qobject_cast<QComboBox*>(Find(id));
-    return combo != nullptr ? combo->currentIndex() : -2;
+    return Cast<QComboBox>(Find(id)).currentIndex();
 }
 
 int QtUser::TabInFront() {
-    return qobject_cast<QTabWidget*>(Find(IDC_TAB_CONTROL))->currentIndex();
+    return Cast<QTabWidget>(Find(IDC_TAB_CONTROL)).currentIndex();
 }
