@@ -4,9 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <atomic>
-#include <chrono>
-#include <cstdio>
 #include <stdexcept>
 
 namespace {
@@ -51,47 +48,15 @@ HWND NameField(HWND window) {
     return nullptr;
 }
 
-bool IsBox(HWND window) {
-    return GetDlgItem(window, kTabControl) == nullptr &&
-           GetDlgItem(window, kBoardList) == nullptr && NameField(window) == nullptr;
-}
-
-/// What stands in a window, to tell it from others.
-std::string Describe(HWND window) {
-    std::string text = WindowText(window);
-    for (HWND part = GetWindow(window, GW_CHILD); part != nullptr;
-         part = GetWindow(part, GW_HWNDNEXT))
-        text.append(" | ")
-            .append(std::to_string(GetDlgCtrlID(part)))
-            .append(" ")
-            .append(WindowText(part));
-    return text;
-}
-
 void Post(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     if (!PostMessageA(window, message, wParam, lParam)) throw std::runtime_error("cannot post");
 }
 
-// The last marker that the thread of the windows has come to.
-std::atomic<WPARAM> g_Reached = 0;
-
-LRESULT CALLBACK MarkerProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    if (message == WM_APP) g_Reached = wParam;
-    return DefWindowProcA(window, message, wParam, lParam);
-}
-
-HWND MakeMarker() {
-    WNDCLASSA type{};
-    type.lpfnWndProc = MarkerProcedure;
-    type.lpszClassName = "Win32UserMarker";
-    RegisterClassA(&type);
-    return CreateWindowA(type.lpszClassName, "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr,
-                         nullptr);
-}
-
 } // namespace
 
-Win32User::Win32User() : m_WindowThread(GetCurrentThreadId()), m_Marker(MakeMarker()) {}
+Win32User::Win32User()
+    : m_WindowThread(GetCurrentThreadId()),
+      m_Marker(CreateWindowA("EDIT", "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr)) {}
 
 Win32User::~Win32User() {
     GetUp();
@@ -100,18 +65,11 @@ Win32User::~Win32User() {
 
 void Win32User::Sit() {
     m_Person = std::thread([this] {
-        try {
-            for (DWORD waited = 0; Front() == nullptr; waited += 5) {
-                if (waited > kPatience) throw std::runtime_error("no dialog came up");
-                Sleep(5);
-            }
-            Attend(Front());
-        } catch (const std::exception& error) {
-            // Nobody is left to close the windows.
-            std::printf("FAILED: %s\n", error.what());
-            std::fflush(stdout);
-            TerminateProcess(GetCurrentProcess(), 3);
+        for (DWORD waited = 0; Front() == nullptr; waited += 5) {
+            if (waited > kPatience) throw std::runtime_error("no dialog came up");
+            Sleep(5);
         }
+        Attend(Front());
     });
 }
 
@@ -129,59 +87,46 @@ HWND Win32User::Front() {
 
 /// Returns false once the window has gone.
 bool Win32User::LetWork(HWND window) {
-    static WPARAM count = 0;
-    const WPARAM marker = ++count;
-    Post(m_Marker, WM_APP, marker, 0);
+    const WPARAM mark = ++m_Marks;
+    Post(m_Marker, EM_SETLIMITTEXT, mark, 0);
     const ULONGLONG limit = GetTickCount64() + kPatience;
-    while (g_Reached < marker) {
+    for (DWORD_PTR reached = 0; reached != mark; Sleep(1)) {
         if (!IsWindow(window)) return false; // and with it perhaps the last loop
         if (GetTickCount64() > limit) throw std::runtime_error("the windows do not answer");
-        Sleep(1);
+        SendMessageTimeoutA(m_Marker, EM_GETLIMITTEXT, 0, 0, SMTO_NORMAL, 100, &reached);
     }
     return IsWindow(window) != 0;
 }
 
 void Win32User::Settle() {
     const HWND window = m_Attended.back();
-    while (LetWork(window)) {
-        if (Front() == window) return;
-        AttendToNew();
+    while (LetWork(window) && Front() != window) {
+        const HWND front = Front();
+        if (front != nullptr && std::ranges::count(m_Attended, front) == 0) Attend(front);
     }
-}
-
-void Win32User::AttendToNew() {
-    const HWND front = Front();
-    const bool isNew = std::find(m_Attended.begin(), m_Attended.end(), front) == m_Attended.end();
-    if (front != nullptr && isNew) Attend(front);
 }
 
 void Win32User::Attend(HWND window) {
     m_Attended.push_back(window);
     if (NameField(window) != nullptr)
         AnswerSaveDialog(window);
-    else if (IsBox(window))
-        AnswerBox(window);
-    else
+    else if (GetDlgItem(window, kTabControl) != nullptr ||
+             GetDlgItem(window, kBoardList) != nullptr)
         RunScript(window);
+    else
+        AnswerBox(window);
     const ULONGLONG limit = GetTickCount64() + kPatience;
     while (LetWork(window)) { // something may still come up, such as a question
-        AttendToNew();
-        if (GetTickCount64() > limit) throw std::runtime_error("stays open: " + Describe(window));
+        Settle();
+        if (GetTickCount64() > limit) throw std::runtime_error("stays open: " + WindowText(window));
     }
     m_Attended.pop_back();
 }
 
 void Win32User::RunScript(HWND window) {
-    Script script;
-    if (m_Scripts.empty()) {
-        ++m_Surprises;
-    } else {
-        script = std::move(m_Scripts.front());
-        m_Scripts.pop_front();
-    }
     try {
         LetWork(window); // it may not have its focus yet
-        if (script) script(*this);
+        Next<Script>(m_Scripts, [](User&) {})(*this);
     } catch (const std::exception& error) {
         ADD_FAILURE() << error.what();
     }
@@ -189,19 +134,12 @@ void Win32User::RunScript(HWND window) {
 }
 
 void Win32User::AnswerBox(HWND box) {
-    std::string text;
+    std::string text = "[" + WindowText(box) + "] ";
     for (HWND part = FindWindowExA(box, nullptr, "Static", nullptr); part != nullptr;
          part = FindWindowExA(box, part, "Static", nullptr))
         text += WindowText(part);
-    std::string line = "[";
-    m_Boxes.push_back(line.append(WindowText(box)).append("] ").append(text));
-    int answer = IDCANCEL;
-    if (m_Answers.empty()) {
-        ++m_Surprises;
-    } else {
-        answer = m_Answers.front();
-        m_Answers.pop_front();
-    }
+    m_Boxes.push_back(text);
+    const int answer = Next<int>(m_Answers, IDCANCEL);
     const HWND button = GetDlgItem(box, answer);
     if (answer == kEscape || button == nullptr)
         Post(box, WM_KEYDOWN, VK_ESCAPE, 0);
@@ -211,14 +149,8 @@ void Win32User::AnswerBox(HWND box) {
 
 void Win32User::AnswerSaveDialog(HWND dialog) {
     do { // again if a question kept it open
-        std::string path;
-        if (m_Saves.empty()) {
-            ++m_Surprises;
-        } else {
-            path = m_Saves.front();
-            m_Saves.pop_front();
-        }
-        std::replace(path.begin(), path.end(), '/', '\\');
+        std::string path = Next<std::string>(m_Saves, "");
+        std::ranges::replace(path, '/', '\\');
         SendMessageA(NameField(dialog), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(path.c_str()));
         Post(GetDlgItem(dialog, path.empty() ? IDCANCEL : IDOK), BM_CLICK, 0, 0);
         Settle();
@@ -286,11 +218,8 @@ void Win32User::Press(WPARAM key) {
 }
 
 void Win32User::Wait(unsigned milliseconds) {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(milliseconds);
-    while (std::chrono::steady_clock::now() < end) {
-        Sleep(10);
-        Settle();
-    }
+    Sleep(milliseconds);
+    Settle();
 }
 
 // --- What the person sees -----------------------------------------------------------------------
@@ -305,18 +234,7 @@ HWND Win32User::Focus() const {
 std::string Win32User::Text(int id) {
     return WindowText(Find(id));
 }
-bool Win32User::Enabled(int id) {
-    return IsWindowEnabled(Find(id)) != 0;
-}
-bool Win32User::Visible(int id) {
-    return IsWindowVisible(Find(id)) != 0;
-}
-bool Win32User::Checked(int id) {
-    return SendMessageA(Find(id), BM_GETCHECK, 0, 0) == BST_CHECKED;
-}
-int Win32User::Selection(int id) {
-    return static_cast<int>(SendMessageA(Find(id), CB_GETCURSEL, 0, 0));
-}
+
 int Win32User::TabInFront() {
-    return static_cast<int>(SendMessageA(Find(kTabControl), TCM_GETCURSEL, 0, 0));
+    return Ask(kTabControl, TCM_GETCURSEL);
 }

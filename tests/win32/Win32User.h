@@ -8,17 +8,14 @@
 
 #include <windows.h>
 
-#include <deque>
-#include <string>
 #include <thread>
-#include <vector>
 
-#include "tests/scenarios/User.h"
+#include "tests/support/PreparedUser.h"
 
 // Of <windows.h>; the stories use the toolkit's constants of these names.
 #undef MessageBox
 
-class Win32User final : public User {
+class Win32User final : public PreparedUser {
 public:
     /// For Answer: by the key, not by a button.
     static constexpr int kEscape = -1;
@@ -32,9 +29,6 @@ public:
     /// Waits until the person has got up. What scripts threw has become a failure.
     void GetUp();
 
-    void OnNextDialog(Script script) override { m_Scripts.push_back(std::move(script)); }
-    void Answer(int result) override { m_Answers.push_back(result); }
-    void AnswerSave(const char* path) override { m_Saves.push_back(path != nullptr ? path : ""); }
     void Click(int id) override;
     void Type(int id, const char* text) override;
     void Select(int id, int index) override;
@@ -46,12 +40,11 @@ public:
     void Press(WPARAM key);
 
     std::string Text(int id) override;
-    bool Enabled(int id) override;
-    bool Visible(int id) override;
-    bool Checked(int id) override;
-    int Selection(int id) override;
+    bool Enabled(int id) override { return IsWindowEnabled(Find(id)) != 0; }
+    bool Visible(int id) override { return IsWindowVisible(Find(id)) != 0; }
+    bool Checked(int id) override { return Ask(id, BM_GETCHECK) == BST_CHECKED; }
+    int Selection(int id) override { return Ask(id, CB_GETCURSEL); }
     int TabInFront() override;
-    std::vector<std::string> Boxes() override { return m_Boxes; }
 
     /// The dialog that the script of the moment is about.
     HWND Window() const { return m_Attended.back(); }
@@ -63,24 +56,20 @@ public:
     HWND Focus() const;
     /// Lets the other thread deal with all that was posted, and attends to new windows.
     void Settle();
-    /// Windows that came up although nothing was prepared for them.
-    int Surprises() const { return m_Surprises; }
 
 private:
+    int Ask(int id, UINT question) {
+        return static_cast<int>(SendMessageA(Find(id), question, 0, 0));
+    }
     void Attend(HWND window);
-    void AttendToNew();
     void RunScript(HWND window);
     void AnswerBox(HWND box);
     void AnswerSaveDialog(HWND dialog);
     bool LetWork(HWND window);
 
-    std::deque<Script> m_Scripts;
-    std::deque<int> m_Answers;
-    std::deque<std::string> m_Saves;
-    std::vector<std::string> m_Boxes;
     std::vector<HWND> m_Attended; // the last one is in front
-    int m_Surprises = 0;
     const DWORD m_WindowThread;
-    HWND m_Marker;
+    const HWND m_Marker; // an edit; its limit is the last mark reached
+    WPARAM m_Marks = 0;
     std::thread m_Person;
 };
