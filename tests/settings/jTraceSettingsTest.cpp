@@ -53,7 +53,7 @@ TEST(Settings, HoldTexts) {
         {"", "/boards", "/boards"}};
     for (const auto& [module, set, directory] : rows) {
         OrnDLL()->SetModulePath(module);
-        if (set) EXPECT_TRUE(settings.SetTextAttribute(TA_BOARD_DIRECTORY, set));
+        EXPECT_TRUE(!set || settings.SetTextAttribute(TA_BOARD_DIRECTORY, set));
         EXPECT_TRUE(settings.GetTextAttribute(TA_BOARD_DIRECTORY, text, sizeof text));
         EXPECT_STREQ(text, directory);
     }
