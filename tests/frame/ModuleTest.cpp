@@ -1,8 +1,5 @@
 // The export, the factory, the control component, and Open without its pages' work.
 
-#include <algorithm>
-#include <cstring>
-
 #include "frame/FactoryTable.h"
 #include "frame/OrnAPIBase.h"
 #include "frame/interfaces/IOrnKVETMSupp.h"
@@ -21,18 +18,16 @@ TEST(FactoryTable, GrowsByTenAndKeepsItsRows) {
         table.AddFactoryRow({names.c_str() + i, "component", nullptr, nullptr});
     EXPECT_EQ(table.Count, 11);
     EXPECT_EQ(table.Capacity, 20);
-    for (int32_t i = 0; i < 11; ++i)
-        EXPECT_EQ(table.Find(i)->InterfaceName, names.c_str() + i) << i;
+    EXPECT_EQ(table.Find(0)->InterfaceName, names.c_str());
+    EXPECT_EQ(table.Find(10)->InterfaceName, names.c_str() + 10);
     EXPECT_EQ(table.Find(11), nullptr);
     EXPECT_EQ(table.Find(-1), nullptr);
 }
 
 TEST(ModuleObject, ListsItsOneRow) {
     IOrnAPIBase* module = OrnDLL();
-    EXPECT_EQ(module, OrnDLL());
     EXPECT_EQ(module->GetRowCount(), 1);
     EXPECT_STREQ(module->GetRowInterfaceName(0), "IOrnKVETMCtrl");
-    EXPECT_STREQ(module->GetRowComponentName(0), "KVETMControl");
     for (const int32_t outside : {1, -1, INT32_MAX, INT32_MIN}) {
         EXPECT_STREQ(module->GetRowInterfaceName(outside), "");
         EXPECT_STREQ(module->GetRowComponentName(outside), "");
@@ -45,78 +40,71 @@ TEST(ModuleObject, ListsItsOneRow) {
 TEST(ModuleObject, TakesPathAndHost) {
     OrnAPIBase module;
     EXPECT_EQ(module.GetModulePath(), nullptr);
-    module.SetModulePath("/a/b.so");
-    EXPECT_STREQ(module.GetModulePath(), "/a/b.so");
-    module.SetModulePath("");
-    EXPECT_EQ(module.GetModulePath(), nullptr);
-    module.SetModulePath(nullptr);
-    EXPECT_EQ(module.GetModulePath(), nullptr);
-
-    HostObject<IOrnAPI> host("iornapi");
+    for (const char* none : {static_cast<const char*>(nullptr), ""}) {
+        module.SetModulePath("/a/b.so");
+        EXPECT_STREQ(module.GetModulePath(), "/a/b.so");
+        module.SetModulePath(none);
+        EXPECT_EQ(module.GetModulePath(), nullptr);
+    }
+    HostObject<IOrnAPI> host("iornapi"), nameless(nullptr);
     HostObject<IOrnEmu> other("IOrnEmu");
-    HostObject<IOrnAPI> nameless(nullptr);
-    module.SetAPI(&host);
-    module.SetAPI(&other);
-    module.SetAPI(&nameless);
+    for (IOrnInterface* object : std::initializer_list<IOrnInterface*>{&host, &other, &nameless})
+        module.SetAPI(object);
     EXPECT_EQ(g_HostAPI, &host);
     EXPECT_EQ(g_API, nullptr);
     module.SetAPI(nullptr);
     EXPECT_EQ(g_HostAPI, nullptr);
 }
 
-class Component : public Session {};
+class Component : public Session {
+protected:
+    /// The error of an operation that has failed; "" for one that has not.
+    std::string Error(bool success) { return success ? "" : LastError(); }
+};
 
 TEST_F(Component, SaysWhoItIs) {
-    struct Identity {
-        IOrnInterface* object;
-        const char* interfaceName;
-        int32_t interfaceVersion;
-        const char* componentName;
-        int32_t componentVersion;
-    };
     IOrnInterface* support = control->GetInterface("IOrnKVETMSupp");
     ASSERT_NE(support, nullptr);
     EXPECT_EQ(support, control->GetInterface("IOrnKVETMSupp"));
-    for (const Identity& row : {Identity{OrnDLL(), "IOrnAPIBase", 120, "OrnAPIBase", 120},
-                                Identity{control, "IOrnKVETMCtrl", 100, "KVETMControl", 107},
-                                Identity{support, "IOrnKVETMSupp", 100, "KVETMSupp", 102}}) {
-        SCOPED_TRACE(row.interfaceName);
-        EXPECT_STREQ(row.object->GetInterfaceName(), row.interfaceName);
-        EXPECT_EQ(row.object->GetInterfaceVersion(), row.interfaceVersion);
-        EXPECT_STREQ(row.object->GetComponentName(), row.componentName);
-        EXPECT_EQ(row.object->GetComponentVersion(), row.componentVersion);
-        EXPECT_EQ(row.object->GetInterface(row.interfaceName), nullptr);
-        EXPECT_EQ(row.object->GetInterface("iornkvetmsupp"), nullptr);
-        EXPECT_EQ(row.object->GetInterface(nullptr), nullptr);
-        row.object->ReleaseInterface(row.object);
+    using Row = std::tuple<IOrnInterface*, const char*, int32_t, const char*, int32_t>;
+    for (const auto& [object, name, version, component, componentVersion] :
+         {Row{OrnDLL(), "IOrnAPIBase", 120, "OrnAPIBase", 120},
+          Row{control, "IOrnKVETMCtrl", 100, "KVETMControl", 107},
+          Row{support, "IOrnKVETMSupp", 100, "KVETMSupp", 102}}) {
+        SCOPED_TRACE(name);
+        EXPECT_STREQ(object->GetInterfaceName(), name);
+        EXPECT_EQ(object->GetInterfaceVersion(), version);
+        EXPECT_STREQ(object->GetComponentName(), component);
+        EXPECT_EQ(object->GetComponentVersion(), componentVersion);
+        for (const char* other : {name, "iornkvetmsupp", static_cast<const char*>(nullptr)})
+            EXPECT_EQ(object->GetInterface(other), nullptr);
+        object->ReleaseInterface(object);
     }
 }
 
-/// The operations of a host that was built from the headers by another compiler are
-/// slots of a table: calls them as such, by the numbers that the headers give.
-TEST_F(Component, KeepsItsSlots) {
-    auto slot = [](void* object, int index) { return (*static_cast<void***>(object))[index]; };
-    using Text = const char* (*)(void*);
-    using Number = int32_t (*)(void*);
-    using TextOf = const char* (*)(void*, int32_t);
-    EXPECT_STREQ(reinterpret_cast<Text>(slot(OrnDLL(), 0))(OrnDLL()), "IOrnAPIBase");
-    EXPECT_EQ(reinterpret_cast<Number>(slot(OrnDLL(), 6))(OrnDLL()), 1);
-    EXPECT_STREQ(reinterpret_cast<TextOf>(slot(OrnDLL(), 7))(OrnDLL(), 0), "KVETMControl");
-    EXPECT_STREQ(reinterpret_cast<Text>(slot(OrnDLL(), 12))(OrnDLL()), OrnDLL()->GetModulePath());
+/// Calls an operation by its number in the object's table, as a host does that was
+/// built from the headers by another compiler.
+template <class Result, class... Arguments>
+Result Call(void* object, int slot, Arguments... arguments) {
+    void* operation = (*static_cast<void***>(object))[slot];
+    return reinterpret_cast<Result (*)(void*, Arguments...)>(operation)(object, arguments...);
+}
 
-    EXPECT_EQ(reinterpret_cast<Number>(slot(control, 6))(control), 0);
-    EXPECT_EQ(reinterpret_cast<Number>(slot(control, 12))(control), 1);
-    EXPECT_EQ(reinterpret_cast<Number>(slot(control, 14))(control), 6);
-    EXPECT_STREQ(reinterpret_cast<TextOf>(slot(control, 15))(control, 1), "IOrnVETMTrace");
-    using Find = IOrnInterface* (*)(void*, const char*);
-    EXPECT_EQ(reinterpret_cast<Find>(slot(control, 17))(control, "IOrnEmu"), &host.emu);
-    using Init = bool (*)(void*, uint32_t);
-    EXPECT_TRUE(reinterpret_cast<Init>(slot(control, 18))(control, 0));
-    using Apply = bool (*)(void*);
-    EXPECT_TRUE(reinterpret_cast<Apply>(slot(control, 20))(control));
-    using Last = void (*)(void*, char*, int32_t);
+TEST_F(Component, KeepsItsSlots) {
+    IOrnAPIBase* module = OrnDLL();
+    EXPECT_STREQ(Call<const char*>(module, 0), "IOrnAPIBase");
+    EXPECT_EQ(Call<int32_t>(module, 6), 1);
+    EXPECT_STREQ(Call<const char*>(module, 7, 0), "KVETMControl");
+    EXPECT_STREQ(Call<const char*>(module, 12), module->GetModulePath());
+    EXPECT_EQ(Call<int32_t>(control, 6), 0);
+    EXPECT_EQ(Call<int32_t>(control, 12), 1);
+    EXPECT_EQ(Call<int32_t>(control, 14), 6);
+    EXPECT_STREQ(Call<const char*>(control, 15, 1), "IOrnVETMTrace");
+    EXPECT_EQ(Call<IOrnInterface*>(control, 17, "IOrnEmu"), &host.emu);
+    EXPECT_TRUE(Call<bool>(control, 18, 0u));
+    EXPECT_TRUE(Call<bool>(control, 20));
     char text[4] = "xxx";
-    reinterpret_cast<Last>(slot(control, 21))(control, text, sizeof text);
+    Call<void>(control, 21, &text[0], 4);
     EXPECT_STREQ(text, "");
 }
 
@@ -132,18 +120,17 @@ TEST_F(Component, NamesWhatItNeedsAndHandsItBack) {
     EXPECT_EQ(control->GetImplementedName(1), nullptr);
 
     EXPECT_EQ(control->GetAttachedInterface("IOrnEmu"), &host.emu);
-    EXPECT_EQ(control->AttachInterface("iornemu", nullptr), -1);
-    EXPECT_EQ(control->AttachInterface(nullptr, nullptr), -1);
+    for (const char* name : {"iornemu", static_cast<const char*>(nullptr)})
+        EXPECT_EQ(control->AttachInterface(name, nullptr), -1);
     EXPECT_EQ(control->GetAttachedInterface("IOrnEmu"), &host.emu);
     EXPECT_EQ(control->DetachInterface("IOrnEmu"), 0);
-    EXPECT_EQ(control->GetAttachedInterface("IOrnEmu"), nullptr);
-    EXPECT_EQ(control->GetAttachedInterface("IOrnSomething"), nullptr);
+    for (const char* name : {"IOrnEmu", "IOrnSomething"})
+        EXPECT_EQ(control->GetAttachedInterface(name), nullptr) << name;
 }
 
-TEST_F(Component, InitReadsTheTargetOrSaysThatItCannot) {
+TEST_F(Component, InitReadsTheTargetAndASecondComponentStartsAfresh) {
     host.values.erase(2);
-    EXPECT_FALSE(control->Init(0));
-    EXPECT_EQ(LastError(), "Cannot read ETM/Trace settings from target");
+    EXPECT_EQ(Error(control->Init(0)), "Cannot read ETM/Trace settings from target");
     EXPECT_EQ(g_Ctrl, nullptr);
     EXPECT_NE(g_Settings, nullptr);
     char start[5];
@@ -156,31 +143,30 @@ TEST_F(Component, InitReadsTheTargetOrSaysThatItCannot) {
     EXPECT_EQ(LastError(), "");
     EXPECT_EQ(g_Settings->Working.TriggerPosition, 50);
     EXPECT_TRUE(control->Init(0)); // a second time: no leak
+
+    ASSERT_NE(control->GetInterface("IOrnKVETMSupp"), nullptr);
+    OrnDLL()->DestroyRowObject(0, control);
+    EXPECT_TRUE(g_Settings == nullptr && g_Supp == nullptr && g_Ctrl == nullptr);
+    control = static_cast<IOrnKVETMCtrl*>(OrnDLL()->CreateRowObject(0));
+    EXPECT_EQ(Error(control->Apply()), "Module is not initialized properly");
 }
 
 TEST_F(Component, EachMissingPieceHasItsText) {
-    EXPECT_FALSE(control->Apply());
-    EXPECT_EQ(LastError(), "Module is not initialized properly");
-    EXPECT_FALSE(control->Open());
-    EXPECT_EQ(LastError(), "No memory");
+    EXPECT_EQ(Error(control->Apply()), "Module is not initialized properly");
+    EXPECT_EQ(Error(control->Open()), "No memory");
     control->DetachInterface("IOrnVETMTrace");
-    EXPECT_FALSE(control->Open());
-    EXPECT_EQ(LastError(), "IOrnVETM interface is not attached");
+    EXPECT_EQ(Error(control->Open()), "IOrnVETM interface is not attached");
     control->DetachInterface("IOrnAPI");
-    EXPECT_FALSE(control->Open());
-    EXPECT_EQ(LastError(), "IOrnAPI interface is not attached");
+    EXPECT_EQ(Error(control->Open()), "IOrnAPI interface is not attached");
     EXPECT_TRUE(control->Init(0));
-    EXPECT_FALSE(control->Apply());
-    EXPECT_EQ(LastError(), "Module is not initialized properly");
+    EXPECT_EQ(Error(control->Apply()), "Module is not initialized properly");
 
     host.Attach(*control);
     host.values.erase(0);
-    EXPECT_FALSE(control->Open());
-    EXPECT_EQ(LastError(), "Cannot read ETM/Trace settings from target");
+    EXPECT_EQ(Error(control->Open()), "Cannot read ETM/Trace settings from target");
     host.values[0] = 0;
     display.RefuseToShow("there is no display");
-    EXPECT_FALSE(control->Open());
-    EXPECT_EQ(LastError(), "Error while creating main window: there is no display");
+    EXPECT_EQ(Error(control->Open()), "Error while creating main window: there is no display");
     EXPECT_EQ(g_SheetOpen, 0);
 }
 
@@ -191,28 +177,14 @@ TEST_F(Component, OpenReadsTheTargetAnewAndLeavesNothingBehind) {
     for (const int button : {IDOK, IDCANCEL}) {
         EXPECT_TRUE(OpenAnd([&] {
             EXPECT_EQ(g_SheetOpen, 1);
-            EXPECT_NE(g_MainSheet, nullptr);
-            EXPECT_NE(g_ControlPage, nullptr);
+            EXPECT_TRUE(g_MainSheet != nullptr && g_ControlPage != nullptr);
             EXPECT_EQ(g_Settings->Working.TriggerPosition, 100);
             display.Click(button);
         }));
         EXPECT_EQ(g_SheetOpen, 0);
-        EXPECT_EQ(g_MainSheet, nullptr);
-        EXPECT_EQ(g_ControlPage, nullptr);
+        EXPECT_TRUE(g_MainSheet == nullptr && g_ControlPage == nullptr);
         EXPECT_THAT(host.TakeChanges(), ElementsAre("Command(capability)"));
     }
-}
-
-TEST_F(Component, ASecondComponentStartsAfresh) {
-    ASSERT_TRUE(control->Init(0));
-    ASSERT_NE(control->GetInterface("IOrnKVETMSupp"), nullptr);
-    OrnDLL()->DestroyRowObject(0, control);
-    EXPECT_EQ(g_Settings, nullptr);
-    EXPECT_EQ(g_Supp, nullptr);
-    EXPECT_EQ(g_Ctrl, nullptr);
-    control = static_cast<IOrnKVETMCtrl*>(OrnDLL()->CreateRowObject(0));
-    EXPECT_FALSE(control->Apply());
-    EXPECT_EQ(LastError(), "Module is not initialized properly");
 }
 
 } // namespace
