@@ -4,7 +4,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <random>
 
 #include "frame/slots.h"
@@ -15,7 +14,7 @@
 
 namespace {
 
-constexpr int kRoundsPerChip = 600;
+using enum ControlKind;
 
 class RoundTrip : public ::testing::TestWithParam<const char*> {
 protected:
@@ -26,45 +25,37 @@ protected:
     }
 
     size_t Below(size_t limit) {
-        return std::uniform_int_distribution<size_t>(0, limit - 1)(m_Random);
+        return std::uniform_int_distribution<size_t>(0, limit - 1)(random);
     }
     bool Coin() { return Below(2) == 0; }
 
-    /// Adds "id=state" for what the dialog or page in front lets a person set.
-    void Describe(std::vector<std::string>& seen) {
+    /// What the dialog or page in front lets a person set: "id=state" of each control.
+    std::string Describe() {
+        std::string seen;
         for (const auto& control : display.FrontPage()->GetControls()) {
             if (!control->IsWindowEnabled() || !control->IsWindowVisible()) continue;
             const int id = control->GetDlgCtrlID();
-            std::string state;
-            switch (control->GetKind()) {
-            case ControlKind::CheckBox:
-            case ControlKind::RadioButton:
-                state = display.Checked(id) ? "on" : "off";
-                break;
-            case ControlKind::ComboBox:
-                state = std::to_string(display.Selection(id));
-                break;
-            case ControlKind::Slider:
-                state = std::to_string(display.Position(id));
-                break;
-            case ControlKind::Edit:
-                state = display.Text(id);
-                break;
-            default:
-                continue;
-            }
-            seen.push_back(std::to_string(id) + "=" + state);
+            const ControlKind kind = control->GetKind();
+            if (kind == Static || kind == GroupBox || kind == PushButton) continue;
+            const std::string state = kind == Edit          ? display.Text(id)
+                                      : kind == ComboBox    ? std::to_string(display.Selection(id))
+                                      : kind == Slider      ? std::to_string(display.Position(id))
+                                      : display.Checked(id) ? "on"
+                                                            : "off";
+            seen += std::to_string(id) + "=" + state + "\n";
         }
+        return seen;
     }
 
-    void DescribeAll(std::vector<std::string>& seen) {
+    std::string DescribeAll() {
         display.Tab(1);
-        Describe(seen);
+        std::string seen = Describe();
         display.Tab(0);
-        Describe(seen);
-        if (!display.Enabled(1029)) return;
-        display.OnNextDialog([&] { Describe(seen); });
+        seen += Describe();
+        if (!display.Enabled(1029)) return seen;
+        display.OnNextDialog([&] { seen += Describe(); });
         display.Click(1029);
+        return seen;
     }
 
     /// Clicks check box `id` if it can be used and is not what it shall be.
@@ -72,11 +63,16 @@ protected:
         if (display.Enabled(id) && display.Checked(id) != wanted) display.Click(id);
     }
 
+    void ClickOneOf(std::initializer_list<int> radios) {
+        const int id = radios.begin()[Below(radios.size())];
+        if (display.Enabled(id)) display.Click(id);
+    }
+
     std::string Address() {
-        static const char* const kForms[] = {"0x%zX", "%zu", "(%zu+4)", "%zXh", "$%zX", "%zuk"};
+        static const char* const kForms[] = {"0x%zX", "%zu", "(%zu+4)", "0%zXh", "$%zX", "%zuk"};
         char text[64];
         std::snprintf(text, sizeof text, kForms[Below(std::size(kForms))], Below(1u << 20));
-        return std::isalpha(static_cast<unsigned char>(text[0])) ? "0" + std::string(text) : text;
+        return text;
     }
 
     void SetUpBoard() {
@@ -90,18 +86,13 @@ protected:
     }
 
     void SetUpControlPage() {
-        static constexpr int kStopModes[] = {1061, 1034, 1035};
-        const int stop = kStopModes[Below(3)];
-        if (display.Enabled(stop)) display.Click(stop);
+        ClickOneOf({1061, 1034, 1035});
         Check(1002, Coin());
         Check(1009, Coin());
         if (display.Enabled(1008)) {
-            if (Coin())
-                display.Type(1008, std::to_string(Below(101)));
-            else {
-                display.Drag(1007, static_cast<int>(Below(101)));
-                display.Release(1007);
-            }
+            display.Drag(1007, static_cast<int>(Below(101)));
+            display.Release(1007);
+            if (Coin()) display.Type(1008, std::to_string(Below(101)));
         }
         if (!display.Checked(1035) || !display.Enabled(1005)) return;
         Check(1004, Coin());
@@ -109,24 +100,12 @@ protected:
         if (display.Enabled(1077)) display.Type(1077, Address());
     }
 
-    /// Stopping after a trigger needs one: without any, the target forgets the mode.
-    void GiveUpAnIdleStopMode() {
-        if (display.Checked(1035) && !display.Checked(1004) && !display.Checked(1005))
-            display.Click(1061);
-    }
-
     void SetUpTracePage() {
-        static constexpr int kModes[] = {1030, 1012, 1013, 1015, 1017};
-        const int mode = kModes[Below(5)];
-        if (display.Enabled(mode)) display.Click(mode);
-        for (const int id : {1026, 1027, 1075}) Check(id, Coin());
+        ClickOneOf({1030, 1012, 1013, 1015, 1017});
+        Check(1075, false);
+        for (const int id : {1026, 1027}) Check(id, Coin());
         // A range without data to limit is dropped, so it is no setting.
-        if (!display.Checked(1026) && !display.Checked(1027) && display.Checked(1075) &&
-            display.Enabled(1026)) {
-            display.Click(1026);
-            if (display.Checked(1075)) display.Click(1075);
-            display.Click(1026);
-        }
+        Check(1075, (display.Checked(1026) || display.Checked(1027)) && Coin());
         const bool indexes = display.Visible(1083);
         for (const int id : {1018, 1019})
             if (display.Enabled(id))
@@ -136,68 +115,55 @@ protected:
     }
 
     HeadlessDisplay display;
-
-private:
-    std::mt19937 m_Random{20261122};
+    std::mt19937 random{20261122};
 };
 
 TEST_P(RoundTrip, AFreshDialogShowsWhatWasSet) {
     TemporaryDirectory directory;
-    for (const char* title : {"First", "Second"})
-        std::ofstream(directory.Path() + "/" + title + ".mac")
-            << ";[OrnithalWorksTraceInitFile]\n;Title=" << title << "\nmem_init 1\n";
-    const std::string path = directory.Path() + "/KVETMControl.so";
+    for (const std::string title : {"First", "Second"})
+        directory.Write(title + ".mac",
+                        ";[OrnithalWorksTraceInitFile]\n;Title=" + title + "\nmem_init 1\n");
     etmhost::SimulatedHost host(*etmhost::FindChip(GetParam()), {}, etmhost::Journal());
+    const auto open = [&](HeadlessDisplay::Script script) {
+        etmhost::ModuleSession session(*OrnDLL(), directory.PathOf("KVETMControl.so"), host);
+        display.OnNextDialog(std::move(script));
+        ASSERT_TRUE(session.control().Open());
+    };
     display.AnswerOtherBoxes([&](const std::string&, unsigned flags) {
         return (flags & MB_YESNO) == 0 ? IDOK : Coin() ? IDYES : IDNO;
     });
 
-    for (int round = 0; round < kRoundsPerChip && !HasFailure(); ++round) {
+    for (int round = 0; round < 600 && !HasFailure(); ++round) {
         SCOPED_TRACE(round);
-        std::vector<std::string> set;
-        std::vector<std::string> shown;
-        bool answered = false;
-        {
-            etmhost::ModuleSession session(*OrnDLL(), path, host);
-            display.ClearLog();
-            display.OnNextDialog([&] {
-                if (!display.Checked(1000)) {
-                    display.OnOtherDialogs([&] { display.Click(IDOK); }); // a board, if asked
-                    display.Click(1000);
-                }
-                if (Below(20) != 0) {
-                    SetUpBoard();
-                    SetUpControlPage();
-                    display.Tab(1);
-                    SetUpTracePage();
-                    display.Tab(0);
-                    GiveUpAnIdleStopMode();
-                } else {
-                    display.Click(1000); // off again
-                }
-                DescribeAll(set);
-                display.Click(IDOK);
-                answered = true;
-                EXPECT_TRUE(display.Front()->HasEnded()) << "the sheet refused to close";
-            });
-            ASSERT_TRUE(session.control().Open());
-        }
-        ASSERT_TRUE(answered);
-        {
-            etmhost::ModuleSession session(*OrnDLL(), path, host);
-            display.OnNextDialog([&] { DescribeAll(shown); });
-            ASSERT_TRUE(session.control().Open());
-        }
+        std::string set, shown = "nothing";
+        display.ClearLog();
+        open([&] {
+            if (!display.Checked(1000)) {
+                display.OnOtherDialogs([&] { display.Click(IDOK); }); // a board, if asked
+                display.Click(1000);
+            }
+            if (Below(20) != 0) {
+                SetUpBoard();
+                SetUpControlPage();
+                display.Tab(1);
+                SetUpTracePage();
+                display.Tab(0);
+                // Stopping after a trigger needs one: without any, the target forgets the mode.
+                if (display.Checked(1035) && !display.Checked(1004) && !display.Checked(1005))
+                    display.Click(1061);
+            } else {
+                display.Click(1000); // off again
+            }
+            set = DescribeAll();
+            display.Click(IDOK);
+            EXPECT_TRUE(display.Front()->HasEnded()) << "the sheet refused to close";
+        });
+        open([&] { shown = DescribeAll(); });
         EXPECT_EQ(shown, set) << ::testing::PrintToString(display.Log());
     }
 }
 
 INSTANTIATE_TEST_SUITE_P(Chips, RoundTrip,
-                         ::testing::Values("arm7", "arm926", "arm9-etb", "cortex-a8", "cortex-m3"),
-                         [](const auto& info) {
-                             std::string name = info.param;
-                             std::erase(name, '-');
-                             return name;
-                         });
+                         ::testing::Values("arm7", "arm926", "arm9-etb", "cortex-a8", "cortex-m3"));
 
 } // namespace
