@@ -1,4 +1,4 @@
-// Texts and tips between the models and the widgets.
+// Texts, names and tips between the models and the widgets.
 
 #include <QHelpEvent>
 #include <QPlainTextEdit>
@@ -14,7 +14,7 @@ namespace {
 
 using Controls = QtTest;
 
-TEST_F(Controls, KeepBytesThatNobodyEdits) {
+TEST_F(Controls, KeepBytesThatNobodyEditsAndTakeWhatIsTyped) {
     Run(dialog, [&] {
         const std::string bytes = "\xff\xc3\xa9 \xc2\xa0x\r\nlast";
         for (const int id : {11, 12}) {
@@ -23,10 +23,10 @@ TEST_F(Controls, KeepBytesThatNobodyEdits) {
         }
         auto& edit = dynamic_cast<QPlainTextEdit&>(*user.Find(12));
         EXPECT_EQ(edit.blockCount(), 2);
+        EXPECT_EQ(user.Find(11)->accessibleName() + ' ' + edit.accessibleName(), "Name Text");
         user.Type(12, "a\n");
         edit.insertPlainText(QString::fromUtf8("\xc2\xa0"));
         EXPECT_EQ(dialog.GetDlgItem(12)->GetWindowText(), "a\r\n\xc2\xa0");
-
         dialog.GetDlgItem(12)->SetWindowText("Pins:\t5"); // tabs are measured as they are drawn
         const QTextLine drawn = edit.document()->firstBlock().layout()->lineAt(0);
         EXPECT_NEAR(drawn.cursorToX(6) - drawn.cursorToX(0),

@@ -32,7 +32,7 @@ TEST_F(Modal, WhatLiesOverADialogHoldsItsEndBackAndLetsItsTicksThrough) {
         user.Answer(IDYES);
         EXPECT_EQ(dialog.MessageBox("Text\r\nnext", "Title", MB_YESNO), IDYES);
     };
-    EXPECT_EQ(Run(dialog, [&] { dialog.SetTimer(1, 10), user.Wait(100); }), IDOK);
+    EXPECT_EQ(Run(dialog, [&] { dialog.SetTimer(1, 10), user.Wait(300); }), IDOK);
     EXPECT_EQ(ticks, 4);
     EXPECT_THAT(user.Boxes(), ElementsAre("[Title] Text\nnext"));
 }
