@@ -23,8 +23,7 @@ TEST(FormatCapabilityReport, BringsValuesIntoOneColumn) {
         {"a: 6\n1234567: 5", "a:\t\t6\r\n1234567:\t5"},
         {"123456789: 1\n123456: 2", "123456789:\t1\r\n123456:\t\t2"}, // measured alone
         {"12345\nab: 1\nc: 2", "12345\r\nab:\t\t1\r\nc:\t\t2"},       // widens without a colon
-        {"a:\nb: 1\n", "a:\tb:\t1\r\n"},
-        {"a: 1\nbcd:", "a:\t1\r\nbcd:\t"},
+        {"a:\nb: 1\nbcd:", "a:\tb:\t1\r\nbcd:\t"},
         {"a: 1:30\nb: 2", "a:\t1:\t30\r\nb:\t2"},
         {"a:\t \v\f\r1", "a:\t1"},
         {std::string_view("a: 1\0b: 2", 9), "a:\t1"},
@@ -42,11 +41,11 @@ TEST(FormatCapabilityReport, EndsWithOddMeasuresAndReports) {
         [](std::string_view) { return int16_t{32767}; },
         [](std::string_view text) { return static_cast<int16_t>(text.size() * 0x7FFF); },
     };
-    const std::string colons(100'000, ':'), label(30'000, 'x');
     std::string narrow;
     for (int i = 0; i < 25'000; ++i) narrow += "a:1\n";
     for (const TextMeasure& measure : measures)
-        for (const std::string& report : {narrow, colons, label + ":1\n" + narrow, label}) {
+        for (const std::string& report :
+             {std::string(100'000, ':'), std::string(30'000, 'x') + ":1\n" + narrow}) {
             const std::string out = FormatCapabilityReport(report + "\nx: 1\n", measure);
             EXPECT_TRUE(out.ends_with("\t1\r\n"));
             EXPECT_LT(out.size(), 500'000u);

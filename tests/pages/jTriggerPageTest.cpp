@@ -9,20 +9,18 @@ using ::testing::IsEmpty;
 namespace {
 
 constexpr int kRadios[] = {1030, 1012, 1013, 1015, 1017, 1022, 1024}; // by PC mode
-constexpr int kValues = 1026, kAddresses = 1027, kLimit = 1075;
+constexpr int kValues = 1026, kLimit = 1075;
 
 class TriggerPage : public PagesTest {
 protected:
     TriggerPage() { host.values[0] = kEnable; }
 
-    void SetChip(const char* architecture, int pairs, int dataComparators) {
-        host.report = std::string("ETM architecture version: ") + architecture +
+    /// What the target reports; `pc` may be "complex".
+    void SetTarget(const std::string& architecture, int pairs, int dataComparators,
+                   const std::string& pc, const std::string& data) {
+        host.report = "ETM architecture version: " + architecture +
                       "\nNumber of address comparator pairs: " + std::to_string(pairs) +
                       "\nNumber of data comparators: " + std::to_string(dataComparators) + "\n";
-    }
-
-    /// The settings that the target reports; `pc` may be "complex".
-    void SetLines(const std::string& pc, const std::string& data) {
         host.lines = {pc == "complex" ? "ETM COMPLEX" : "ETM PC = " + pc, "ETM DATA = none",
                       "ETM DATA = " + data, "ETM TRIGGER 1"};
     }
@@ -57,10 +55,9 @@ TEST_F(TriggerPage, EnablesWhatChipAndSelectionAllow) {
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.unusable);
-        SetChip(row.architecture, row.pairs, row.dataComparators);
+        SetTarget(row.architecture, row.pairs, row.dataComparators, row.pc, row.data);
         host.features = {row.cortexM3 ? kCortexM3 : 0};
         host.values[0] = row.enabled ? kEnable : 0;
-        SetLines(row.pc, row.data);
         Open(1, [&] {
             EXPECT_EQ(Unusable(), row.unusable);
             EXPECT_EQ(Note(), row.enabled && row.cortexM3
@@ -72,14 +69,13 @@ TEST_F(TriggerPage, EnablesWhatChipAndSelectionAllow) {
 }
 
 TEST_F(TriggerPage, AsksWhoGetsTheComparators) {
-    const std::string title = "[Conflicting Settings Used] ";
-    const std::string onePair =
-        title + "Only one address comparator pair is available.\nCannot use ";
+    const std::string onePair = "[Conflicting Settings Used] Only one address comparator pair is "
+                                "available.\nCannot use ";
     const std::string ranges = onePair + "PC and data address ranges in same time.\n\n"
                                          "Do you want to disable the ";
     const std::map<char, std::string> boxes = {
-        {'b', title + "Address range cannot be used if ETM trigger is enabled.\n"
-                      "Do you want to disable ETM trigger generation now?"},
+        {'b', "[Conflicting Settings Used] Address range cannot be used if ETM trigger is "
+              "enabled.\nDo you want to disable ETM trigger generation now?"},
         {'d', ranges + "data address range?\n"},
         {'p', ranges + "PC address range?\n"},
         {'2', ranges + "ETM trigger and PC address range?\n"},
@@ -113,15 +109,14 @@ TEST_F(TriggerPage, AsksWhoGetsTheComparators) {
     };
     for (const auto& row : rows) {
         SCOPED_TRACE("row " + std::to_string(&row - rows));
-        SetChip("1.3", row.pairs, 0);
+        SetTarget("1.3", row.pairs, 0, row.pc, row.data);
         host.values[0] = kEnable | row.word;
-        SetLines(row.pc, row.data);
         Open(1, [&] {
             for (const int answer : row.answers) display.Answer(answer);
             display.Click(row.click);
-            ASSERT_EQ(display.Boxes().size(), row.questions.size());
-            for (size_t i = 0; i < row.questions.size(); ++i)
-                EXPECT_EQ(display.Boxes()[i], boxes.at(row.questions[i]));
+            std::vector<std::string> asked;
+            for (const char question : row.questions) asked.push_back(boxes.at(question));
+            EXPECT_EQ(display.Boxes(), asked);
             EXPECT_EQ(PcMode(), row.pcMode);
             EXPECT_EQ(g_Settings->Working.TriggerOnAddress, row.triggerOnAddress);
             EXPECT_EQ(display.Checked(kLimit), row.limit != 0);
@@ -148,12 +143,9 @@ TEST_F(TriggerPage, ABadEntryKeepsThePageAndTheSettings) {
                 {false, 1015, 1019, "c", bad + "c"},
                 {false, kLimit, 1014, "unused", ""},
                 {true, 0, 1018, "0", ""},
-                {true, 0, 1018, " \t2", ""},
-                {true, 0, 1018, "  3 \n", ""},
+                {true, 0, 1018, " \t3 \n", ""},
                 {true, 0, 1018, "4", noIndex},
-                {true, 0, 1018, "0x1", noIndex},
                 {true, 0, 1018, "1 2", noIndex},
-                {true, 0, 1018, "-1", noIndex},
                 {true, 0, 1018, "\xb2", noIndex},
                 {true, 0, 1018, "   ", empty}};
     for (const auto& row : rows) {
@@ -177,22 +169,10 @@ TEST_F(TriggerPage, ABadEntryKeepsThePageAndTheSettings) {
     }
 }
 
-TEST_F(TriggerPage, StoresTheDataModeOfTheBoxes) {
-    SetLines("none", "from 1");
-    Open(1, [&] {
-        display.Type(1016, "1");
-        for (const auto& [click, mode] : {std::pair{kValues, 5}, {kAddresses, 0}}) {
-            display.Click(click); // behind the second, a range with nothing to capture
-            for (const int tab : {0, 1}) display.Tab(tab);
-            EXPECT_EQ(g_Settings->Working.DataMode, mode);
-        }
-    });
-}
-
 TEST_F(TriggerPage, WhatThePageDoesNotUseSurvives) {
     for (const uint32_t word : {kEnable, 0u}) { // complex; and a trace that is disabled
         host.values[0] = word;
-        SetLines("from x", "none");
+        host.lines = {"ETM PC = from x"};
         if (word != 0) host.lines.push_back("ETM COMPLEX");
         Open(1, [&] {
             EXPECT_EQ(PcMode(), word != 0 ? 5 : 4);
