@@ -2,17 +2,12 @@
 
 #include <cstdio>
 #include <cstring>
-#include <utility>
 
-namespace {
-
-std::string Hex(uint32_t value) {
+std::string RecordingHost::Hex(uint32_t value) {
     char text[16];
     std::snprintf(text, sizeof text, "0x%X", value);
     return text;
 }
-
-} // namespace
 
 const char* const RecordingHost::kReport = "ETM protocol version: 3\n"
                                            "ETM architecture version: 1.3\n"
@@ -49,19 +44,9 @@ void RecordingHost::Detach(IOrnKVETMCtrl& control) {
         control.DetachInterface(control.GetRequiredName(i));
 }
 
-std::string RecordingHost::LastError(IOrnKVETMCtrl& control) {
-    char text[260];
-    control.GetLastError(text, sizeof text);
-    return text;
-}
-
 void RecordingHost::Record(std::string call) {
     calls.push_back(call);
     if (onCall) onCall(call);
-}
-
-std::vector<std::string> RecordingHost::TakeCalls() {
-    return std::exchange(calls, {});
 }
 
 std::vector<std::string> RecordingHost::TakeChanges() {
@@ -83,54 +68,6 @@ const char* RecordingHost::Trace::Command(const char* text, std::ostream* stream
         if (m_Host.reportEndsWithNul) stream->put('\0');
     }
     return nullptr;
-}
-
-const char* RecordingHost::Trace::GetInfoText(uint32_t which) {
-    m_Host.Record("GetInfoText(" + std::to_string(which) + ")");
-    return m_Host.info ? m_Host.info->c_str() : nullptr;
-}
-
-uint32_t RecordingHost::Trace::GetTraceState(uint32_t* detail) {
-    m_Host.Record("GetTraceState");
-    if (detail != nullptr) *detail = 0xFFFFFFFF;
-    return m_Host.state;
-}
-
-bool RecordingHost::Trace::HasFeature(uint32_t feature) {
-    m_Host.Record("HasFeature(" + Hex(feature) + ")");
-    return m_Host.features.contains(feature);
-}
-
-bool RecordingHost::Trace::SetValue(uint32_t id, uint32_t value) {
-    m_Host.Record("SetValue(" + Hex(id) + "," + Hex(value) + ")");
-    if (m_Host.refusedSetValues.contains(id)) return false;
-    m_Host.values[id] = value;
-    return true;
-}
-
-bool RecordingHost::Trace::GetValue(uint32_t id, uint32_t* value) {
-    m_Host.Record("GetValue(" + Hex(id) + ")");
-    const auto found = m_Host.values.find(id);
-    if (found == m_Host.values.end()) return false;
-    *value = found->second;
-    return true;
-}
-
-const char* RecordingHost::Trace::GetSettingsLine(uint32_t index) {
-    m_Host.Record("GetSettingsLine(" + std::to_string(index) + ")");
-    return index < m_Host.lines.size() ? m_Host.lines[index].c_str() : nullptr;
-}
-
-bool RecordingHost::XTraceClient::HasCommand(const char* name) {
-    m_Host.Record(std::string("HasCommand(") + name + ")");
-    return m_Host.offersExecuteCmd;
-}
-
-bool RecordingHost::XTraceClient::WriteSetting(const char* section, const char* key,
-                                               const char* value) {
-    m_Host.Record(std::string("WriteSetting(") + section + "," + key + "," + value + ")");
-    m_Host.boardFile = value;
-    return true;
 }
 
 bool RecordingHost::XTraceClient::ReadSetting(const char* section, const char* key, int32_t size,

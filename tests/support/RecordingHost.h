@@ -14,6 +14,7 @@
 #include <ostream>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "frame/interfaces/IOrnAPI.h"
@@ -54,12 +55,16 @@ public:
     void Attach(IOrnKVETMCtrl& control);
     /// Takes back what a control component requires.
     static void Detach(IOrnKVETMCtrl& control);
-    static std::string LastError(IOrnKVETMCtrl& control);
+    static std::string LastError(IOrnKVETMCtrl& control) {
+        char text[260];
+        control.GetLastError(text, sizeof text);
+        return text;
+    }
     /// Attaches them by way of the module-wide slots, for tests without a component.
     void AttachSlots();
 
     /// The calls so far, emptied by this.
-    std::vector<std::string> TakeCalls();
+    std::vector<std::string> TakeCalls() { return std::exchange(calls, {}); }
     /// Those among them that change the target: Command, SetValue, WriteSetting.
     std::vector<std::string> TakeChanges();
 
@@ -91,19 +96,49 @@ public:
     struct Trace final : HostObject<IOrnVETMTrace> {
         explicit Trace(RecordingHost& host) : HostObject("IOrnVETMTrace"), m_Host(host) {}
         const char* Command(const char* text, std::ostream* stream) override;
-        const char* GetInfoText(uint32_t which) override;
-        uint32_t GetTraceState(uint32_t* detail) override;
-        bool HasFeature(uint32_t feature) override;
-        bool SetValue(uint32_t id, uint32_t value) override;
-        bool GetValue(uint32_t id, uint32_t* value) override;
-        const char* GetSettingsLine(uint32_t index) override;
+        const char* GetInfoText(uint32_t which) override {
+            m_Host.Record("GetInfoText(" + std::to_string(which) + ")");
+            return m_Host.info ? m_Host.info->c_str() : nullptr;
+        }
+        uint32_t GetTraceState(uint32_t* detail) override {
+            m_Host.Record("GetTraceState");
+            if (detail != nullptr) *detail = 0xFFFFFFFF;
+            return m_Host.state;
+        }
+        bool HasFeature(uint32_t feature) override {
+            m_Host.Record("HasFeature(" + Hex(feature) + ")");
+            return m_Host.features.contains(feature);
+        }
+        bool SetValue(uint32_t id, uint32_t value) override {
+            m_Host.Record("SetValue(" + Hex(id) + "," + Hex(value) + ")");
+            if (m_Host.refusedSetValues.contains(id)) return false;
+            m_Host.values[id] = value;
+            return true;
+        }
+        bool GetValue(uint32_t id, uint32_t* value) override {
+            m_Host.Record("GetValue(" + Hex(id) + ")");
+            if (!m_Host.values.contains(id)) return false;
+            *value = m_Host.values[id];
+            return true;
+        }
+        const char* GetSettingsLine(uint32_t index) override {
+            m_Host.Record("GetSettingsLine(" + std::to_string(index) + ")");
+            return index < m_Host.lines.size() ? m_Host.lines[index].c_str() : nullptr;
+        }
         RecordingHost& m_Host;
     };
     struct XTraceClient final : HostObject<IOrnXTraceClient> {
         explicit XTraceClient(RecordingHost& host)
             : HostObject("IOrnXTraceClient", 111), m_Host(host) {}
-        bool HasCommand(const char* name) override;
-        bool WriteSetting(const char* section, const char* key, const char* value) override;
+        bool HasCommand(const char* name) override {
+            m_Host.Record(std::string("HasCommand(") + name + ")");
+            return m_Host.offersExecuteCmd;
+        }
+        bool WriteSetting(const char* section, const char* key, const char* value) override {
+            m_Host.Record(std::string("WriteSetting(") + section + "," + key + "," + value + ")");
+            m_Host.boardFile = value;
+            return true;
+        }
         bool ReadSetting(const char* section, const char* key, int32_t size, char* buffer) override;
         RecordingHost& m_Host;
     };
@@ -126,5 +161,6 @@ public:
     void Record(std::string call);
 
 private:
+    static std::string Hex(uint32_t value);
     void (*m_Detach)() = nullptr;
 };
