@@ -79,7 +79,7 @@ TEST_F(BoardTest, OnlyMarkedFilesOfTheDirectoryItselfAreListed) {
 
 TEST_F(BoardTest, SelectionForTheStoredValue) {
     const std::string path = Write("one.mac", kMarker + ";Title=One\n");
-    // What is stored; version of the host's interface; whether it has ExecuteCmd; the selection
+    // What is stored; the version of the host's interface, and whether it has ExecuteCmd
     const std::tuple<std::string, int32_t, bool, int, std::string> rows[] = {
         {"---", 111, true, 1, "/startup"},       {"---", 110, true, 0, "/none"},
         {"", 111, true, 1, "/startup"},          {"/NONE", 111, true, 0, "/none"},

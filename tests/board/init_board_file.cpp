@@ -13,14 +13,6 @@ protected:
         settings.SetTextAttribute(TA_BOARD_FILE, text.c_str());
     }
 
-    /// The person's answer to the dialog: a title to select and confirm; empty: cancel.
-    void AnswerDialog(const std::string& title) {
-        display.OnNextDialog([this, title] {
-            if (!title.empty()) display.SelectText(1078, title);
-            display.Click(title.empty() ? IDCANCEL : IDOK);
-        });
-    }
-
     /// Calls InitBoardFile and tells all that came of it in one line.
     std::string Call() {
         char value[260] = "unset", error[260];
@@ -58,7 +50,10 @@ TEST_F(InitBoardFile, SettlesTheSelectionOrAsks) {
         display.ClearLog();
         if (row.answer != "-")
             display.OnNextDialog([&] {
-                AnswerDialog(row.answer);
+                display.OnNextDialog([&] {
+                    if (!row.answer.empty()) display.SelectText(1078, row.answer);
+                    display.Click(row.answer.empty() ? IDCANCEL : IDOK);
+                });
                 display.Advance(600); // the tick that brings up the dialog over the sheet
             });
         EXPECT_EQ(Call(), row.outcome) << row.selection;
