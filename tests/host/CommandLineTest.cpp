@@ -13,13 +13,12 @@ using ::testing::HasSubstr;
 namespace etmhost {
 namespace {
 
-struct Outcome {
-    int status;
-    std::string output, errors;
-};
-
 class CommandLine : public ::testing::Test {
 protected:
+    struct Outcome {
+        int status;
+        std::string output, errors;
+    };
     Outcome Run(const std::string& arguments) const {
         const std::string files =
             " >\"" + directory.PathOf("output") + "\" 2>\"" + directory.PathOf("errors") + "\"";
@@ -102,16 +101,16 @@ TEST_F(CommandLine, TourGoesThroughTheDialog) {
     EXPECT_EQ(outcome.status, 0) << outcome.errors;
     std::istringstream journal(outcome.output);
     std::string steps;
-    for (std::string line; std::getline(journal, line);)
+    for (std::string line; std::getline(journal, line);) {
         if (line.starts_with("-- ")) steps += line.substr(3) + "\n";
+        if (!line.starts_with("-- picture ")) continue;
+        EXPECT_EQ(directory.Read("pictures/" + line.substr(11)).substr(1, 3), "PNG") << line;
+    }
     EXPECT_EQ(steps, "Init\nOpen\nclick Enable ETM\npicture 4-etm-configuration.png\n"
                      "click OK of ETM Configuration\ntab General Control\n"
                      "picture 1-general-control.png\ntab ETM Trace Settings\n"
                      "picture 2-etm-trace-settings.png\ntab Status\npicture 3-status.png\n"
                      "click Start\npicture 5-capture.png\nclick Stop\nclick OK\nOpen gave yes\n");
-    for (const char* name : {"1-general-control", "2-etm-trace-settings", "3-status",
-                             "4-etm-configuration", "5-capture"})
-        EXPECT_EQ(directory.Read(std::string("pictures/") + name + ".png").substr(1, 3), "PNG");
     EXPECT_EQ(Run(arguments).output, outcome.output) << "the same each time";
 }
 

@@ -65,17 +65,16 @@ TEST(Command, SettingsFollowTheCommands) {
     for (const char* command : {"etm pc=start 1", "etm pc=stop 2", "  ETM  Pc = START  main ",
                                 "etm data=value", "Etm Trigger\t0x1 + 4", "etm halfrate=on"})
         EXPECT_EQ(machine.Run(command), "ok") << command;
-    std::vector<std::string> lines = {"ETM PC = start main ", "ETM DATA = value",
-                                      "ETM TRIGGER 0x1 + 4", "ETM PORTSIZE = 16",
-                                      "ETM HALFRATE = on"};
+    const std::vector<std::string> lines = {"ETM PC = start main ", "ETM DATA = value",
+                                            "ETM TRIGGER 0x1 + 4", "ETM PORTSIZE = 16",
+                                            "ETM HALFRATE = on"};
     EXPECT_EQ(machine.target.SettingsLines(), lines) << "start took the stop back";
     EXPECT_EQ(machine.Run("etm complex"), "ok");
-    lines[0] = "ETM COMPLEX";
-    EXPECT_EQ(machine.target.SettingsLines(), lines);
-    EXPECT_EQ(machine.Run("macro /Startup"), "ok");
-    EXPECT_TRUE(machine.target.state.pinsReady);
-    EXPECT_EQ(machine.Run("macro "), "ok");
-    EXPECT_FALSE(machine.target.state.pinsReady);
+    EXPECT_EQ(machine.target.SettingsLines()[0], "ETM COMPLEX");
+    for (const bool startup : {true, false}) {
+        EXPECT_EQ(machine.Run(startup ? "macro /Startup" : "macro "), "ok");
+        EXPECT_EQ(machine.target.state.pinsReady, startup);
+    }
     EXPECT_EQ(machine.target.state.macro, "/none");
 }
 
