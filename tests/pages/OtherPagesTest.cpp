@@ -45,7 +45,6 @@ TEST_F(OtherPages, AToolTipNeedsAControlAndAText) {
         tips.Create(display.Front());
         tips.Activate(true);
         EXPECT_TRUE(tips.AddWindowTool(&edit, 3));
-        EXPECT_EQ(display.ToolTip(1077), "Allows selection of trace port width, in bits");
         EXPECT_TRUE(tips.AddWindowTool(&orphan, 6));
         EXPECT_FALSE(tips.AddWindowTool(&edit, 7));
         EXPECT_FALSE(tips.AddWindowTool(nullptr, 1));
