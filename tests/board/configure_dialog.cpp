@@ -9,7 +9,6 @@ TEST_F(BoardTest, ListsAreFilledAndDisabledWhenThereIsNoChoice) {
         size_t sizes, modes;
         const char* stored; // an OK without a choice; a list without entries selects nothing
     } rows[] = {
-        {"", 3, 2, ""},
         {"PortSizeMask=8", 1, 2, ""},
         {"PortSizeMask=136 ArchVersion=31 NormalFormatSupported=0", 2, 1, ""},
         {"PortSizeMask=0 NormalFormatSupported=0", 0, 0, "PortSizeIndex=-1 PortModeIndex=-1 "}};
@@ -60,11 +59,10 @@ TEST_F(BoardTest, HiddenSettingsPassThroughAndDefaultsCountOnlyWithOk) {
 TEST_F(BoardTest, TheSelectionDecidesWhatTheBoxShowsAndWhetherItCanBeUsed) {
     host.offersExecuteCmd = true;
     const std::string file = Write("a.mac", kMarker + ";Title=A\ntrace enable\nx\n");
-    const std::string texts[] = {"",
-                                 "Debugger startup macro will be called\r\n"
-                                 "at [traceenable] label to enable trace pins\r\n"
-                                 "and at [tracedisable] label to disable trace pins.",
-                                 "Title=A\r\nx\r\n"};
+    const char* const startup = "Debugger startup macro will be called\r\n"
+                                "at [traceenable] label to enable trace pins\r\n"
+                                "and at [tracedisable] label to disable trace pins.";
+    const char* const texts[] = {"", startup, "Title=A\r\nx\r\n"};
     Configure([&] {
         EXPECT_EQ(display.Text(1080), texts[1]);
         for (const int selection : {2, 1, 0}) {
