@@ -169,6 +169,15 @@ TEST_F(TriggerPage, ABadEntryKeepsThePageAndTheSettings) {
     }
 }
 
+TEST_F(TriggerPage, ARangeWithNothingToCaptureIsDropped) {
+    host.lines = {"ETM DATA = from 1", "ETM DATA = to 2"};
+    Open(1, [&] {
+        for (const int id : {kValues, 1027}) display.Click(id);
+        display.Tab(0);
+        EXPECT_EQ(g_Settings->Working.DataMode, 0);
+    });
+}
+
 TEST_F(TriggerPage, WhatThePageDoesNotUseSurvives) {
     for (const uint32_t word : {kEnable, 0u}) { // complex; and a trace that is disabled
         host.values[0] = word;
