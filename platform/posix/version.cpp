@@ -1,3 +1,5 @@
 #include "platform/version.h"
 
-uint32_t PlatformVersion() { return 10; }
+uint32_t PlatformVersion() {
+    return 10;
+}

@@ -2,4 +2,6 @@
 
 #include <windows.h>
 
-uint32_t PlatformVersion() { return GetVersion(); }
+uint32_t PlatformVersion() {
+    return GetVersion();
+}
