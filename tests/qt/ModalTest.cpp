@@ -90,15 +90,14 @@ TEST_F(SaveDialog, ShowsBoardsAndRefusesAPathThatDoesNotFit) {
     EXPECT_EQ(Ask(kTwoFilters), "");
 }
 
-TEST_F(SaveDialog, AsksBeforeReplacingAndAddsNothingOfTwoFilters) {
+TEST_F(SaveDialog, AsksBeforeReplacingAndAddsTheExtensionOfItsOnlyFilter) {
     struct {
         const char *filter, *typed, *file;
         bool asks;
     } const rows[] = {
-        {kOneFilter, "b.mac", "b.mac", true},
-        {kTwoFilters, "b.mac", "b.mac", true},
-        {kTwoFilters, "b", "b", false},
-        {kTwoFilters, "new", "new", false},
+        {kOneFilter, "b", "b.mac", true},      {kTwoFilters, "b", "b", false},
+        {kOneFilter, "b.mac", "b.mac", true},  {kTwoFilters, "b.mac", "b.mac", true},
+        {kOneFilter, "new", "new.mac", false}, {kTwoFilters, "new", "new", false},
     };
     user.Watch();
     for (const auto& row : rows) {
@@ -110,7 +109,7 @@ TEST_F(SaveDialog, AsksBeforeReplacingAndAddsNothingOfTwoFilters) {
         user.AnswerSave(row.typed);
         EXPECT_EQ(Ask(row.filter), directory.PathOf(row.file));
     }
-    EXPECT_THAT(user.Boxes(), AllOf(SizeIs(4), Each(HasSubstr("] b.mac already exists"))));
+    EXPECT_THAT(user.Boxes(), AllOf(SizeIs(6), Each(HasSubstr("] b.mac already exists"))));
 }
 
 } // namespace

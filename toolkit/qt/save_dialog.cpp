@@ -41,8 +41,11 @@ QStringList Filters(const char* pairs) {
 /// only filter. The dialog does so first, or it would not ask about the right file.
 QString Extension(const SaveFileRecord& record, const QStringList& filters) {
     if (record.defaultExtension != nullptr) return FromModel(record.defaultExtension);
-    static const QRegularExpression onlyPattern(R"(\(\*\.([^*?.; )]+)\)$)");
-    return filters.size() == 1 ? onlyPattern.match(filters.first()).captured(1) : QString();
+    if (filters.size() != 1) return {};
+    // Of the pattern: its description may be in capitals.
+    const char* pattern = record.filter + std::strlen(record.filter) + 1;
+    static const QRegularExpression oneExtension(R"(^\*\.([^*?.; )]+)$)");
+    return oneExtension.match(FromModel(pattern)).captured(1);
 }
 
 /// Copies `text` if it fits with its NUL.
