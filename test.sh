@@ -19,7 +19,7 @@ stage() { printf '\n== %s (%s s)\n' "$1" "$SECONDS"; }
 
 stage "packages"
 . tools/packages.sh
-tools/install-packages "${BUILD_PACKAGES[@]}" "${TEST_PACKAGES[@]}"
+tools/install-packages "${BUILD_PACKAGES[@]}" "${TEST_PACKAGES[@]}" "${BENCH_PACKAGES[@]}"
 
 stage "format"
 git ls-files '*.cpp' '*.h' | xargs -r clang-format --dry-run -Werror
