@@ -83,6 +83,7 @@ TEST_F(OnNativeWindows, EscapeSendsNothing) {
 
 TEST_F(OnNativeWindows, EscapeAnswersNo) {
     loaded.host.values[0] = 0x201;
+    loaded.host.lines = {"ETM TRIGGER 0x100"}; // without it the first tab can't be left
     Open([&](User& person) {
         person.Tab(1);
         person.Answer(Win32User::kEscape);
