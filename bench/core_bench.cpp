@@ -103,7 +103,8 @@ BENCHMARK(CapabilityScan);
 
 void ApplyEverything(benchmark::State& state) {
     RecordingHost host;
-    host.AttachSlots();
+    g_VETMTrace = &host.trace;
+    g_XTraceClient = &host.xTraceClient;
     jTraceSettings settings;
     Require(settings.ReadFromTarget(), "the read fails");
     const jTraceState before = settings.Snapshot;
@@ -128,6 +129,8 @@ void ApplyEverything(benchmark::State& state) {
         benchmark::DoNotOptimize(settings.ApplyToTarget());
         host.calls.clear();
     }
+    g_VETMTrace = nullptr;
+    g_XTraceClient = nullptr;
 }
 BENCHMARK(ApplyEverything);
 

@@ -44,10 +44,6 @@ public:
 class RecordingHost {
 public:
     RecordingHost();
-    /// Detaches what AttachSlots attached.
-    ~RecordingHost() {
-        if (m_Detach != nullptr) m_Detach();
-    }
     RecordingHost(const RecordingHost&) = delete;
     RecordingHost& operator=(const RecordingHost&) = delete;
 
@@ -60,8 +56,6 @@ public:
         control.GetLastError(text, sizeof text);
         return text;
     }
-    /// Attaches them by way of the module-wide slots, for tests without a component.
-    void AttachSlots();
 
     /// The calls so far, emptied by this.
     std::vector<std::string> TakeCalls() { return std::exchange(calls, {}); }
