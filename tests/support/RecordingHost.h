@@ -156,5 +156,4 @@ public:
 
 private:
     static std::string Hex(uint32_t value);
-    void (*m_Detach)() = nullptr;
 };
