@@ -53,7 +53,7 @@ void CDialog::DestroyDialogWindow() {
 int CDialog::DoModal() {
     m_Ended = false;
     m_Result = IDCANCEL;
-    if (!CreateDialogWindow()) return IDCANCEL;
+    if (AfxGetApp()->IsCancelling() || !CreateDialogWindow()) return IDCANCEL;
     // The window goes on every way out, exceptions included.
     struct Window {
         CDialog& dialog;
@@ -61,9 +61,14 @@ int CDialog::DoModal() {
             Guarded([this] { dialog.DestroyDialogWindow(); });
         }
     } window{*this};
+    const CWinApp::Running running(*this);
     OnInitDialog();
-    AfxGetApp()->GetDisplay().RunModal(*this);
+    RunLoop();
     return m_Result;
+}
+
+void CDialog::RunLoop() {
+    AfxGetApp()->GetDisplay().RunModal(*this);
 }
 
 void CDialog::EndDialog(int result) {

@@ -83,6 +83,8 @@ protected:
     virtual void OnCancel();
     /// The window is about to go.
     virtual void OnDestroy();
+    /// Runs the window's modal loop, once DoModal has made and filled the window.
+    virtual void RunLoop();
     /// Finds the handler of a notification: Dispatch over the class's own table.
     virtual void OnNotify(Notification& notification);
 

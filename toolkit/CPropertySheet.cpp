@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "toolkit/CWinApp.h"
+#include "toolkit/CallDepth.h"
 
 namespace {
 
@@ -61,6 +62,12 @@ bool CPropertySheet::OnInitDialog() {
     return true;
 }
 
+void CPropertySheet::RunLoop() {
+    // Whoever opened the sheet only waits for it: between two handlers nothing is on its way.
+    const calls::Waiting waiting;
+    CDialog::RunLoop();
+}
+
 void CPropertySheet::OnDestroy() {
     for (CPropertyPage* page : m_Pages) page->DestroyDialogWindow();
     m_Tab = nullptr;
@@ -99,8 +106,12 @@ bool CPropertySheet::SetActivePage(int index) {
 
 bool CPropertySheet::ApplyPages() {
     if (m_Active != nullptr && !m_Active->OnKillActive()) return false;
-    for (CPropertyPage* page : m_Pages)
-        if (page->IsCreated() && !page->OnApply()) return false;
+    for (CPropertyPage* page : m_Pages) {
+        if (!page->IsCreated() || page->OnApply()) continue;
+        // The page in front has let go and stays in front all the same.
+        if (m_Active != nullptr) m_Active->OnSetActive();
+        return false;
+    }
     return true;
 }
 

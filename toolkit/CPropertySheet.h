@@ -10,8 +10,8 @@
 //                       its OnSetActive
 //   Apply               OnKillActive of the page in front (false: nothing more);
 //                       OnApply of each page (false: no further page, the sheet
-//                       stays); OnSetActive of the page in front
-//   OK                  as Apply, but instead of the last step the sheet closes
+//                       stays); OnSetActive of the page in front in either case
+//   OK                  as Apply, but the sheet closes unless a page refused
 //   Cancel, the frame   OnReset of each page; the sheet closes
 //   the sheet closes    OnDestroy of each page
 
@@ -46,6 +46,7 @@ public:
 
 protected:
     bool OnInitDialog() override;
+    void RunLoop() override;
     void OnDestroy() override;
     void OnOK() override;
     void OnCancel() override;

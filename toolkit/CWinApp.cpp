@@ -1,7 +1,9 @@
 #include "toolkit/CWinApp.h"
 
 #include "platform/version.h"
+#include "toolkit/CallDepth.h"
 #include "toolkit/guarded.h"
+#include "toolkit/input.h"
 
 namespace {
 
@@ -35,6 +37,27 @@ void CWinApp::UseDisplay(Display* display) {
     m_Other = display;
 }
 
+void CWinApp::CancelAll() {
+    if (calls::Stack() == 0 && m_Running.empty()) return;
+    m_Cancelling = true;
+    GetDisplay().CancelBoxes();
+    const std::vector<CDialog*> running = m_Running;
+    for (auto dialog = running.rbegin(); dialog != running.rend(); ++dialog) {
+        input::Close(**dialog);
+        if (!(*dialog)->HasEnded()) (*dialog)->EndDialog(IDCANCEL); // a handler threw
+    }
+}
+
+CWinApp::Running::Running(CDialog& dialog) {
+    AfxGetApp()->m_Running.push_back(&dialog);
+}
+
+CWinApp::Running::~Running() {
+    CWinApp& app = *AfxGetApp();
+    app.m_Running.pop_back();
+    if (calls::Stack() == 0 && app.m_Running.empty()) app.ForgetCancel();
+}
+
 CWinApp* AfxGetApp() {
     if (g_App == nullptr) {
         static CWinApp plain; // for programs that use the toolkit alone
@@ -60,6 +83,7 @@ void ReportException(const char* what) noexcept {
 }
 
 bool GetSaveFileName(SaveFileRecord& record) {
+    if (AfxGetApp()->IsCancelling()) return false;
     return AfxGetApp()->GetDisplay().AskSaveFile(record);
 }
 

@@ -8,6 +8,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "toolkit/display.h"
 
@@ -32,11 +33,30 @@ public:
     /// Puts another display in its place, for tests; null: the linked one again.
     void UseDisplay(Display* display);
 
+    /// Ends every modal loop that runs as if its Cancel had been pressed, the innermost
+    /// first, message boxes and the save dialog included. Until all calls that are on
+    /// their way have ended, a new one is cancelled at once.
+    void CancelAll();
+    bool IsCancelling() const { return m_Cancelling; }
+    /// All calls have ended; see CallDepth.h.
+    void ForgetCancel() { m_Cancelling = false; }
+
+    /// A modal dialog runs as long as the object lives.
+    class Running {
+    public:
+        explicit Running(CDialog& dialog);
+        ~Running();
+        Running(const Running&) = delete;
+        Running& operator=(const Running&) = delete;
+    };
+
 private:
     std::string m_Title;
     int m_Clients = 0;
     std::unique_ptr<Display> m_Own;
     Display* m_Other = nullptr;
+    std::vector<CDialog*> m_Running; // the innermost last
+    bool m_Cancelling = false;
 };
 
 /// The module's application object; never null while dialogs are used.

@@ -6,6 +6,7 @@
 namespace {
 
 int ShowMessage(CWnd* owner, const char* text, const char* title, unsigned flags) {
+    if (AfxGetApp()->IsCancelling()) return (flags & MB_YESNO) != 0 ? IDNO : IDOK;
     return AfxGetApp()->GetDisplay().ShowMessage(owner, text != nullptr ? text : "",
                                                  title != nullptr ? title : "Error", flags);
 }

@@ -60,6 +60,8 @@ public:
     virtual int ShowMessage(CWnd* owner, const char* text, const char* title, unsigned flags) = 0;
     /// See GetSaveFileName.
     virtual bool AskSaveFile(SaveFileRecord& record) = 0;
+    /// Ends the message boxes and save dialogs that run, as if refused; returns at once.
+    virtual void CancelBoxes() = 0;
 
     /// A periodic tick: input::Tick(window, id). It goes on while modal windows run.
     virtual void StartTimer(CWnd& window, unsigned id, unsigned milliseconds) = 0;

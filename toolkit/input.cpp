@@ -1,6 +1,7 @@
 #include "toolkit/input.h"
 
 #include "toolkit/CWinApp.h"
+#include "toolkit/CallDepth.h"
 #include "toolkit/guarded.h"
 
 namespace {
@@ -31,11 +32,20 @@ void Refresh(CWnd& control, Change what) {
     if (control.IsCreated()) AfxGetApp()->GetDisplay().Refresh(control, what);
 }
 
+/// Runs what handles one report: it counts as a call on its way, and what it throws
+/// ends here. A host that delivers reports from inside its own operations could nest
+/// them for ever; too deep, nothing is heard any more.
+template <class Work> void Handle(Work&& work) {
+    if (calls::Stack() > 2 * calls::kDeepest) return;
+    const calls::Counted counted;
+    Guarded(std::forward<Work>(work));
+}
+
 /// Lets `change` act on the model and then tells the dialog; for a control that
 /// takes no input now, shows its present state again.
 template <class Work>
 void Report(CWnd& control, Change shown, Event event, unsigned drawStage, Work&& change) {
-    Guarded([&] {
+    Handle([&] {
         CDialog* dialog = DialogTakingInput(control);
         if (dialog == nullptr) return Refresh(control, shown);
         change(*dialog);
@@ -66,7 +76,7 @@ void Type(CWnd& edit, std::string_view text) {
 
 void Select(CWnd& list, int index) {
     if (list.GetKind() == ControlKind::Tab) {
-        Guarded([&] {
+        Handle([&] {
             auto* sheet = dynamic_cast<CPropertySheet*>(DialogTakingInput(list));
             if (sheet == nullptr) return Refresh(list, Change::Selection);
             sheet->SetActivePage(index);
@@ -80,7 +90,7 @@ void Select(CWnd& list, int index) {
 }
 
 void Slide(CSliderCtrl& slider, int position) {
-    Guarded([&] {
+    Handle([&] {
         if (DialogTakingInput(slider) != nullptr)
             slider.SetPos(position);
         else
@@ -89,7 +99,7 @@ void Slide(CSliderCtrl& slider, int position) {
 }
 
 void Paint(CSliderCtrl& slider) {
-    Guarded([&] {
+    Handle([&] {
         auto* dialog = dynamic_cast<CDialog*>(slider.GetParent());
         if (dialog == nullptr || !slider.IsCreated() || LoopIsOver(*dialog)) return;
         Notification notification{slider.GetDlgCtrlID(), Event::CustomDraw, CDDS_PREPAINT};
@@ -102,13 +112,13 @@ void Release(CSliderCtrl& slider) {
 }
 
 void Close(CDialog& dialog) {
-    Guarded([&] {
+    Handle([&] {
         if (dialog.IsCreated() && !dialog.HasEnded()) dialog.OnClose();
     });
 }
 
 void Tick(CWnd& window, unsigned id) {
-    Guarded([&] {
+    Handle([&] {
         const auto* dialog = dynamic_cast<CDialog*>(&window);
         if (!window.IsCreated() || (dialog != nullptr && LoopIsOver(*dialog))) return;
         window.OnTimer(id);

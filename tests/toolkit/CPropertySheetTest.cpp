@@ -115,9 +115,13 @@ TEST_F(PropertySheet, ARefusalKeepsTheTabAndTheSheet) {
                   first.refuseToLeave = false;
                   display.Tab(1);
                   first.refuseToApply = true;
+                  second.SetModified(true);
                   TakeNotes();
-                  display.Click(IDOK); // no page behind the refusing one is called
-                  EXPECT_THAT(TakeNotes(), ElementsAre("108 kill-active", "107 apply"));
+                  for (const int button : {IDOK, IDC_APPLY_NOW}) {
+                      display.Click(button); // no page behind the refusing one is called
+                      EXPECT_THAT(TakeNotes(),
+                                  ElementsAre("108 kill-active", "107 apply", "108 set-active"));
+                  }
                   EXPECT_FALSE(display.Front()->HasEnded());
                   display.Click(IDCANCEL);
                   EXPECT_THAT(TakeNotes(), ElementsAre("107 cancel", "108 cancel"));

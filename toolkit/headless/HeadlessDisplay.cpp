@@ -198,9 +198,12 @@ void HeadlessDisplay::RunModal(CDialog& dialog) {
 void HeadlessDisplay::EndModal(CDialog&) {} // RunModal looks at HasEnded
 
 int HeadlessDisplay::ShowMessage(CWnd*, const char* text, const char* title, unsigned flags) {
+    m_CancelBox = false;
     if (m_DuringBox) std::exchange(m_DuringBox, nullptr)();
     int answer = (flags & MB_YESNO) != 0 ? IDNO : IDOK;
-    if (!m_Answers.empty()) {
+    if (m_CancelBox) {
+        // the refusal, whatever was queued
+    } else if (!m_Answers.empty()) {
         answer = m_Answers.front();
         m_Answers.pop_front();
     } else if (m_ChooseAnswer) {

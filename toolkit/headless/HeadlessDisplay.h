@@ -118,6 +118,7 @@ public:
     void EndModal(CDialog& dialog) override;
     int ShowMessage(CWnd* owner, const char* text, const char* title, unsigned flags) override;
     bool AskSaveFile(SaveFileRecord& record) override;
+    void CancelBoxes() override { m_CancelBox = true; }
     void StartTimer(CWnd& window, unsigned id, unsigned milliseconds) override;
     void StopTimer(CWnd& window, unsigned id) override;
     bool MeasureTabbedText(const CWnd& control, std::string_view text, int& width) override;
@@ -139,6 +140,7 @@ private:
     std::deque<Script> m_Scripts;
     Script m_OtherDialogs;
     Script m_DuringBox;
+    bool m_CancelBox = false; // the box that is open was cancelled
     std::deque<int> m_Answers;
     std::function<int(const std::string&, unsigned)> m_ChooseAnswer;
     std::deque<Save> m_Saves;
