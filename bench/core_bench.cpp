@@ -65,9 +65,9 @@ struct SilentTrace final : HostObject<IOrnVETMTrace> {
     }
     const char* GetInfoText(uint32_t) override { return nullptr; }
     uint32_t GetTraceState(uint32_t*) override { return 0; }
-    bool HasFeature(uint32_t) override { return false; }
-    bool SetValue(uint32_t, uint32_t) override { return true; }
-    bool GetValue(uint32_t id, uint32_t* value) override {
+    OrnBool HasFeature(uint32_t) override { return false; }
+    OrnBool SetValue(uint32_t, uint32_t) override { return true; }
+    OrnBool GetValue(uint32_t id, uint32_t* value) override {
         *value = id == 1 ? 2048 : id == 5 ? 0x8088 : 0;
         return true;
     }

@@ -24,9 +24,9 @@ struct FuzzedTrace final : HostObject<IOrnVETMTrace> {
     }
     const char* GetInfoText(uint32_t) override { return nullptr; }
     uint32_t GetTraceState(uint32_t*) override { return 0; }
-    bool HasFeature(uint32_t) override { return false; }
-    bool SetValue(uint32_t, uint32_t) override { return true; }
-    bool GetValue(uint32_t id, uint32_t* value) override {
+    OrnBool HasFeature(uint32_t) override { return false; }
+    OrnBool SetValue(uint32_t, uint32_t) override { return true; }
+    OrnBool GetValue(uint32_t id, uint32_t* value) override {
         *value = words[id % std::size(words)];
         return true;
     }

@@ -62,7 +62,7 @@ uint32_t HostVETMTrace::GetTraceState(uint32_t* detail) {
     return state;
 }
 
-bool HostVETMTrace::HasFeature(uint32_t feature) {
+OrnBool HostVETMTrace::HasFeature(uint32_t feature) {
     const Chip& chip = target_.chip();
     const bool has = (feature == kFeatureEtb && chip.path == TracePath::Etb) ||
                      (feature == kFeatureTpiu && chip.path == TracePath::Tpiu) ||
@@ -71,7 +71,7 @@ bool HostVETMTrace::HasFeature(uint32_t feature) {
     return has;
 }
 
-bool HostVETMTrace::SetValue(uint32_t id, uint32_t value) {
+OrnBool HostVETMTrace::SetValue(uint32_t id, uint32_t value) {
     const bool done = id == kControlWord    ? target_.SetControl(value)
                       : id == kTriggerCount ? target_.SetTriggerCount(value)
                                             : false;
@@ -108,7 +108,7 @@ bool HostVETMTrace::Read(uint32_t id, uint32_t& value) const {
     }
 }
 
-bool HostVETMTrace::GetValue(uint32_t id, uint32_t* value) {
+OrnBool HostVETMTrace::GetValue(uint32_t id, uint32_t* value) {
     uint32_t read = 0;
     const bool known = value != nullptr && Read(id, read);
     if (known) {
@@ -132,7 +132,7 @@ const char* HostVETMTrace::GetSettingsLine(uint32_t index) {
 HostTraceClient::HostTraceClient(const Symbols& symbols, Journal& journal)
     : HostObject("IOrnTraceClient", 100, journal), symbols_(symbols) {}
 
-bool HostTraceClient::Action(const char* action, const char* argument) {
+OrnBool HostTraceClient::Action(const char* action, const char* argument) {
     std::string_view expression = OrEmpty(action);
     const std::string_view word = TakeWord(expression);
     bool done = false;
@@ -150,13 +150,13 @@ bool HostTraceClient::Action(const char* action, const char* argument) {
 HostXTraceClient::HostXTraceClient(NamedSettings& settings, Journal& journal)
     : HostObject("IOrnXTraceClient", 111, journal), settings_(settings) {}
 
-bool HostXTraceClient::HasCommand(const char* name) {
+OrnBool HostXTraceClient::HasCommand(const char* name) {
     const bool has = EqualNoCase(OrEmpty(name), "ExecuteCmd");
     journal_.Call("HasCommand " + Quote(name), YesNo(has));
     return has;
 }
 
-bool HostXTraceClient::WriteSetting(const char* section, const char* key, const char* value) {
+OrnBool HostXTraceClient::WriteSetting(const char* section, const char* key, const char* value) {
     const bool complete = section != nullptr && key != nullptr && value != nullptr;
     if (complete) {
         settings_[section][key] = value;
@@ -166,7 +166,7 @@ bool HostXTraceClient::WriteSetting(const char* section, const char* key, const 
     return complete;
 }
 
-bool HostXTraceClient::ReadSetting(const char* section, const char* key, int32_t size,
+OrnBool HostXTraceClient::ReadSetting(const char* section, const char* key, int32_t size,
                                    char* buffer) {
     const auto group = settings_.find(OrEmpty(section));
     bool found = false;

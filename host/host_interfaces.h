@@ -55,9 +55,9 @@ public:
     const char* Command(const char* text, std::ostream* stream) override;
     const char* GetInfoText(uint32_t which) override;
     uint32_t GetTraceState(uint32_t* detail) override;
-    bool HasFeature(uint32_t feature) override;
-    bool SetValue(uint32_t id, uint32_t value) override;
-    bool GetValue(uint32_t id, uint32_t* value) override;
+    OrnBool HasFeature(uint32_t feature) override;
+    OrnBool SetValue(uint32_t id, uint32_t value) override;
+    OrnBool GetValue(uint32_t id, uint32_t* value) override;
     const char* GetSettingsLine(uint32_t index) override;
 
 private:
@@ -75,7 +75,7 @@ class HostTraceClient final : public HostObject<IOrnTraceClient> {
 public:
     HostTraceClient(const Symbols& symbols, Journal& journal);
 
-    bool Action(const char* action, const char* argument) override;
+    OrnBool Action(const char* action, const char* argument) override;
 
 private:
     const Symbols& symbols_;
@@ -85,9 +85,9 @@ class HostXTraceClient final : public HostObject<IOrnXTraceClient> {
 public:
     HostXTraceClient(NamedSettings& settings, Journal& journal);
 
-    bool HasCommand(const char* name) override;
-    bool WriteSetting(const char* section, const char* key, const char* value) override;
-    bool ReadSetting(const char* section, const char* key, int32_t size, char* buffer) override;
+    OrnBool HasCommand(const char* name) override;
+    OrnBool WriteSetting(const char* section, const char* key, const char* value) override;
+    OrnBool ReadSetting(const char* section, const char* key, int32_t size, char* buffer) override;
 
 private:
     NamedSettings& settings_;

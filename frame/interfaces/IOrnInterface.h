@@ -16,8 +16,10 @@
 //  * Text is 8-bit and NUL-terminated. A text that an operation returns belongs
 //    to the object that returned it and remains valid at least until the next
 //    call on the same interface.
-//  * Whole numbers have 32 bits; ids, words and masks are unsigned. `bool` is
-//    C++'s, one byte, 0 or 1.
+//  * Whole numbers have 32 bits; ids, words and masks are unsigned. Truth is one
+//    byte: the host answers with an OrnBool, of which zero is false and everything else
+//    true, and whatever stands beside that byte in the register is not looked at. The
+//    module answers with a `bool`, one byte, 0 or 1.
 //  * No exception crosses the border.
 //  * The host's operations are called while the host itself is inside an operation
 //    of the module. From there it may call the module's in turn, but not those
@@ -26,6 +28,10 @@
 #pragma once
 
 #include <cstdint>
+
+/// What a host's operation answers where the question is yes or no: 0 is no, any
+/// other value is yes. One byte; only that byte counts.
+typedef uint8_t OrnBool;
 
 class IOrnInterface {
 public:

@@ -17,7 +17,7 @@ public:
     /// The module calls, once each per address entry:
     ///   Action("CheckAction", "Eval")   true iff the host evaluates expressions;
     ///   Action("Eval <entry>", null)    true iff the entry is a valid expression.
-    virtual bool Action(const char* action, const char* argument) = 0;
+    virtual OrnBool Action(const char* action, const char* argument) = 0;
 
 protected:
     ~IOrnTraceClient() = default;

@@ -89,7 +89,7 @@ public:
     ///   0x2000000  trace goes to an ETB,
     ///   0x3000000  trace goes out through a TPIU (asked only if the above is false),
     ///   0x4000000  the target is a Cortex-M3.
-    virtual bool HasFeature(uint32_t feature) = 0;
+    virtual OrnBool HasFeature(uint32_t feature) = 0;
 
     /// Slot 10. Stores a value. Returns true on success.
     ///   0  the general control word:
@@ -99,7 +99,7 @@ public:
     ///      9 stop after a trigger from an address;
     ///   2  the number of units to capture behind the trigger: the share of the
     ///      capacity (id 1) that lies behind it, the fraction cut off.
-    virtual bool SetValue(uint32_t id, uint32_t value) = 0;
+    virtual OrnBool SetValue(uint32_t id, uint32_t value) = 0;
 
     /// Slot 11. Reads a value into `*value`. Returns true on success.
     ///   0x1000000 + offset  ETM register: 0x004 configuration code, 0x014 system
@@ -109,7 +109,7 @@ public:
     ///      bit 1 counts first;
     ///   1  capacity of the trace buffer in the units of id 2; 0: not known;
     ///   2  the number of units to capture behind the trigger.
-    virtual bool GetValue(uint32_t id, uint32_t* value) = 0;
+    virtual OrnBool GetValue(uint32_t id, uint32_t* value) = 0;
 
     /// Slot 12. Returns line `index`, from 0, of the present settings as text;
     /// null behind the last one. Within one pass an index names one line. Lines

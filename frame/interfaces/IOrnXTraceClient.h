@@ -22,18 +22,18 @@ public:
     /// Slot 6. Returns true iff the host offers the command `name`. The module asks
     /// for "ExecuteCmd" when it lists the boards: true adds the choice "Call debugger
     /// startup macro functions".
-    virtual bool HasCommand(const char* name) = 0;
+    virtual OrnBool HasCommand(const char* name) = 0;
 
     /// Slot 7. Stores `value` under `section` and `key`. The result is not looked
     /// at. Part of an apply (see IOrnVETMTrace.h); an empty selection is written as
     /// "/none", and one that is not known is not written.
-    virtual bool WriteSetting(const char* section, const char* key, const char* value) = 0;
+    virtual OrnBool WriteSetting(const char* section, const char* key, const char* value) = 0;
 
     /// Slot 8. Copies the text stored under `section` and `key` into the `size`
     /// bytes at `buffer`, terminator included. Returns false if there is none; the
     /// buffer is then not looked at, and the board selection counts as not known. An
     /// empty text counts as "/none". The module asks with a size of 260.
-    virtual bool ReadSetting(const char* section, const char* key, int32_t size, char* buffer) = 0;
+    virtual OrnBool ReadSetting(const char* section, const char* key, int32_t size, char* buffer) = 0;
 
 protected:
     ~IOrnXTraceClient() = default;

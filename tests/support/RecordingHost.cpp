@@ -70,7 +70,7 @@ const char* RecordingHost::Trace::Command(const char* text, std::ostream* stream
     return nullptr;
 }
 
-bool RecordingHost::XTraceClient::ReadSetting(const char* section, const char* key, int32_t size,
+OrnBool RecordingHost::XTraceClient::ReadSetting(const char* section, const char* key, int32_t size,
                                               char* buffer) {
     m_Host.Record(std::string("ReadSetting(") + section + "," + key + ")");
     if (!m_Host.boardFile) return false;
@@ -78,7 +78,7 @@ bool RecordingHost::XTraceClient::ReadSetting(const char* section, const char* k
     return true;
 }
 
-bool RecordingHost::TraceClient::Action(const char* action, const char* argument) {
+OrnBool RecordingHost::TraceClient::Action(const char* action, const char* argument) {
     m_Host.Record(std::string("Action(") + action + "," +
                   (argument != nullptr ? argument : "null") + ")");
     if (std::strcmp(action, "CheckAction") == 0) return m_Host.evaluates;

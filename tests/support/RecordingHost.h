@@ -99,17 +99,17 @@ public:
             if (detail != nullptr) *detail = 0xFFFFFFFF;
             return m_Host.state;
         }
-        bool HasFeature(uint32_t feature) override {
+        OrnBool HasFeature(uint32_t feature) override {
             m_Host.Record("HasFeature(" + Hex(feature) + ")");
             return m_Host.features.contains(feature);
         }
-        bool SetValue(uint32_t id, uint32_t value) override {
+        OrnBool SetValue(uint32_t id, uint32_t value) override {
             m_Host.Record("SetValue(" + Hex(id) + "," + Hex(value) + ")");
             if (m_Host.refusedSetValues.contains(id)) return false;
             m_Host.values[id] = value;
             return true;
         }
-        bool GetValue(uint32_t id, uint32_t* value) override {
+        OrnBool GetValue(uint32_t id, uint32_t* value) override {
             m_Host.Record("GetValue(" + Hex(id) + ")");
             if (!m_Host.values.contains(id)) return false;
             *value = m_Host.values[id];
@@ -124,21 +124,21 @@ public:
     struct XTraceClient final : HostObject<IOrnXTraceClient> {
         explicit XTraceClient(RecordingHost& host)
             : HostObject("IOrnXTraceClient", 111), m_Host(host) {}
-        bool HasCommand(const char* name) override {
+        OrnBool HasCommand(const char* name) override {
             m_Host.Record(std::string("HasCommand(") + name + ")");
             return m_Host.offersExecuteCmd;
         }
-        bool WriteSetting(const char* section, const char* key, const char* value) override {
+        OrnBool WriteSetting(const char* section, const char* key, const char* value) override {
             m_Host.Record(std::string("WriteSetting(") + section + "," + key + "," + value + ")");
             m_Host.boardFile = value;
             return true;
         }
-        bool ReadSetting(const char* section, const char* key, int32_t size, char* buffer) override;
+        OrnBool ReadSetting(const char* section, const char* key, int32_t size, char* buffer) override;
         RecordingHost& m_Host;
     };
     struct TraceClient final : HostObject<IOrnTraceClient> {
         explicit TraceClient(RecordingHost& host) : HostObject("IOrnTraceClient"), m_Host(host) {}
-        bool Action(const char* action, const char* argument) override;
+        OrnBool Action(const char* action, const char* argument) override;
         RecordingHost& m_Host;
     };
 
