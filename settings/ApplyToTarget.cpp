@@ -53,14 +53,19 @@ bool jTraceSettings::TraceChanged() const {
 
 bool jTraceSettings::ApplyToTarget() {
     if (!g_VETMTrace) return false;
-    if (Working.BoardFile != Snapshot.BoardFile) Send("macro " + Working.BoardFile);
+    // Decided once: a host may answer a command with an apply of its own, which makes
+    // the images equal while this one is half done.
+    const bool boardDiffers = Working.BoardFile != Snapshot.BoardFile;
+    const int32_t wasEnabled = Snapshot.Enable;
+    const bool controlDiffers = ControlChanged(), positionDiffers = TriggerPositionChanged();
+    const bool portDiffers = PortChanged(), traceDiffers = TraceChanged();
 
-    if (ControlChanged() && !SwitchTrace()) return false;
-    const bool control = !ControlChanged() || g_VETMTrace->SetValue(0, EncodeControlWord());
-    const bool position =
-        !TriggerPositionChanged() || g_VETMTrace->SetValue(2, EncodeTriggerCount());
-    const bool port = !PortChanged() || ApplyPort();
-    const bool trace = !TraceChanged() || ApplyTrace();
+    if (boardDiffers) Send("macro " + Working.BoardFile);
+    if (controlDiffers && !SwitchTrace(wasEnabled != 0)) return false;
+    const bool control = !controlDiffers || g_VETMTrace->SetValue(0, EncodeControlWord()) != 0;
+    const bool position = !positionDiffers || g_VETMTrace->SetValue(2, EncodeTriggerCount()) != 0;
+    const bool port = !portDiffers || ApplyPort();
+    const bool trace = !traceDiffers || ApplyTrace();
     if (!control || !position || !port || !trace) return false;
 
     Snapshot = Working;
@@ -68,9 +73,9 @@ bool jTraceSettings::ApplyToTarget() {
 }
 
 /// Returns false if the host refused "enable".
-bool jTraceSettings::SwitchTrace() {
-    if (!Working.Enable && Snapshot.Enable) Send("disable");
-    if (!Working.Enable || Snapshot.Enable) return true;
+bool jTraceSettings::SwitchTrace(bool wasEnabled) {
+    if (!Working.Enable && wasEnabled) Send("disable");
+    if (!Working.Enable || wasEnabled) return true;
 
     const char* const refusal = g_VETMTrace->Command("enable", nullptr);
     if (!refusal) return true;

@@ -178,7 +178,7 @@ private:
     void ReadBoardFile();
 
     // ApplyToTarget.cpp
-    bool SwitchTrace();
+    bool SwitchTrace(bool wasEnabled);
     uint32_t EncodeControlWord() const;
     uint32_t EncodeTriggerCount() const;
     bool ApplyPort();
