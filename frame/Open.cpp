@@ -38,16 +38,12 @@ struct OpenedSheet {
         g_MainSheet = nullptr;
         g_ControlPage = nullptr;
         g_SheetOpen = 0;
+        g_BoardQueryPending = 0; // a sheet that closed early leaves no question to the next one
         pages.reset();
     }
 };
 
 } // namespace
-
-bool jKVETMCtrl::Open() {
-    return GuardedEntry(false, LastError,
-                        [this] { return g_SheetOpen != 0 ? OpenInsideSheet() : OpenSheet(); });
-}
 
 bool jKVETMCtrl::OpenSheet() {
     LastError.clear();
@@ -78,8 +74,7 @@ bool jKVETMCtrl::OpenSheet() {
 bool jKVETMCtrl::OpenInsideSheet() {
     std::string reason;
     if (!AfxGetApp()->GetDisplay().Prepare(reason)) return false; // say, another thread
-    g_ControlPage->RunConfigureDialog();
-    if (g_ConfigAccepted == 0) return false;
+    if (!g_ControlPage->RunConfigureDialog() || g_ConfigAccepted == 0) return false;
     g_Settings->ApplyToTarget();
     return true;
 }

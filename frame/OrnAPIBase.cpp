@@ -13,7 +13,10 @@ IOrnInterface* CreateCtrl() {
 }
 
 void DestroyCtrl(IOrnInterface* object) {
-    delete static_cast<jKVETMCtrl*>(object);
+    GuardedEntry(0, [object] {
+        jKVETMCtrl::Destroy(static_cast<jKVETMCtrl*>(object));
+        return 0;
+    });
 }
 
 } // namespace

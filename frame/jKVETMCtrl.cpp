@@ -1,8 +1,12 @@
 #include "frame/jKVETMCtrl.h"
 
+#include <algorithm>
 #include <cstring>
 #include <new>
+#include <utility>
+#include <vector>
 
+#include "frame/DeafHost.h"
 #include "frame/guard.h"
 #include "frame/interfaces/IOrnAPI.h"
 #include "frame/interfaces/IOrnEmu.h"
@@ -15,6 +19,7 @@
 #include "settings/jTraceSettings.h"
 #include "text/text_tools.h"
 #include "toolkit/CWinApp.h"
+#include "toolkit/CallDepth.h"
 
 namespace {
 
@@ -23,15 +28,18 @@ struct Required {
     const char* name;
     void (*attach)(IOrnInterface* object);
     IOrnInterface* (*attached)();
+    // An attachment that waits for the calls on their way to end.
+    bool waits = false;
+    IOrnInterface* waiting = nullptr;
 };
 
-template <auto& Slot> constexpr Required Require(const char* name) {
+template <auto& Slot> Required Require(const char* name) {
     using Pointer = std::remove_reference_t<decltype(Slot)>;
     return {name, [](IOrnInterface* object) { Slot = static_cast<Pointer>(object); },
             []() -> IOrnInterface* { return Slot; }};
 }
 
-constexpr Required kRequired[] = {
+Required g_Required[] = {
     Require<g_API>("IOrnAPI"),
     Require<g_VETMTrace>("IOrnVETMTrace"),
     Require<g_TraceClient>("IOrnTraceClient"),
@@ -40,29 +48,94 @@ constexpr Required kRequired[] = {
     Require<g_Emu>("IOrnEmu"),
 };
 
-const Required* FindRequired(const char* name) {
+Required* FindRequired(const char* name) {
     if (name == nullptr) return nullptr;
-    for (const Required& row : kRequired)
+    for (Required& row : g_Required)
         if (std::strcmp(row.name, name) == 0) return &row;
     return nullptr;
 }
 
+// The components that exist, the oldest first. Usually it is one.
+std::vector<jKVETMCtrl*> g_Components;
+
 } // namespace
 
+/// A call of the host into a component.
+class jKVETMCtrl::Entry {
+public:
+    explicit Entry(jKVETMCtrl& component)
+        : m_TooDeep(calls::Stack() >= calls::kDeepest), m_Component(component) {
+        ++m_Component.m_Calls;
+    }
+    /// Behind it, the component may be gone.
+    ~Entry() { --m_Component.m_Calls; }
+    Entry(const Entry&) = delete;
+    Entry& operator=(const Entry&) = delete;
+
+    /// Says why the call can't be made; null if it can.
+    const char* Refusal() const {
+        if (m_TooDeep) return "Calls are nested too deeply";
+        return m_Component.m_DestroyLater ? "The component is being destroyed" : nullptr;
+    }
+
+private:
+    const bool m_TooDeep;
+    const calls::Counted m_Counted; // the last to go: what waited for its end is served
+    jKVETMCtrl& m_Component;
+};
+
 jKVETMCtrl::jKVETMCtrl() {
-    g_BoardQueryPending = 0;
-    g_ConfigAccepted = 0;
+    if (g_Components.empty()) {
+        g_BoardQueryPending = 0;
+        g_ConfigAccepted = 0;
+    }
+    g_Components.push_back(this);
+    calls::WhenEnded(ServeWhatWaited);
     AfxGetApp()->AddClient();
 }
 
 jKVETMCtrl::~jKVETMCtrl() {
-    delete g_Settings;
-    delete g_Supp;
-    // The library may stay mapped: the next component must not find what is gone.
-    g_Settings = nullptr;
-    g_Supp = nullptr;
-    if (g_Ctrl == this) g_Ctrl = nullptr;
+    std::erase(g_Components, this);
+    if (g_Components.empty()) {
+        delete g_Settings;
+        delete g_Supp;
+        // The library may stay mapped: the next component must not find what is gone.
+        g_Settings = nullptr;
+        g_Supp = nullptr;
+    }
+    if (g_Ctrl == this) g_Ctrl = g_Components.empty() ? nullptr : g_Components.back();
     AfxGetApp()->RemoveClient();
+}
+
+void jKVETMCtrl::Destroy(jKVETMCtrl* component) {
+    if (component == nullptr || component->m_DestroyLater) return;
+    const bool last = g_Components.size() == 1;
+    if (calls::Stack() == 0 || (component->m_Calls == 0 && !last)) {
+        delete component;
+        return;
+    }
+    component->m_DestroyLater = true;
+    if (std::ranges::all_of(g_Components, &jKVETMCtrl::m_DestroyLater)) DeafenHost();
+    AfxGetApp()->CancelAll();
+}
+
+/// A call has ended: what could not be done meanwhile is done now, if none is left that
+/// it would harm.
+void jKVETMCtrl::ServeWhatWaited() {
+    if (calls::Stack() == 0) {
+        const auto next = [] {
+            return std::ranges::find_if(g_Components, &jKVETMCtrl::m_DestroyLater);
+        };
+        for (auto found = next(); found != g_Components.end(); found = next()) {
+            delete *found;
+            // The host that was deafened has gone with the last component that used it.
+            if (g_Components.empty())
+                for (const Required& row : g_Required) row.attach(nullptr);
+        }
+    }
+    if (calls::Counting() > 0) return;
+    for (Required& row : g_Required)
+        if (std::exchange(row.waits, false)) row.attach(row.waiting);
 }
 
 const char* jKVETMCtrl::GetInterfaceName() {
@@ -100,9 +173,11 @@ int32_t jKVETMCtrl::CheckParam(uint32_t, uint32_t) {
 }
 
 int32_t jKVETMCtrl::AttachInterface(const char* name, IOrnInterface* object) {
-    const Required* row = FindRequired(name);
+    Required* row = FindRequired(name);
     if (row == nullptr) return -1;
-    row->attach(object);
+    row->waits = calls::Counting() > 0;
+    row->waiting = object;
+    if (!row->waits) row->attach(object);
     return 0;
 }
 
@@ -119,11 +194,11 @@ const char* jKVETMCtrl::GetImplementedName(int32_t index) {
 }
 
 int32_t jKVETMCtrl::GetRequiredCount() {
-    return static_cast<int32_t>(std::size(kRequired));
+    return static_cast<int32_t>(std::size(g_Required));
 }
 
 const char* jKVETMCtrl::GetRequiredName(int32_t index) {
-    return index >= 0 && index < GetRequiredCount() ? kRequired[index].name : nullptr;
+    return index >= 0 && index < GetRequiredCount() ? g_Required[index].name : nullptr;
 }
 
 int32_t jKVETMCtrl::GetRequiredOption(int32_t) {
@@ -135,28 +210,50 @@ IOrnInterface* jKVETMCtrl::GetAttachedInterface(const char* name) {
     return row != nullptr ? row->attached() : nullptr;
 }
 
+bool jKVETMCtrl::Open() {
+    const Entry entry(*this);
+    return GuardedEntry(false, LastError, [&] {
+        if (const char* refusal = entry.Refusal()) return Fail(refusal);
+        return g_SheetOpen != 0 ? OpenInsideSheet() : OpenSheet();
+    });
+}
+
 bool jKVETMCtrl::Fail(std::string reason) {
     LastError = std::move(reason);
     return false;
 }
 
 bool jKVETMCtrl::Init(uint32_t) {
-    return GuardedEntry(false, LastError, [this] {
+    const bool alone = calls::Stack() == 0;
+    const Entry entry(*this);
+    return GuardedEntry(false, LastError, [&] {
         LastError.clear();
+        // The record would go from under whoever uses it.
+        if (!alone) return Fail("Another operation of the module is running");
         auto* record = new (std::nothrow) jTraceSettings;
         delete g_Settings; // of an earlier Init
         g_Settings = record;
         if (record == nullptr) return Fail("No memory");
-        if (g_VETMTrace != nullptr && !record->ReadFromTarget())
-            return Fail("Cannot read ETM/Trace settings from target");
+        // Behind a failed read nothing differs, so that no apply sends what nobody asked for.
+        struct SettledOnFailure {
+            jTraceSettings& record;
+            bool read;
+            ~SettledOnFailure() {
+                if (!read) record.DiscardChanges();
+            }
+        } settled{*record, false};
+        settled.read = g_VETMTrace == nullptr || record->ReadFromTarget();
+        if (!settled.read) return Fail("Cannot read ETM/Trace settings from target");
         g_Ctrl = this;
         return true;
     });
 }
 
 bool jKVETMCtrl::Apply() {
-    return GuardedEntry(false, LastError, [this] {
+    const Entry entry(*this);
+    return GuardedEntry(false, LastError, [&] {
         LastError.clear();
+        if (const char* refusal = entry.Refusal()) return Fail(refusal);
         if (g_VETMTrace == nullptr || g_Settings == nullptr)
             return Fail("Module is not initialized properly");
         return g_Settings->ApplyToTarget();

@@ -1,7 +1,11 @@
 // jKVETMCtrl: the control component. See IOrnKVETMCtrl.h.
 //
-// Who owns it: the host, by way of the factory. It owns the settings record and
-// the support component in turn, which others reach through the slots.
+// Who owns it: the host, by way of the factory. The settings record and the support
+// component, which others reach through the slots, go with the last component.
+//
+// The host may call in at any moment, from inside its own operations too. What would
+// pull something away from under a call on its way waits for the end of that call; see
+// toolkit/CallDepth.h.
 
 #pragma once
 
@@ -12,7 +16,10 @@
 class jKVETMCtrl final : public IOrnKVETMCtrl {
 public:
     jKVETMCtrl();
-    ~jKVETMCtrl();
+    /// Destroys a component: at once if nothing is on its way, otherwise when all calls
+    /// have ended; then its loops end as cancelled, and the host is called no more.
+    /// Null does nothing.
+    static void Destroy(jKVETMCtrl* component);
     jKVETMCtrl(const jKVETMCtrl&) = delete;
     jKVETMCtrl& operator=(const jKVETMCtrl&) = delete;
 
@@ -43,9 +50,15 @@ public:
     void GetLastError(char* buffer, int32_t size) override;
 
 private:
+    class Entry;
+
+    ~jKVETMCtrl();
+    static void ServeWhatWaited();
     bool OpenSheet();
     bool OpenInsideSheet();
     bool Fail(std::string reason);
 
     std::string LastError;
+    int m_Calls = 0;             // of Init, Open and Apply that are on their way
+    bool m_DestroyLater = false; // the host has given it up
 };

@@ -7,6 +7,7 @@
 #include "platform/compare.h"
 #include "settings/jTraceSettings.h"
 #include "text/text_tools.h"
+#include "toolkit/CallDepth.h"
 
 namespace {
 
@@ -43,6 +44,7 @@ IOrnInterface* jKVETMSupp::GetInterface(const char*) {
 void jKVETMSupp::ReleaseInterface(IOrnInterface*) {}
 
 bool jKVETMSupp::InitBoardFile(const char* directory, char* value, uint32_t size, int32_t* mode) {
+    const calls::Counted counted; // behind its end this object may be gone
     bool result = GuardedEntry(false, LastError, [&] { return SettleSelection(directory); });
     if (Mode == kNoSelection) result = false;
     if (mode != nullptr) *mode = Mode;
@@ -82,9 +84,15 @@ bool jKVETMSupp::SettleSelection(const char* directory) {
     return AskUser();
 }
 
+static bool OpenWindow() {
+    if (g_SheetOpen != 0) return g_Ctrl->Open();
+    const calls::Waiting waiting; // this call needs nothing of the host meanwhile
+    return g_Ctrl->Open();
+}
+
 bool jKVETMSupp::AskUser() {
     if (g_SheetOpen == 0) g_BoardQueryPending = 1;
-    const bool opened = g_Ctrl->Open();
+    const bool opened = OpenWindow();
     if (!opened) {
         char reason[260];
         g_Ctrl->GetLastError(reason, sizeof reason);
