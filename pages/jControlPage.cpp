@@ -1,5 +1,7 @@
 #include "pages/jControlPage.h"
 
+#include <utility>
+
 #include "frame/slots.h"
 #include "pages/enable_rules.h"
 #include "pages/jMainPropSheet.h"
@@ -216,8 +218,17 @@ void jControlPage::UpdateControls(bool running) {
     ApplyRules(*this, kRules, facts);
 }
 
+std::optional<uint32_t> jControlPage::ReadState() {
+    try {
+        return GetTraceState();
+    } catch (...) {
+        if (std::exchange(m_StateFailed, true)) return std::nullopt;
+        throw; // becomes a message, which a box at every tick would be too many
+    }
+}
+
 void jControlPage::RefreshFromState() {
-    const uint32_t state = GetTraceState();
+    const uint32_t state = ReadState().value_or(0);
     UpdateControls((state & STATE_RUNNING) != 0);
     m_LastStateBit = (state & STATE_LOOK_AGAIN) != 0 ? 1 : 0;
 }
@@ -225,7 +236,7 @@ void jControlPage::RefreshFromState() {
 void jControlPage::OnTimer(unsigned id) {
     if (m_Active != 0) {
         FollowState();
-        if (g_BoardQueryPending != 0) ServeBoardQuery();
+        if (g_BoardQueryPending != 0 && !m_Configuring) ServeBoardQuery();
     }
     CPropertyPage::OnTimer(id);
 }
@@ -233,22 +244,22 @@ void jControlPage::OnTimer(unsigned id) {
 /// Running alone is not followed: Start and Stop change when bit 1 does, or behind a
 /// press on one of them.
 void jControlPage::FollowState() {
-    const uint32_t state = GetTraceState();
-    const bool running = (state & STATE_RUNNING) != 0;
-    const int32_t bit = (state & STATE_LOOK_AGAIN) != 0 ? 1 : 0;
+    const std::optional<uint32_t> state = ReadState();
+    if (!state) return;
+    const bool running = (*state & STATE_RUNNING) != 0;
+    const int32_t bit = (*state & STATE_LOOK_AGAIN) != 0 ? 1 : 0;
     if (bit != m_LastStateBit) {
         UpdateControls(running);
         m_LastStateBit = bit;
     } else if (m_StartStopStale != 0) {
-        EnableControl(*this, 1030, !running);
-        EnableControl(*this, 1031, running);
+        EnableControl(*this, 1030, m_Enable != 0 && !running);
+        EnableControl(*this, 1031, m_Enable != 0 && running);
         m_StartStopStale = 0;
     }
 }
 
 /// The sheet was opened only to ask for a board file: it closes with the dialog.
 void jControlPage::ServeBoardQuery() {
-    g_BoardQueryPending = 0; // first, or a tick during the dialog opens a second one
     RunConfigureDialog();
     if (g_ConfigAccepted != 0) {
         m_Enable = 1;

@@ -14,6 +14,7 @@
 
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "toolkit/CPropertyPage.h"
@@ -24,8 +25,9 @@ public:
     ~jControlPage() override;
 
     /// Runs the modal ETM Configuration dialog over this page; g_ConfigAccepted tells
-    /// how it ended.
-    void RunConfigureDialog();
+    /// how it ended. It answers a question that waits for a tick too. Returns false if
+    /// one runs already.
+    bool RunConfigureDialog();
 
     bool OnApply() override;
     bool OnSetActive() override;
@@ -48,7 +50,7 @@ private:
     void OnManualMode(Notification&);
     void OnTriggerPin(Notification&);
     void OnTriggerOnAddress(Notification&);
-    void OnConfigure(Notification&) { RunConfigureDialog(); }
+    void OnConfigure(Notification&);
     void OnStart(Notification&);
     void OnStop(Notification&);
     void OnTriggerNow(Notification&);
@@ -64,6 +66,8 @@ private:
     /// Evaluates the enable rules; `running`: capture is running.
     void UpdateControls(bool running);
     void RefreshFromState();
+    /// The state word; nothing if the host fails to tell, which is reported once.
+    std::optional<uint32_t> ReadState();
     void FollowState();
     void ServeBoardQuery();
     bool InitBoardFile(std::string& error);
@@ -84,6 +88,8 @@ private:
     int32_t m_LastStateBit = 0;   // bit 1 of the state word when last looked at
     int32_t m_Active = 0;         // the page is in front
     int32_t m_StartStopStale = 0; // Start and Stop have to follow the state word
+    bool m_Configuring = false;   // the ETM Configuration dialog runs
+    bool m_StateFailed = false;   // the host could not tell its state, and the person knows
 
     CSliderCtrl* m_Slider = nullptr;
 };

@@ -20,9 +20,26 @@ constexpr int32_t kFirstRangePcMode = 3;
 
 } // namespace
 
-void jControlPage::RunConfigureDialog() {
+bool jControlPage::RunConfigureDialog() {
+    if (m_Configuring) return false;
+    struct Configuring {
+        bool& flag;
+        explicit Configuring(bool& runs) : flag(runs) { flag = true; }
+        ~Configuring() { flag = false; }
+    } configuring(m_Configuring);
+    g_BoardQueryPending = 0; // first, or a tick during the dialog asks again
     const auto dialog = std::make_unique<jConfigureETM>(this);
     if (dialog->DoModal() == IDOK && g_Settings->IsModified()) SetModified(true);
+    return true;
+}
+
+/// Pressed before the tick that would have asked for a board, the button asks for it: the
+/// person meets one dialog, and the sheet closes behind it.
+void jControlPage::OnConfigure(Notification&) {
+    if (g_BoardQueryPending != 0)
+        ServeBoardQuery();
+    else
+        RunConfigureDialog();
 }
 
 /// Has the board selection settled; true, too, if nobody can settle it.
