@@ -167,7 +167,7 @@ OrnBool HostXTraceClient::WriteSetting(const char* section, const char* key, con
 }
 
 OrnBool HostXTraceClient::ReadSetting(const char* section, const char* key, int32_t size,
-                                   char* buffer) {
+                                      char* buffer) {
     const auto group = settings_.find(OrEmpty(section));
     bool found = false;
     if (group != settings_.end() && size > 0 && buffer != nullptr) {

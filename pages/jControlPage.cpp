@@ -236,7 +236,7 @@ void jControlPage::RefreshFromState() {
 void jControlPage::OnTimer(unsigned id) {
     if (m_Active != 0) {
         FollowState();
-        if (g_BoardQueryPending != 0 && !m_Configuring) ServeBoardQuery();
+        if (g_BoardQueryPending != 0) ServeBoardQuery();
     }
     CPropertyPage::OnTimer(id);
 }

@@ -33,7 +33,8 @@ public:
     /// bytes at `buffer`, terminator included. Returns false if there is none; the
     /// buffer is then not looked at, and the board selection counts as not known. An
     /// empty text counts as "/none". The module asks with a size of 260.
-    virtual OrnBool ReadSetting(const char* section, const char* key, int32_t size, char* buffer) = 0;
+    virtual OrnBool ReadSetting(const char* section, const char* key, int32_t size,
+                                char* buffer) = 0;
 
 protected:
     ~IOrnXTraceClient() = default;

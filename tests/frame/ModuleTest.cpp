@@ -1,5 +1,8 @@
 // The export, the factory, the control component, and Open without its pages' work.
 
+#include <algorithm>
+#include <cstring>
+
 #include "frame/FactoryTable.h"
 #include "frame/OrnAPIBase.h"
 #include "frame/interfaces/IOrnKVETMSupp.h"
@@ -108,6 +111,43 @@ TEST_F(Component, KeepsItsSlots) {
     EXPECT_STREQ(text, "");
 }
 
+uint64_t g_Answer = 0; // what HasFeature, SetValue and GetValue leave in the register
+
+/// The host's trace engine as another compiler may have made it: of the register in which
+/// it answers only the low byte is set on purpose.
+class LowByteHost {
+public:
+    explicit LowByteHost(IOrnVETMTrace& trace) : m_Object(&trace) {
+        std::memcpy(&m_Before, m_Object, sizeof m_Before);
+        std::copy_n(m_Before - 2, std::size(m_Table), m_Table); // with what precedes slot 0
+        for (const int slot : {9, 10, 11})
+            m_Table[2 + slot] =
+                reinterpret_cast<void*>(+[](void*, uint32_t, void*) { return g_Answer; });
+        void** const table = m_Table + 2;
+        std::memcpy(m_Object, &table, sizeof table);
+    }
+    ~LowByteHost() { std::memcpy(m_Object, &m_Before, sizeof m_Before); }
+
+private:
+    void* m_Object;
+    void** m_Before;
+    void* m_Table[2 + 13];
+};
+
+TEST_F(Component, OfAHostsAnswerTheLowByteCounts) {
+    for (const uint64_t answer : {0x01u, 0x02u, 0x04u, 0x80u, 0xFFu, 0xABCDEF00u, 0x100u}) {
+        SCOPED_TRACE(answer);
+        const bool yes = (answer & 0xFF) != 0;
+        const LowByteHost lowByte(host.trace);
+        g_Answer = answer;
+        EXPECT_EQ(control->Init(0), yes);
+        EXPECT_EQ(OpenAnd([] {}), yes);
+        g_Settings->Working.Accumulate = g_Settings->Working.TriggerPosition = 1;
+        EXPECT_EQ(control->Apply(), yes);
+        EXPECT_EQ(g_Settings->IsModified(), !yes) << "or it would be sent again for ever";
+    }
+}
+
 TEST_F(Component, NamesWhatItNeedsAndHandsItBack) {
     std::vector<std::string> names;
     for (int32_t i = 0; i < control->GetRequiredCount(); ++i)
@@ -130,6 +170,7 @@ TEST_F(Component, NamesWhatItNeedsAndHandsItBack) {
 
 TEST_F(Component, InitReadsTheTargetAndASecondComponentStartsAfresh) {
     host.values.erase(2);
+    host.lines = {"ETM PC = all"};
     EXPECT_EQ(Error(control->Init(0)), "Cannot read ETM/Trace settings from target");
     EXPECT_EQ(g_Ctrl, nullptr);
     EXPECT_NE(g_Settings, nullptr);
@@ -137,6 +178,9 @@ TEST_F(Component, InitReadsTheTargetAndASecondComponentStartsAfresh) {
     control->GetLastError(start, sizeof start);
     EXPECT_STREQ(start, "Cann");
     control->GetLastError(nullptr, 10);
+    host.TakeCalls();
+    EXPECT_TRUE(control->Apply()); // half a read is nothing to send
+    EXPECT_THAT(host.TakeCalls(), IsEmpty());
 
     host.values[2] = 1024;
     EXPECT_TRUE(control->Init(0));
@@ -149,6 +193,40 @@ TEST_F(Component, InitReadsTheTargetAndASecondComponentStartsAfresh) {
     EXPECT_TRUE(g_Settings == nullptr && g_Supp == nullptr && g_Ctrl == nullptr);
     control = static_cast<IOrnKVETMCtrl*>(OrnDLL()->CreateRowObject(0));
     EXPECT_EQ(Error(control->Apply()), "Module is not initialized properly");
+}
+
+TEST_F(Component, BetweenTwoHandlersOfTheSheetAttachingActsAtOnce) {
+    const auto attached = [&] { return control->GetAttachedInterface("IOrnEmu"); };
+    EXPECT_TRUE(OpenAnd([&] { // a timer of the host's
+        control->DetachInterface("IOrnEmu");
+        EXPECT_EQ(attached(), nullptr);
+        host.onCall = [&](const std::string&) {
+            control->AttachInterface("IOrnEmu", &host.emu);
+            EXPECT_EQ(attached(), nullptr) << "inside an operation";
+            host.onCall = nullptr;
+        };
+        display.Advance(600);
+        EXPECT_EQ(attached(), &host.emu);
+        EXPECT_EQ(Error(control->Init(0)), "Another operation of the module is running");
+
+        IOrnInterface* second = OrnDLL()->CreateRowObject(0);
+        OrnDLL()->DestroyRowObject(0, second);
+        EXPECT_TRUE(display.Front() != nullptr && !display.Front()->HasEnded());
+        OrnDLL()->DestroyRowObject(0, control);
+        EXPECT_TRUE(display.Front()->HasEnded());
+    }));
+    EXPECT_EQ(g_Settings, nullptr);
+    control = static_cast<IOrnKVETMCtrl*>(OrnDLL()->CreateRowObject(0));
+}
+
+TEST_F(Component, ASecondOneThatGoesLeavesTheFirstWorking) {
+    ASSERT_TRUE(control->Init(0));
+    auto* second = static_cast<IOrnKVETMCtrl*>(OrnDLL()->CreateRowObject(0));
+    EXPECT_TRUE(second->Init(0) && second->GetInterface("IOrnKVETMSupp") != nullptr);
+    OrnDLL()->DestroyRowObject(0, second);
+    EXPECT_TRUE(g_Supp != nullptr && g_Ctrl != nullptr);
+    EXPECT_TRUE(control->Apply());
+    EXPECT_TRUE(OpenAnd([&] { display.Click(IDOK); }));
 }
 
 TEST_F(Component, EachMissingPieceHasItsText) {

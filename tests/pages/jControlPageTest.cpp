@@ -108,6 +108,55 @@ TEST_F(ControlPage, ServesTheDeferredQuestionAndClosesTheSheet) {
     }
 }
 
+TEST_F(ControlPage, TheQuestionIsAskedOnceWhoeverAsks) {
+    ASSERT_TRUE(control->Init(0));
+    for (const int asked : {1029, 1000}) { // the button or the box, before the first tick
+        SCOPED_TRACE(asked);
+        host.boardFile.reset();
+        host.values[0] = asked == 1029 ? kEnable : 0;
+        ASSERT_TRUE(g_Settings->ReadFromTarget());
+        if (asked == 1000) Support().InitBoardFile("", nullptr, 0, nullptr); // the other got lost
+        display.OnNextDialog([&] {                                           // the sheet
+            display.OnNextDialog([&] {
+                display.Advance(1200);
+                EXPECT_FALSE(control->Open()); // nor does the host get a second one
+                EXPECT_EQ(display.Front()->GetDlgCtrlID(), 1001);
+                display.Click(IDOK);
+            });
+            display.Click(asked);
+            EXPECT_EQ(IsOpen(), asked == 1000); // the button is the question
+            display.Advance(1200);
+            display.Click(IDOK);
+        });
+        EXPECT_TRUE(Support().InitBoardFile("", nullptr, 0, nullptr));
+        EXPECT_EQ(host.boardFile, "/none") << "settled and sent";
+        EXPECT_EQ(g_BoardQueryPending, 0);
+    }
+    g_BoardQueryPending = 1; // a sheet that closes before its tick
+    for (const bool first : {true, false})
+        OpenAnd([&] {
+            if (!first) display.Advance(600);
+            EXPECT_TRUE(IsOpen());
+        });
+}
+
+TEST_F(ControlPage, AStateThatCannotBeToldIsReportedOnce) {
+    host.values[0] = kEnable;
+    Open(0, [&] {
+        host.onCall = [](const std::string& call) {
+            if (call == "GetTraceState") throw std::runtime_error("probe lost");
+        };
+        display.Answer(IDOK);
+        display.Advance(3000);
+        display.Click(1061);
+        EXPECT_THAT(display.Boxes(), ElementsAre("[KVETMControl] probe lost"));
+        host.onCall = nullptr;
+        host.state = 0x6;
+        display.Advance(600);
+        EXPECT_EQ(StartStop(), "1031") << "and followed again";
+    });
+}
+
 TEST_F(ControlPage, TicksFollowTheStateWordAndButtonsActAtOnce) {
     host.values[0] = kEnable;
     Open(0, [&] {
@@ -141,6 +190,14 @@ TEST_F(ControlPage, TicksFollowTheStateWordAndButtonsActAtOnce) {
         host.state = 0x4;
         display.Advance(600);
         EXPECT_EQ(StartStop(), "1030") << "a press counts once";
+        host.state = 0x2;
+        display.Click(1030);
+        display.Click(1000);
+        display.Advance(600);
+        EXPECT_FALSE(display.Enabled(1030)) << "a press behind which ETM was switched off";
+        host.state = 0;
+        display.Click(1000);
+        host.TakeChanges();
         g_VETMTrace = nullptr; // nothing runs and nothing is sent
         for (const int id : {1030, 1061}) display.Click(id);
         EXPECT_EQ(StartStop(), "1030");

@@ -74,6 +74,19 @@ TEST_F(Applying, SendsWhatDiffers) {
     }
 }
 
+TEST_F(Applying, DecidesOnceWhatDiffers) {
+    Edit(settings.Working, "Enable=1 TriggerPosition=0 CycleAccurate=1 PcMode=1");
+    host.onCall = [&](const std::string& call) {
+        if (call != "Command(enable)") return;
+        host.onCall = nullptr;
+        EXPECT_TRUE(settings.ApplyToTarget());
+        Sent();
+    };
+    EXPECT_TRUE(settings.ApplyToTarget());
+    EXPECT_EQ(Sent(), "SetValue(0x0,0x21); SetValue(0x2,0x800); etm portsize=4; etm halfrate=on; "
+                      "WriteSetting(KVETM,BoardFile,/b.mac); etm pc=all; etm data=none");
+}
+
 TEST_F(Applying, StopsWhereARefusalCounts) {
     const jTraceState before = settings.Snapshot;
     jTraceState wanted = before;

@@ -71,7 +71,7 @@ const char* RecordingHost::Trace::Command(const char* text, std::ostream* stream
 }
 
 OrnBool RecordingHost::XTraceClient::ReadSetting(const char* section, const char* key, int32_t size,
-                                              char* buffer) {
+                                                 char* buffer) {
     m_Host.Record(std::string("ReadSetting(") + section + "," + key + ")");
     if (!m_Host.boardFile) return false;
     std::strncpy(buffer, m_Host.boardFile->c_str(), static_cast<size_t>(size));

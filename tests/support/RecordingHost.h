@@ -133,7 +133,8 @@ public:
             m_Host.boardFile = value;
             return true;
         }
-        OrnBool ReadSetting(const char* section, const char* key, int32_t size, char* buffer) override;
+        OrnBool ReadSetting(const char* section, const char* key, int32_t size,
+                            char* buffer) override;
         RecordingHost& m_Host;
     };
     struct TraceClient final : HostObject<IOrnTraceClient> {
