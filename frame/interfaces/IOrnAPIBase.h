@@ -16,7 +16,7 @@
 //  5. GetRequiredCount, GetRequiredName, AttachInterface for each name.
 //  6. Init.
 //  7. Open, Apply, GetLastError, GetInterface("IOrnKVETMSupp") at will.
-//  8. DetachInterface if wished; DestroyRowObject.
+//  8. DetachInterface for what was attached; DestroyRowObject.
 //  9. Unload.
 // Steps 2 and 3 may swap; 5 comes before 6, and 6 before 7.
 
@@ -44,7 +44,9 @@ public:
 
     /// Slot 10. Destroys an object that CreateRowObject made from the same row,
     /// with all that it handed out. Does nothing for a null object or an index
-    /// outside the table. REQUIRES: no operation of the object is running.
+    /// outside the table. While an operation of it is running, its dialogs end as
+    /// cancelled, the host's interfaces are not called any more, and the object goes when
+    /// the outermost call has ended; the host may let go of its own objects at once.
     virtual void DestroyRowObject(int32_t row, IOrnInterface* object) = 0;
 
     /// Slot 11. Tells the module the full path of its own file; copied. Null

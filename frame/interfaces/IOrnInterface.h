@@ -22,8 +22,21 @@
 //    module answers with a `bool`, one byte, 0 or 1.
 //  * No exception crosses the border.
 //  * The host's operations are called while the host itself is inside an operation
-//    of the module. From there it may call the module's in turn, but not those
-//    whose REQUIRES says that no other operation is running.
+//    of the module. From there it may call the module's in turn. What can't be done at
+//    that moment is refused (Init) or waits for the end of the calls that are on their
+//    way (AttachInterface, DetachInterface, DestroyRowObject); calls that nest deeper
+//    than eight return false.
+//  * Which thread: the first one on which IOrnKVETMCtrl::Open shows a window is the one
+//    from then on, for all components. In a host with a Qt application of its own that
+//    is the application's thread. A process forked from one that has shown windows
+//    can't show any.
+//  * On Linux a library that was loaded once stays mapped: the window toolkit keeps
+//    pointers into it. Loading it again finds its state as it was left, the attached
+//    interfaces among it. So detach, and destroy the component, before unloading.
+//  * Who makes the application object of the window toolkit (Linux): the host, if it has
+//    one, and it stays the host's; otherwise the module at the first window, until its
+//    last component is destroyed. A host that means to have its own makes it first.
+//    Once another application object has existed beside it, the module's stays for good.
 
 #pragma once
 

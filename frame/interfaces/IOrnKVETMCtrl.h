@@ -3,8 +3,9 @@
 // What it is     The component that shows the "ETM Control" dialog and applies
 //                the trace settings. A host creates it through IOrnAPIBase,
 //                attaches the interfaces that it names, and calls Init once.
-// Who owns it    The host, from CreateRowObject to DestroyRowObject. One at a
-//                time: all components of one load share the module's state.
+// Who owns it    The host, from CreateRowObject to DestroyRowObject. One is enough:
+//                all components of one load share the module's state, the settings
+//                record among it, which goes with the last of them.
 // Which thread   The host's one thread (see IOrnInterface.h); with the Qt display
 //                that is the thread of the QApplication. Open runs a modal message
 //                loop, and the host's interfaces are called from inside it.
@@ -25,12 +26,14 @@ public:
     /// Slot 18. Creates the settings record and, if IOrnVETMTrace is attached,
     /// reads the target into it (see IOrnVETMTrace.h for the order of calls).
     /// `option` is not looked at. Returns false with
-    ///   "No memory", or
-    ///   "Cannot read ETM/Trace settings from target".
-    /// A second Init begins with a new record.
+    ///   "No memory",
+    ///   "Cannot read ETM/Trace settings from target", or
+    ///   "Another operation of the module is running": called from inside a host
+    ///   operation or while the dialog is open.
+    /// A second Init begins with a new record. Behind a failed read nothing differs: an
+    /// Apply sends nothing.
     /// REQUIRES: the interfaces are attached. A host that attaches IOrnVETMTrace
-    /// attaches IOrnXTraceClient too. After a failed Init a host stops. No other
-    /// operation of the component is running.
+    /// attaches IOrnXTraceClient too. After a failed Init a host stops.
     virtual bool Init(uint32_t option) = 0;
 
     /// Slot 19. Reads the target, shows the modal "ETM Control" dialog and returns

@@ -15,9 +15,11 @@ class IOrnObject : public IOrnIParam {
 public:
     /// Slot 10. Takes the host's object for the interface `name`, replacing an
     /// earlier one; `object` may be null. Returns 0 for a required name, compared
-    /// exactly and with regard to case; -1 for any other, and nothing changes.
-    /// REQUIRES: `object` really implements `name` and outlives its attachment; no
-    /// other operation of the component is running.
+    /// exactly and with regard to case; -1 for any other, and nothing changes. Called
+    /// from inside one of the host's operations, it takes effect when all calls of the
+    /// module that are on their way have ended; between them, say from a timer of the
+    /// host's while the dialog is open, at once.
+    /// REQUIRES: `object` really implements `name` and outlives its attachment.
     virtual int32_t AttachInterface(const char* name, IOrnInterface* object) = 0;
 
     /// Slot 11. The same as AttachInterface(name, null).
@@ -35,14 +37,17 @@ public:
 
     /// Slot 15. Returns the name of required interface `index`, from 0; null for
     /// any other index. In order: "IOrnAPI", "IOrnVETMTrace", "IOrnTraceClient",
-    /// "IOrnXTraceClient", "IOrnXTrace", "IOrnEmu".
+    /// "IOrnXTraceClient", "IOrnXTrace", "IOrnEmu". Open can't do without the first two,
+    /// Init and Apply have nothing to work with without the second, and whoever attaches
+    /// the second attaches "IOrnXTraceClient" too. The others are optional.
     virtual const char* GetRequiredName(int32_t index) = 0;
 
     /// Slot 16. Returns 0 for every argument.
     virtual int32_t GetRequiredOption(int32_t index) = 0;
 
     /// Slot 17. Returns what is attached for `name` at present, or null; null for
-    /// an unknown name, compared like that of AttachInterface.
+    /// an unknown name, compared like that of AttachInterface. An attachment that waits
+    /// is not attached yet.
     virtual IOrnInterface* GetAttachedInterface(const char* name) = 0;
 
 protected:

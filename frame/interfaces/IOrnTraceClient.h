@@ -17,6 +17,7 @@ public:
     /// The module calls, once each per address entry:
     ///   Action("CheckAction", "Eval")   true iff the host evaluates expressions;
     ///   Action("Eval <entry>", null)    true iff the entry is a valid expression.
+    /// No other action is called. Without an evaluator, answer 0 to the first.
     virtual OrnBool Action(const char* action, const char* argument) = 0;
 
 protected:

@@ -49,7 +49,12 @@
 class IOrnVETMTrace : public IOrnInterface {
 public:
     /// Slot 6. Carries out a command of the host's language. Returns null on
-    /// success, otherwise a text that says what went wrong.
+    /// success, otherwise a text that says what went wrong: any text, an empty one
+    /// too, is a refusal.
+    ///
+    /// Behind "macro " stands the path of a board file, as it stands in the settings, or
+    /// one of two special values: "/none", no board file, and "/startup", the debugger's
+    /// own startup macro prepares the pins.
     ///
     /// Beside the commands of an apply, the module sends "start", "stop" and
     /// "trigger force" (the buttons Start, Stop and Trigger Now; the result is not
@@ -72,6 +77,23 @@ public:
     ///     "Normal format supported", "Multiplexed  format  supported" (with two
     ///     blanks twice), "Demultiplexed format supported"
     /// What is missing counts as 0, 1.0 or no; so does all if "capability" is refused.
+    /// A whole report, the NUL at its end included:
+    ///   ETM protocol version: 3
+    ///   ETM architecture version: 1.3
+    ///   Number of address comparator pairs: 4
+    ///   Number of data comparators: 2
+    ///   Number of memory map decoders: 8
+    ///   Number of counters: 2
+    ///   Sequencer present: yes
+    ///   Number of external inputs: 4
+    ///   Number of external outputs: 1
+    ///   FIFOFULL logic present: yes
+    ///   Half-rate clocking supported: yes
+    ///   Full-rate clocking supported: no
+    ///   Normal format supported: yes
+    ///   Multiplexed  format  supported: no
+    ///   Demultiplexed format supported: no
+    ///   (NUL)
     virtual const char* Command(const char* text, std::ostream* stream) = 0;
 
     /// Slot 7. Returns a text about the emulator or ETB for the Status page, or
@@ -123,6 +145,9 @@ public:
     ///   ETM HALFRATE = on | off
     /// What no line mentions stays as it was. Of lines about one setting the last
     /// counts; a range without a kind of data before it means all data within it.
+    /// A line is one line: give it without its line end, or <a> has that too and comes
+    /// back with it in the commands of an apply. After 1,000,000 lines the module asks
+    /// for no more.
     virtual const char* GetSettingsLine(uint32_t index) = 0;
 
 protected:

@@ -9,7 +9,7 @@
 //                IOrnKVETMCtrl::Open.
 //
 // The one setting: section "KVETM", key "BoardFile", at most 259 characters: the
-// path of a board file, "/none" or "/startup".
+// path of a board file, "/none" or "/startup". A longer path is never written.
 //
 // GetInterfaceVersion matters here: HasCommand is called from version 111 on.
 
