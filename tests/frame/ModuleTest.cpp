@@ -257,8 +257,10 @@ TEST_F(Component, OpenReadsTheTargetAnewAndLeavesNothingBehind) {
             EXPECT_EQ(g_SheetOpen, 1);
             EXPECT_TRUE(g_MainSheet != nullptr && g_ControlPage != nullptr);
             EXPECT_EQ(g_Settings->Working.TriggerPosition, 100);
+            if (button == IDCANCEL) g_Settings->Working.PcBegin = "edited";
             display.Click(button);
         }));
+        EXPECT_TRUE(g_Settings->Working == g_Settings->Snapshot);
         EXPECT_EQ(g_SheetOpen, 0);
         EXPECT_TRUE(g_MainSheet == nullptr && g_ControlPage == nullptr);
         EXPECT_THAT(host.TakeChanges(), ElementsAre("Command(capability)"));

@@ -80,6 +80,7 @@ TEST_F(Dialogs, FieldsReachControlsAndComeBack) {
         EXPECT_EQ(sample.text, "7");
         sample.radio = -1;
         sample.UpdateData(false);
+        sample.radio = 1;
         sample.UpdateData(true);
         EXPECT_EQ(sample.radio, -1);
     });
@@ -96,6 +97,24 @@ TEST_F(Dialogs, AnExchangeHoldsNotificationsBackAndCodeOutsideItDoesNot) {
         display.Control(1008).SetWindowText("61");
         EXPECT_THAT(sample.notes, ElementsAre("text"));
     });
+}
+
+TEST_F(Dialogs, InputForWhatCannotBeUsedIsIgnored) {
+    Run([&] {
+        for (const bool hidden : {false, true}) {
+            for (const auto& control : sample.GetControls()) {
+                control->EnableWindow(hidden);
+                control->ShowWindow(hidden ? SW_HIDE : SW_SHOW);
+            }
+            for (const int id : {1000, 1034}) display.Click(id);
+            display.Type(1008, "9");
+            display.Drag(1007, 9);
+            EXPECT_TRUE(display.Checked(1000) && display.Checked(1035));
+            EXPECT_EQ(display.Text(1008), "50");
+            EXPECT_EQ(display.Position(1007), 0);
+        }
+    });
+    EXPECT_THAT(sample.notes, IsEmpty());
 }
 
 TEST_F(Dialogs, AnExceptionOfAHandlerEndsInABox) {
