@@ -22,14 +22,14 @@ void DestroyCtrl(IOrnInterface* object) {
 } // namespace
 
 OrnAPIBase::OrnAPIBase() {
-    m_Table.AddFactoryRow({"IOrnKVETMCtrl", "KVETMControl", CreateCtrl, DestroyCtrl});
+    m_Table.AddFactoryRow({ORN_KVETM_CTRL, "KVETMControl", CreateCtrl, DestroyCtrl});
 }
 
 const char* OrnAPIBase::GetInterfaceName() {
-    return "IOrnAPIBase";
+    return ORN_API_BASE;
 }
 int32_t OrnAPIBase::GetInterfaceVersion() {
-    return 120;
+    return ORN_API_BASE_VERSION;
 }
 const char* OrnAPIBase::GetComponentName() {
     return "OrnAPIBase";
@@ -79,7 +79,7 @@ const char* OrnAPIBase::GetModulePath() {
 
 void OrnAPIBase::SetAPI(IOrnInterface* api) {
     GuardedEntry(0, [&] {
-        if (api == nullptr || CompareNoCase(api->GetInterfaceName(), "IOrnAPI") == 0)
+        if (api == nullptr || CompareNoCase(api->GetInterfaceName(), ORN_API) == 0)
             g_HostAPI = static_cast<IOrnAPI*>(api);
         return 0;
     });

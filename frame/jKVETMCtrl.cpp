@@ -40,12 +40,12 @@ template <auto& Slot> Required Require(const char* name) {
 }
 
 Required g_Required[] = {
-    Require<g_API>("IOrnAPI"),
-    Require<g_VETMTrace>("IOrnVETMTrace"),
-    Require<g_TraceClient>("IOrnTraceClient"),
-    Require<g_XTraceClient>("IOrnXTraceClient"),
-    Require<g_XTrace>("IOrnXTrace"),
-    Require<g_Emu>("IOrnEmu"),
+    Require<g_API>(ORN_API),
+    Require<g_VETMTrace>(ORN_VETM_TRACE),
+    Require<g_TraceClient>(ORN_TRACE_CLIENT),
+    Require<g_XTraceClient>(ORN_XTRACE_CLIENT),
+    Require<g_XTrace>(ORN_XTRACE),
+    Require<g_Emu>(ORN_EMU),
 };
 
 Required* FindRequired(const char* name) {
@@ -139,10 +139,10 @@ void jKVETMCtrl::ServeWhatWaited() {
 }
 
 const char* jKVETMCtrl::GetInterfaceName() {
-    return "IOrnKVETMCtrl";
+    return ORN_KVETM_CTRL;
 }
 int32_t jKVETMCtrl::GetInterfaceVersion() {
-    return 100;
+    return ORN_KVETM_CTRL_VERSION;
 }
 const char* jKVETMCtrl::GetComponentName() {
     return "KVETMControl";
@@ -152,7 +152,7 @@ int32_t jKVETMCtrl::GetComponentVersion() {
 }
 
 IOrnInterface* jKVETMCtrl::GetInterface(const char* name) {
-    if (name == nullptr || std::strcmp(name, "IOrnKVETMSupp") != 0) return nullptr;
+    if (name == nullptr || std::strcmp(name, ORN_KVETM_SUPP) != 0) return nullptr;
     if (g_Supp == nullptr) g_Supp = new (std::nothrow) jKVETMSupp;
     return g_Supp;
 }

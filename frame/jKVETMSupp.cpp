@@ -2,35 +2,30 @@
 
 #include "board/BoardFile.h"
 #include "frame/guard.h"
+#include "frame/interfaces/IOrnXTraceClient.h"
 #include "frame/jKVETMCtrl.h"
 #include "frame/slots.h"
-#include "platform/compare.h"
+#include "settings/BoardSelection.h"
 #include "settings/jTraceSettings.h"
 #include "text/text_tools.h"
 #include "toolkit/CallDepth.h"
 
 namespace {
 
-// Values of Mode; 0 and 1 need no board file.
-constexpr int32_t kNoSelection = -1;
-constexpr int32_t kNoBoardFile = 0;
-constexpr int32_t kStartupMacro = 1;
-constexpr int32_t kBoardFile = 2;
-
 /// The board selection of the settings record.
 struct Selection {
     Selection() { g_Settings->GetTextAttribute(TA_BOARD_FILE, text, sizeof text); }
-    bool IsUnknown() const { return CompareNoCase(text, "---") == 0; }
+    bool IsUnknown() const { return KindOfBoard(text) == BoardSelection::Unknown; }
     char text[260];
 };
 
 } // namespace
 
 const char* jKVETMSupp::GetInterfaceName() {
-    return "IOrnKVETMSupp";
+    return ORN_KVETM_SUPP;
 }
 int32_t jKVETMSupp::GetInterfaceVersion() {
-    return 100;
+    return ORN_KVETM_SUPP_VERSION;
 }
 const char* jKVETMSupp::GetComponentName() {
     return "KVETMSupp";
@@ -46,7 +41,7 @@ void jKVETMSupp::ReleaseInterface(IOrnInterface*) {}
 bool jKVETMSupp::InitBoardFile(const char* directory, char* value, uint32_t size, int32_t* mode) {
     const calls::Counted counted; // behind its end this object may be gone
     bool result = GuardedEntry(false, LastError, [&] { return SettleSelection(directory); });
-    if (Mode == kNoSelection) result = false;
+    if (Mode == ORN_MODE_NONE) result = false;
     if (mode != nullptr) *mode = Mode;
     CopyBounded(value, size, Value.c_str());
     return result;
@@ -63,7 +58,7 @@ void jKVETMSupp::GetLastError(char* buffer, int32_t size) {
 bool jKVETMSupp::SettleSelection(const char* directory) {
     LastError.clear();
     if (g_Settings == nullptr || g_Ctrl == nullptr) {
-        Mode = kNoSelection;
+        Mode = ORN_MODE_NONE;
         LastError = "Module is not initialized properly";
         return false;
     }
@@ -71,16 +66,16 @@ bool jKVETMSupp::SettleSelection(const char* directory) {
 
     const Selection selection;
     if (selection.IsUnknown()) {
-        if (Mode == kNoSelection) return AskUser();
-        Mode = kNoSelection; // a selection that was in force is lost: the next call asks
+        if (Mode == ORN_MODE_NONE) return AskUser();
+        Mode = ORN_MODE_NONE; // a selection that was in force is lost: the next call asks
         return false;
     }
     if (TakeFixedSelection(selection.text)) return true;
     if (OpenForReading(selection.text)) {
-        Take(kBoardFile, selection.text);
+        Take(ORN_MODE_BOARD_FILE, selection.text);
         return true;
     }
-    Mode = kNoSelection;
+    Mode = ORN_MODE_NONE;
     return AskUser();
 }
 
@@ -101,23 +96,27 @@ bool jKVETMSupp::AskUser() {
 
     const Selection answer;
     if (answer.IsUnknown()) {
-        Mode = kNoSelection; // whatever a call from inside the dialog made of it
+        Mode = ORN_MODE_NONE; // whatever a call from inside the dialog made of it
         LastError = "Cancelled by user";
     } else if (!TakeFixedSelection(answer.text)) {
-        Take(kBoardFile, answer.text);
+        Take(ORN_MODE_BOARD_FILE, answer.text);
     }
     return opened;
 }
 
 /// Takes a selection that names no file; false if it is not one of those.
 bool jKVETMSupp::TakeFixedSelection(const char* selection) {
-    if (*selection == '\0' || CompareNoCase(selection, "/none") == 0)
-        Take(kNoBoardFile, "/none");
-    else if (CompareNoCase(selection, "/startup") == 0)
-        Take(kStartupMacro, "/startup");
-    else
+    switch (KindOfBoard(selection)) {
+    case BoardSelection::Empty:
+    case BoardSelection::None:
+        Take(ORN_MODE_NO_FILE, ORN_BOARD_NONE);
+        return true;
+    case BoardSelection::Startup:
+        Take(ORN_MODE_STARTUP, ORN_BOARD_STARTUP);
+        return true;
+    default:
         return false;
-    return true;
+    }
 }
 
 void jKVETMSupp::Take(int32_t mode, const char* value) {

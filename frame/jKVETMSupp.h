@@ -28,6 +28,6 @@ private:
     void Take(int32_t mode, const char* value);
 
     std::string LastError;
-    int32_t Mode = -1; // what the last call made of the selection
-    std::string Value; // the selection that went with the last other mode
+    int32_t Mode = ORN_MODE_NONE; // what the last call made of the selection
+    std::string Value;            // the selection that went with the last other mode
 };

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "frame/interfaces/IOrnVETMTrace.h"
 #include "frame/slots.h"
 #include "pages/enable_rules.h"
 #include "pages/jMainPropSheet.h"
@@ -137,6 +138,10 @@ void jControlPage::LoadFromSettings(bool first) {
     RefreshFromState();
 }
 
+bool jControlPage::TriggersOnAddress() const {
+    return m_StopMode == STOP_AFTER_TRIGGER && m_TriggerOnAddress != 0;
+}
+
 bool jControlPage::CommitPage() {
     UpdateData(true);
     g_Settings->SetAttribute(TA_ENABLE, m_Enable);
@@ -209,9 +214,9 @@ void jControlPage::UpdateControls(bool running) {
         return;
     }
     Facts facts;
-    facts.etb = HasFeature(FEATURE_ETB);
-    facts.tpiu = !facts.etb && HasFeature(FEATURE_TPIU);
-    facts.afterTrigger = m_StopMode == 2;
+    facts.etb = HasFeature(ORN_FEATURE_ETB);
+    facts.tpiu = !facts.etb && HasFeature(ORN_FEATURE_TPIU);
+    facts.afterTrigger = m_StopMode == STOP_AFTER_TRIGGER;
     facts.onAddress = m_TriggerOnAddress != 0;
     facts.running = running;
     ShowNote(*this, 1083, NoteFor(facts));
@@ -229,8 +234,8 @@ std::optional<uint32_t> jControlPage::ReadState() {
 
 void jControlPage::RefreshFromState() {
     const uint32_t state = ReadState().value_or(0);
-    UpdateControls((state & STATE_RUNNING) != 0);
-    m_LastStateBit = (state & STATE_LOOK_AGAIN) != 0 ? 1 : 0;
+    UpdateControls((state & ORN_STATE_RUNNING) != 0);
+    m_LastStateBit = (state & ORN_STATE_LOOK_AGAIN) != 0 ? 1 : 0;
 }
 
 void jControlPage::OnTimer(unsigned id) {
@@ -246,8 +251,8 @@ void jControlPage::OnTimer(unsigned id) {
 void jControlPage::FollowState() {
     const std::optional<uint32_t> state = ReadState();
     if (!state) return;
-    const bool running = (*state & STATE_RUNNING) != 0;
-    const int32_t bit = (*state & STATE_LOOK_AGAIN) != 0 ? 1 : 0;
+    const bool running = (*state & ORN_STATE_RUNNING) != 0;
+    const int32_t bit = (*state & ORN_STATE_LOOK_AGAIN) != 0 ? 1 : 0;
     if (bit != m_LastStateBit) {
         UpdateControls(running);
         m_LastStateBit = bit;

@@ -74,7 +74,7 @@ private:
     bool CommitAndSend(const char* command);
     void FollowStartStop();
     void StopTimer();
-    bool TriggersOnAddress() const { return m_StopMode == 2 && m_TriggerOnAddress != 0; }
+    bool TriggersOnAddress() const;
 
     int32_t m_Enable = 0;
     int32_t m_Accumulate = 0;

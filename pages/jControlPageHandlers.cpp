@@ -16,7 +16,7 @@
 namespace {
 
 // From this PC mode on, PC trace takes the address comparators.
-constexpr int32_t kFirstRangePcMode = 3;
+constexpr int32_t kFirstRangePcMode = PC_START_STOP;
 
 } // namespace
 
@@ -45,7 +45,7 @@ void jControlPage::OnConfigure(Notification&) {
 /// Has the board selection settled; true, too, if nobody can settle it.
 bool jControlPage::InitBoardFile(std::string& error) {
     auto* support = g_Ctrl != nullptr
-                        ? static_cast<IOrnKVETMSupp*>(g_Ctrl->GetInterface("IOrnKVETMSupp"))
+                        ? static_cast<IOrnKVETMSupp*>(g_Ctrl->GetInterface(ORN_KVETM_SUPP))
                         : nullptr;
     if (support == nullptr) return true;
     char text[512] = "";

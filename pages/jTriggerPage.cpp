@@ -1,5 +1,6 @@
 #include "pages/jTriggerPage.h"
 
+#include "frame/interfaces/IOrnVETMTrace.h"
 #include "frame/slots.h"
 #include "pages/CheckComparatorIndex.h"
 #include "pages/enable_rules.h"
@@ -9,11 +10,6 @@
 #include "toolkit/data_exchange.h"
 
 namespace {
-
-// Bits of the data mode.
-constexpr int32_t kDataAddresses = 1;
-constexpr int32_t kDataValues = 2;
-constexpr int32_t kDataInRange = 4;
 
 // --- What the chip offers ---------------------------------------------------------
 
@@ -49,7 +45,7 @@ constexpr EnableRule<ChipFacts> kChipRules[] = {
 ChipFacts GetChipFacts() {
     const jTraceState& state = g_Settings->Working;
     ChipFacts facts;
-    facts.cortexM3 = HasFeature(FEATURE_CORTEX_M3);
+    facts.cortexM3 = HasFeature(ORN_FEATURE_CORTEX_M3);
     facts.rangeHw = state.ArchVersion >= 12 && state.AddressComparatorPairs > 0;
     facts.dataHw = state.DataComparators > 0 || state.AddressComparatorPairs > 0;
     return facts;
@@ -65,15 +61,15 @@ struct Selection {
 };
 
 bool UsesPcBegin(int32_t pcMode) {
-    return pcMode >= 2 && pcMode <= 4;
+    return pcMode >= PC_START && pcMode <= PC_RANGE;
 }
 bool UsesPcEnd(int32_t pcMode) {
-    return pcMode == 3 || pcMode == 4;
+    return pcMode == PC_START_STOP || pcMode == PC_RANGE;
 }
 
 constexpr auto NeedsPcBegin = [](const Selection& s) { return UsesPcBegin(s.pcMode); };
 constexpr auto NeedsPcEnd = [](const Selection& s) { return UsesPcEnd(s.pcMode); };
-constexpr auto Advanced = [](const Selection& s) { return s.pcMode == 5; };
+constexpr auto Advanced = [](const Selection& s) { return s.pcMode == PC_COMPLEX; };
 constexpr auto CanLimit = [](const Selection& s) { return s.pairs && s.data; };
 constexpr auto NeedsDataRange = [](const Selection& s) { return s.data && s.limitToRange; };
 
@@ -82,7 +78,7 @@ constexpr EnableRule<Selection> kPcModeRules[] = {
     {1019, NeedsPcEnd},
     {1023, Advanced},
 };
-constexpr int32_t kLastPcModeWithRules = 5;
+constexpr int32_t kLastPcModeWithRules = PC_COMPLEX;
 
 constexpr EnableRule<Selection> kDataRules[] = {
     {1075, CanLimit},
@@ -143,9 +139,9 @@ void jTriggerPage::LoadFromSettings() {
     m_PcBeginText = state.PcBegin;
     m_PcEndText = state.PcEnd;
     const int32_t dataMode = g_Settings->GetAttribute(TA_DATA_MODE);
-    m_DataAddresses = (dataMode & kDataAddresses) != 0 ? 1 : 0;
-    m_DataValues = (dataMode & kDataValues) != 0 ? 1 : 0;
-    m_LimitToRange = (dataMode & kDataInRange) != 0 ? 1 : 0;
+    m_DataAddresses = (dataMode & DATA_ADDRESSES) != 0 ? 1 : 0;
+    m_DataValues = (dataMode & DATA_VALUES) != 0 ? 1 : 0;
+    m_LimitToRange = (dataMode & DATA_IN_RANGE) != 0 ? 1 : 0;
     m_DataBeginText = state.DataBegin;
     m_DataEndText = state.DataEnd;
     UpdateData(false);
@@ -154,24 +150,25 @@ void jTriggerPage::LoadFromSettings() {
 
 int32_t jTriggerPage::DataMode() const {
     int32_t mode = 0;
-    if (m_DataAddresses != 0) mode |= kDataAddresses;
-    if (m_DataValues != 0) mode |= kDataValues;
+    if (m_DataAddresses != 0) mode |= DATA_ADDRESSES;
+    if (m_DataValues != 0) mode |= DATA_VALUES;
     // A range with nothing to capture in it is dropped.
-    if (mode != 0 && m_LimitToRange != 0) mode |= kDataInRange;
+    if (mode != 0 && m_LimitToRange != 0) mode |= DATA_IN_RANGE;
     return mode;
 }
 
 /// The data range takes addresses on every chip, the PC fields comparators on a
 /// Cortex-M3.
 bool jTriggerPage::CheckAddresses(int32_t dataMode) {
-    const bool cortexM3 = HasFeature(FEATURE_CORTEX_M3);
+    const bool cortexM3 = HasFeature(ORN_FEATURE_CORTEX_M3);
     const auto isAddress = [this](const std::string& text) {
         return ValidateAddress(this, text.c_str());
     };
     const auto isPcField = [&](const std::string& text) {
         return cortexM3 ? CheckComparatorIndex(*this, text.c_str()) : isAddress(text);
     };
-    if ((dataMode & kDataInRange) != 0 && !(isAddress(m_DataBeginText) && isAddress(m_DataEndText)))
+    if ((dataMode & DATA_IN_RANGE) != 0 &&
+        !(isAddress(m_DataBeginText) && isAddress(m_DataEndText)))
         return false;
     if (UsesPcBegin(m_PcMode) && !isPcField(m_PcBeginText)) return false;
     return !UsesPcEnd(m_PcMode) || isPcField(m_PcEndText);
@@ -187,7 +184,7 @@ bool jTriggerPage::CommitPage() {
     if (UsesPcEnd(m_PcMode)) state.PcEnd = m_PcEndText;
     g_Settings->SetAttribute(TA_PC_MODE, m_PcMode);
     g_Settings->SetAttribute(TA_DATA_MODE, dataMode);
-    if ((dataMode & kDataInRange) != 0) {
+    if ((dataMode & DATA_IN_RANGE) != 0) {
         state.DataBegin = m_DataBeginText;
         state.DataEnd = m_DataEndText;
     }
@@ -243,7 +240,7 @@ void jTriggerPage::UpdateModeControls() {
     const Selection selection{m_PcMode, m_DataValues != 0 || m_DataAddresses != 0,
                               m_LimitToRange != 0, g_Settings->Working.AddressComparatorPairs > 0};
     // "Do not capture PC Trace" leaves its fields as they were.
-    if (m_PcMode >= 0 && m_PcMode <= kLastPcModeWithRules)
+    if (m_PcMode >= PC_NONE && m_PcMode <= kLastPcModeWithRules)
         ApplyRules(*this, kPcModeRules, selection);
     EnableControl(*this, 1083, UsesPcBegin(m_PcMode));
     ApplyRules(*this, kDataRules, selection);

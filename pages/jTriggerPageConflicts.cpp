@@ -56,8 +56,8 @@ void jTriggerPage::OnTraceOptionChanged(Notification&) {
 
 unsigned jTriggerPage::ComparatorUses() const {
     unsigned uses = 0;
-    if (m_PcMode >= 2) uses |= kUsedByPc;
-    if (g_Settings->GetAttribute(TA_STOP_MODE) == 2 &&
+    if (m_PcMode >= PC_START) uses |= kUsedByPc;
+    if (g_Settings->GetAttribute(TA_STOP_MODE) == STOP_AFTER_TRIGGER &&
         g_Settings->GetAttribute(TA_TRIGGER_ON_ADDRESS) != 0)
         uses |= kUsedByTrigger;
     return uses;
@@ -68,7 +68,7 @@ bool jTriggerPage::AskConflict(const char* question) {
 }
 
 bool jTriggerPage::SettleTriggerConflict(unsigned& uses) {
-    if (m_PcMode < 3 || (uses & kUsedByTrigger) == 0) return true;
+    if (m_PcMode < PC_START_STOP || (uses & kUsedByTrigger) == 0) return true;
     if (!AskConflict("Address range cannot be used if ETM trigger is enabled.\n"
                      "Do you want to disable ETM trigger generation now?"))
         return false;
@@ -88,7 +88,7 @@ bool jTriggerPage::SettleDataRangeConflict(unsigned uses, bool limitChanged) {
     if (!AskConflict(question.c_str())) return false;
     if (limitChanged) {
         g_Settings->SetAttribute(TA_TRIGGER_ON_ADDRESS, 0);
-        m_PcMode = 1;
+        m_PcMode = PC_ALL;
     } else {
         m_LimitToRange = 0;
     }

@@ -7,7 +7,8 @@
 #include "frame/interfaces/IOrnVETMTrace.h"
 #include "frame/interfaces/IOrnXTraceClient.h"
 #include "frame/slots.h"
-#include "platform/compare.h"
+#include "settings/BoardSelection.h"
+#include "settings/control_word.h"
 #include "settings/jTraceSettings.h"
 #include "toolkit/CWnd.h"
 
@@ -62,8 +63,10 @@ bool jTraceSettings::ApplyToTarget() {
 
     if (boardDiffers) Send("macro " + Working.BoardFile);
     if (controlDiffers && !SwitchTrace(wasEnabled != 0)) return false;
-    const bool control = !controlDiffers || g_VETMTrace->SetValue(0, EncodeControlWord()) != 0;
-    const bool position = !positionDiffers || g_VETMTrace->SetValue(2, EncodeTriggerCount()) != 0;
+    const bool control = !controlDiffers ||
+                         g_VETMTrace->SetValue(ORN_VALUE_CONTROL, EncodeControlWord(Working)) != 0;
+    const bool position = !positionDiffers ||
+                          g_VETMTrace->SetValue(ORN_VALUE_TRIGGER_COUNT, EncodeTriggerCount()) != 0;
     const bool port = !portDiffers || ApplyPort();
     const bool trace = !traceDiffers || ApplyTrace();
     if (!control || !position || !port || !trace) return false;
@@ -85,18 +88,6 @@ bool jTraceSettings::SwitchTrace(bool wasEnabled) {
     return false;
 }
 
-uint32_t jTraceSettings::EncodeControlWord() const {
-    uint32_t word = 0;
-    if (Working.Enable) word |= 0x1;
-    if (Working.StopMode == 1) word |= 0x2;
-    if (Working.StopMode == 2 && Working.TriggerPin) word |= 0x100;
-    if (Working.StopMode == 2 && Working.TriggerOnAddress) word |= 0x200;
-    word |= static_cast<uint32_t>(Working.ControlSpareBits);
-    if (Working.Accumulate) word |= 0x4;
-    if (Working.ManualMode) word |= 0x8;
-    return word;
-}
-
 uint32_t jTraceSettings::EncodeTriggerCount() const {
     const double count = (100.0 - Working.TriggerPosition) * 0.01 * BufferSize;
     const double most = std::numeric_limits<uint32_t>::max();
@@ -116,10 +107,11 @@ bool jTraceSettings::ApplyPort() {
          (Snapshot.DemultiplexedFormatSupported && Working.PortModeIndex == normalEntries));
     const bool taken = Send(halfRate ? "etm halfrate=on" : "etm halfrate=off");
 
-    if (g_XTraceClient && CompareNoCase(Working.BoardFile.c_str(), "---") != 0) {
-        const char* const value = Working.BoardFile.empty() ? "/none" : Working.BoardFile.c_str();
-        g_XTraceClient->WriteSetting("KVETM", "BoardFile", value);
-    }
+    const char* board = Working.BoardFile.c_str();
+    const BoardSelection kind = KindOfBoard(board);
+    if (kind == BoardSelection::Empty) board = ORN_BOARD_NONE;
+    if (g_XTraceClient && kind != BoardSelection::Unknown)
+        g_XTraceClient->WriteSetting(ORN_SETTING_SECTION, ORN_SETTING_BOARD_FILE, board);
     return taken;
 }
 
@@ -130,20 +122,20 @@ bool jTraceSettings::ApplyTrace() {
     bool taken = true;
     const auto send = [&taken](const std::string& command) { taken &= Send(command); };
     switch (wanted.PcMode) {
-    case 0:
+    case PC_NONE:
         send("etm pc=none");
         break;
-    case 1:
+    case PC_ALL:
         send("etm pc=all");
         break;
-    case 2:
+    case PC_START:
         send("etm pc=start " + wanted.PcBegin);
         break;
-    case 3:
+    case PC_START_STOP:
         send("etm pc=start " + wanted.PcBegin);
         send("etm pc=stop " + wanted.PcEnd);
         break;
-    case 4:
+    case PC_RANGE:
         send("etm pc=from " + wanted.PcBegin);
         send("etm pc=to " + wanted.PcEnd);
         break;
@@ -151,9 +143,9 @@ bool jTraceSettings::ApplyTrace() {
         send("etm complex");
         break;
     }
-    send(std::string("etm data=") + kDataKinds[wanted.DataMode & 3]);
+    send(std::string("etm data=") + kDataKinds[wanted.DataMode & DATA_KINDS]);
 
-    if (taken && (wanted.DataMode & 4) != 0) {
+    if (taken && (wanted.DataMode & DATA_IN_RANGE) != 0) {
         send("etm data=from " + wanted.DataBegin);
         send("etm data=to " + wanted.DataEnd);
     }

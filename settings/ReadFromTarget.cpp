@@ -11,6 +11,7 @@
 #include "frame/slots.h"
 #include "platform/compare.h"
 #include "settings/ReadCapabilities.h"
+#include "settings/control_word.h"
 #include "settings/jTraceSettings.h"
 #include "text/TxtScan.h"
 
@@ -38,8 +39,6 @@ static const char* TakeRest(TxtScan& scanner) {
 
 namespace {
 
-constexpr int32_t kDataRange = 4; // the bit of DataMode
-
 /// What may stand behind the "=" of a PC or DATA line.
 struct Form {
     const char* Word;
@@ -66,15 +65,15 @@ bool jTraceSettings::ReadFromTarget() {
     uint32_t control = 0;
     uint32_t size = 0;
     uint32_t count = 0;
-    const bool controlRead = g_VETMTrace->GetValue(0, &control);
-    const bool sizeRead = g_VETMTrace->GetValue(1, &size);
-    const bool countRead = g_VETMTrace->GetValue(2, &count);
+    const bool controlRead = g_VETMTrace->GetValue(ORN_VALUE_CONTROL, &control);
+    const bool sizeRead = g_VETMTrace->GetValue(ORN_VALUE_BUFFER_SIZE, &size);
+    const bool countRead = g_VETMTrace->GetValue(ORN_VALUE_TRIGGER_COUNT, &count);
     if (sizeRead) BufferSize = size;
 
     const bool linesRead = ReadSettingsLines();
     if (!controlRead || !sizeRead || !countRead || !linesRead) return false;
 
-    DecodeControlWord(control);
+    DecodeControlWord(control, Snapshot);
     DecodeTriggerCount(count);
     ReadBoardFile();
     Working = Snapshot;
@@ -83,15 +82,15 @@ bool jTraceSettings::ReadFromTarget() {
 
 void jTraceSettings::ReadIdentification() {
     uint32_t word = 0;
-    if (!g_VETMTrace->GetValue(0x1000004, &word)) return;
+    if (!g_VETMTrace->GetValue(ORN_VALUE_ETMCCR, &word)) return;
     Snapshot.ConfigCode = word;
-    if (!g_VETMTrace->GetValue(0x1000014, &word)) return;
+    if (!g_VETMTrace->GetValue(ORN_VALUE_ETMSCR, &word)) return;
     Snapshot.SystemConfig = word;
 
     Snapshot.EtmId = 0;
-    const bool hasId = (Snapshot.ConfigCode & 0x80000000) != 0;
-    if (hasId) g_VETMTrace->GetValue(0x10001E4, &Snapshot.EtmId);
-    g_VETMTrace->GetValue(5, &Snapshot.PortSizeMask);
+    const bool hasId = (Snapshot.ConfigCode & ORN_ETMCCR_HAS_ID) != 0;
+    if (hasId) g_VETMTrace->GetValue(ORN_VALUE_ETMIDR, &Snapshot.EtmId);
+    g_VETMTrace->GetValue(ORN_VALUE_PORT_SIZES, &Snapshot.PortSizeMask);
     ReadCapabilities(Snapshot);
 }
 
@@ -120,7 +119,7 @@ void jTraceSettings::ParseSettingsLine(TxtScan& scanner) {
     else if (IsWord(scanner, "DATA"))
         ParseDataLine(scanner);
     else if (IsWord(scanner, "COMPLEX"))
-        Snapshot.PcMode = 5;
+        Snapshot.PcMode = PC_COMPLEX;
     else if (IsWord(scanner, "TRIGGER"))
         Snapshot.TriggerAddress = TakeRest(scanner);
     else if (IsWord(scanner, "PORTSIZE"))
@@ -131,12 +130,12 @@ void jTraceSettings::ParseSettingsLine(TxtScan& scanner) {
 
 bool jTraceSettings::ParsePcLine(TxtScan& scanner) {
     static constexpr Form kForms[] = {
-        {"none", 0, nullptr},
-        {"all", 1, nullptr},
-        {"from", 4, &jTraceState::PcBegin},
-        {"to", 4, &jTraceState::PcEnd},
-        {"start", 2, &jTraceState::PcBegin},
-        {"stop", 3, &jTraceState::PcEnd},
+        {"none", PC_NONE, nullptr},
+        {"all", PC_ALL, nullptr},
+        {"from", PC_RANGE, &jTraceState::PcBegin},
+        {"to", PC_RANGE, &jTraceState::PcEnd},
+        {"start", PC_START, &jTraceState::PcBegin},
+        {"stop", PC_START_STOP, &jTraceState::PcEnd},
     };
     const Form* const form = TakeForm(scanner, kForms);
     if (!form) return false;
@@ -147,12 +146,12 @@ bool jTraceSettings::ParsePcLine(TxtScan& scanner) {
 
 bool jTraceSettings::ParseDataLine(TxtScan& scanner) {
     static constexpr Form kForms[] = {
-        {"all", 3, nullptr},
+        {"all", DATA_KINDS, nullptr},
         {"none", 0, nullptr},
-        {"addr", 1, nullptr},
-        {"value", 2, nullptr},
-        {"from", kDataRange, &jTraceState::DataBegin},
-        {"to", kDataRange, &jTraceState::DataEnd},
+        {"addr", DATA_ADDRESSES, nullptr},
+        {"value", DATA_VALUES, nullptr},
+        {"from", DATA_IN_RANGE, &jTraceState::DataBegin},
+        {"to", DATA_IN_RANGE, &jTraceState::DataEnd},
     };
     const Form* const form = TakeForm(scanner, kForms);
     if (!form) return false;
@@ -161,9 +160,9 @@ bool jTraceSettings::ParseDataLine(TxtScan& scanner) {
         return true;
     }
     Snapshot.*form->Address = TakeRest(scanner);
-    Snapshot.DataMode |= kDataRange;
+    Snapshot.DataMode |= DATA_IN_RANGE;
     // A range without a kind of data means all data within it.
-    if (Snapshot.DataMode == kDataRange) Snapshot.DataMode |= 3;
+    if (Snapshot.DataMode == DATA_IN_RANGE) Snapshot.DataMode |= DATA_KINDS;
     return true;
 }
 
@@ -177,17 +176,6 @@ void jTraceSettings::ParseHalfRateLine(TxtScan& scanner) {
     Snapshot.PortModeIndex = IsWord(scanner, "on") ? 0 : 1;
 }
 
-void jTraceSettings::DecodeControlWord(uint32_t word) {
-    const auto bit = [word](int position) { return static_cast<int32_t>(word >> position & 1); };
-    Snapshot.Enable = bit(0);
-    Snapshot.StopMode = bit(1) ? 1 : bit(8) || bit(9) ? 2 : 0;
-    Snapshot.TriggerPin = bit(8);
-    Snapshot.TriggerOnAddress = bit(9);
-    Snapshot.Accumulate = bit(2);
-    Snapshot.ManualMode = bit(3);
-    Snapshot.ControlSpareBits = static_cast<int32_t>(word & 0x30);
-}
-
 void jTraceSettings::DecodeTriggerCount(uint32_t count) {
     Snapshot.TriggerPosition = 0;
     if (BufferSize == 0) return;
@@ -198,9 +186,10 @@ void jTraceSettings::DecodeTriggerCount(uint32_t count) {
 }
 
 void jTraceSettings::ReadBoardFile() {
-    char buffer[260] = "";
+    char buffer[ORN_SETTING_LENGTH + 1] = "";
     const bool stored =
-        g_XTraceClient && g_XTraceClient->ReadSetting("KVETM", "BoardFile", sizeof buffer, buffer);
+        g_XTraceClient && g_XTraceClient->ReadSetting(ORN_SETTING_SECTION, ORN_SETTING_BOARD_FILE,
+                                                      sizeof buffer, buffer);
     buffer[sizeof buffer - 1] = '\0';
-    Snapshot.BoardFile = stored ? buffer : "---";
+    Snapshot.BoardFile = stored ? buffer : ORN_BOARD_UNKNOWN;
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "frame/interfaces/IOrnAPIBase.h"
+#include "frame/interfaces/IOrnXTraceClient.h"
 #include "platform/paths.h"
 #include "text/text_tools.h"
 
@@ -70,8 +71,8 @@ Field FieldOf(int32_t id) {
 } // namespace
 
 jTraceSettings::jTraceSettings() : Attributes(kAttributes) {
-    Snapshot.BoardFile = "---";
-    Working.BoardFile = "---";
+    Snapshot.BoardFile = ORN_BOARD_UNKNOWN;
+    Working.BoardFile = ORN_BOARD_UNKNOWN;
 }
 
 bool jTraceSettings::GetAttributeInfo(int32_t id, jTraceAttribute& row) const {

@@ -41,6 +41,32 @@ enum AttributeId : int32_t {
     TA_BOARD_DIRECTORY = 22,
 };
 
+/// When capture stops. As the radio buttons stand on the page.
+enum StopModeValue : int32_t {
+    STOP_WITH_PROCESSOR = 0,
+    STOP_WHEN_FULL = 1,
+    STOP_AFTER_TRIGGER = 2,
+};
+
+/// What PC trace does. As the radio buttons stand on the page.
+enum PcModeValue : int32_t {
+    PC_NONE = 0,
+    PC_ALL = 1,
+    PC_START = 2,      // from PcBegin on
+    PC_START_STOP = 3, // from PcBegin to PcEnd, in the order of execution
+    PC_RANGE = 4,      // between the addresses PcBegin and PcEnd
+    PC_COMPLEX = 5,    // the target was set up by other means
+    PC_UNTOUCHED = 6,  // the same for an apply
+};
+
+/// Bits of DataMode.
+enum DataModeBits : int32_t {
+    DATA_ADDRESSES = 1,
+    DATA_VALUES = 2,
+    DATA_IN_RANGE = 4, // of DataBegin and DataEnd
+    DATA_KINDS = DATA_ADDRESSES | DATA_VALUES,
+};
+
 /// One row of the attribute table.
 struct jTraceAttribute {
     uint8_t Id;
@@ -76,7 +102,7 @@ struct jTraceState {
 
     // What is set.
     int32_t Enable = 0;
-    int32_t StopMode = 0; // 0 only with the processor, 1 buffer full, 2 after the trigger
+    int32_t StopMode = 0; // StopModeValue
     int32_t TriggerPin = 0;
     int32_t TriggerOnAddress = 0;
     int32_t TriggerPosition = 0; // percent of the buffer before the trigger
@@ -91,8 +117,8 @@ struct jTraceState {
     int32_t CycleAccurate = 0;
     int32_t BranchOutput = 0;
     std::string BoardFile; // a path, "/none", "/startup", or "---": not known
-    int32_t PcMode = 0;    // 0 none, 1 all, 2 start, 3 start and stop, 4 range, 5 and 6 complex
-    int32_t DataMode = 0;  // bit 0 addresses, bit 1 values, bit 2 within the range
+    int32_t PcMode = 0;    // PcModeValue
+    int32_t DataMode = 0;  // DataModeBits
 
     // Addresses, as they were typed or reported; never evaluated here.
     std::string PcBegin;
@@ -173,13 +199,11 @@ private:
     void ParseSettingsLine(TxtScan& scanner);
     void ParsePortSizeLine(TxtScan& scanner);
     void ParseHalfRateLine(TxtScan& scanner);
-    void DecodeControlWord(uint32_t word);
     void DecodeTriggerCount(uint32_t count);
     void ReadBoardFile();
 
     // ApplyToTarget.cpp
     bool SwitchTrace(bool wasEnabled);
-    uint32_t EncodeControlWord() const;
     uint32_t EncodeTriggerCount() const;
     bool ApplyPort();
     bool ApplyTrace();

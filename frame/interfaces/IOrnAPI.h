@@ -10,6 +10,8 @@
 
 #include "IOrnInterface.h"
 
+constexpr char ORN_API[] = "IOrnAPI"; // its name
+
 class IOrnAPI : public IOrnInterface {
 protected:
     ~IOrnAPI() = default;

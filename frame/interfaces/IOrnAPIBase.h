@@ -24,6 +24,9 @@
 
 #include "IOrnInterface.h"
 
+constexpr char ORN_API_BASE[] = "IOrnAPIBase"; // its name
+constexpr int32_t ORN_API_BASE_VERSION = 120;
+
 class IOrnAPIBase : public IOrnInterface {
 public:
     /// Slot 6. Returns the number of rows of the factory; 1 right after load.

@@ -9,6 +9,8 @@
 
 #include "IOrnInterface.h"
 
+constexpr char ORN_EMU[] = "IOrnEmu"; // its name
+
 class IOrnEmu : public IOrnInterface {
 protected:
     ~IOrnEmu() = default;

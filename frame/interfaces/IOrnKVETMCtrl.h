@@ -21,6 +21,9 @@
 
 #include "IOrnObject.h"
 
+constexpr char ORN_KVETM_CTRL[] = "IOrnKVETMCtrl"; // its name
+constexpr int32_t ORN_KVETM_CTRL_VERSION = 100;
+
 class IOrnKVETMCtrl : public IOrnObject {
 public:
     /// Slot 18. Creates the settings record and, if IOrnVETMTrace is attached,

@@ -12,6 +12,15 @@
 
 #include "IOrnInterface.h"
 
+constexpr char ORN_KVETM_SUPP[] = "IOrnKVETMSupp"; // its name
+constexpr int32_t ORN_KVETM_SUPP_VERSION = 100;
+
+/// What InitBoardFile tells of the selection.
+constexpr int32_t ORN_MODE_NONE = -1;      // none that can be used
+constexpr int32_t ORN_MODE_NO_FILE = 0;    // no board file
+constexpr int32_t ORN_MODE_STARTUP = 1;    // the debugger's startup macro does the work
+constexpr int32_t ORN_MODE_BOARD_FILE = 2; // a board file
+
 class IOrnKVETMSupp : public IOrnInterface {
 public:
     /// Slot 6. Returns true iff the board selection is settled.
@@ -19,12 +28,12 @@ public:
     /// `directory`  where board files live, from this call on; empty or null: the
     ///              directory of the module's file.
     /// `value`      receives the selection, cut to `size` bytes and terminated:
-    ///              "/none", "/startup" or the path of a board file. With mode -1
+    ///              "/none", "/startup" or the path of a board file. With ORN_MODE_NONE
     ///              it receives the value of the last success, or the empty text.
     ///              May be null; left alone if `size` is 0.
     /// `mode`       receives what the selection is; may be null:
-    ///              -1 none that can be used, 0 no board file, 1 the debugger's
-    ///              startup macro does the work, 2 a board file.
+    ///              ORN_MODE_NONE, ORN_MODE_NO_FILE, ORN_MODE_STARTUP or
+    ///              ORN_MODE_BOARD_FILE.
     ///
     /// A selection that is not known, or a path that can't be opened, brings up the
     /// ETM Configuration dialog: over "ETM Control", which IOrnKVETMCtrl::Open shows

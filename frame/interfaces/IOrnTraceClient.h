@@ -11,6 +11,8 @@
 
 #include "IOrnInterface.h"
 
+constexpr char ORN_TRACE_CLIENT[] = "IOrnTraceClient"; // its name
+
 class IOrnTraceClient : public IOrnInterface {
 public:
     /// Slot 6. Performs `action`; `argument` may be null. Returns true on success.

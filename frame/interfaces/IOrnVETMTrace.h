@@ -46,6 +46,39 @@
 
 #include "IOrnInterface.h"
 
+/// Ids of GetValue, and where it says so of SetValue.
+constexpr uint32_t ORN_VALUE_CONTROL = 0;          // general control word; both
+constexpr uint32_t ORN_VALUE_BUFFER_SIZE = 1;      // capacity of the trace buffer, in units
+constexpr uint32_t ORN_VALUE_TRIGGER_COUNT = 2;    // units behind the trigger; both
+constexpr uint32_t ORN_VALUE_PORT_SIZES = 5;       // mask: bit k for a port of k + 1 bits
+constexpr uint32_t ORN_VALUE_REGISTER = 0x1000000; // plus the offset of an ETM register
+constexpr uint32_t ORN_VALUE_ETMCCR = ORN_VALUE_REGISTER + 0x004;
+constexpr uint32_t ORN_VALUE_ETMSCR = ORN_VALUE_REGISTER + 0x014;
+constexpr uint32_t ORN_VALUE_ETMIDR = ORN_VALUE_REGISTER + 0x1E4;
+
+/// Of the ETM configuration code register: there is an ETM ID register.
+constexpr uint32_t ORN_ETMCCR_HAS_ID = 0x80000000;
+
+/// Bits of the general control word.
+constexpr uint32_t ORN_CONTROL_ENABLE = 0x1;
+constexpr uint32_t ORN_CONTROL_STOP_WHEN_FULL = 0x2;
+constexpr uint32_t ORN_CONTROL_ACCUMULATE = 0x4; // between runs of the processor
+constexpr uint32_t ORN_CONTROL_MANUAL = 0x8;     // capture is started and stopped by hand
+constexpr uint32_t ORN_CONTROL_KEPT = 0x30;      // go back as they came
+constexpr uint32_t ORN_CONTROL_TRIGGER_PIN = 0x100;
+constexpr uint32_t ORN_CONTROL_TRIGGER_ADDRESS = 0x200;
+
+/// Bits of the state word.
+constexpr uint32_t ORN_STATE_LOOK_AGAIN = 0x2; // when it changes
+constexpr uint32_t ORN_STATE_RUNNING = 0x4;    // capture is running
+
+/// Features of a target.
+constexpr uint32_t ORN_FEATURE_ETB = 0x2000000;
+constexpr uint32_t ORN_FEATURE_TPIU = 0x3000000;
+constexpr uint32_t ORN_FEATURE_CORTEX_M3 = 0x4000000;
+
+constexpr char ORN_VETM_TRACE[] = "IOrnVETMTrace"; // its name
+
 class IOrnVETMTrace : public IOrnInterface {
 public:
     /// Slot 6. Carries out a command of the host's language. Returns null on
@@ -100,37 +133,42 @@ public:
     /// null. Called once, when that page opens; `which` is always 0.
     virtual const char* GetInfoText(uint32_t which) = 0;
 
-    /// Slot 8. Returns the state word. Bit 1 (0x2): when it changes, the General
-    /// Control page looks at everything again. Bit 2 (0x4): capture is running, so
+    /// Slot 8. Returns the state word. When ORN_STATE_LOOK_AGAIN changes, the General
+    /// Control page looks at everything again. ORN_STATE_RUNNING: capture is running, so
     /// that Stop can be pressed and Start can't; a change of it alone shows behind
     /// those two only. Called every 600 ms while that page is in front. `detail` is never
     /// null and for the host to fill; the module does not read it.
     virtual uint32_t GetTraceState(uint32_t* detail) = 0;
 
     /// Slot 9. Returns true iff the target has the feature:
-    ///   0x2000000  trace goes to an ETB,
-    ///   0x3000000  trace goes out through a TPIU (asked only if the above is false),
-    ///   0x4000000  the target is a Cortex-M3.
+    ///   ORN_FEATURE_ETB        trace goes to an ETB,
+    ///   ORN_FEATURE_TPIU       trace goes out through a TPIU (asked only if the above is
+    ///                          false),
+    ///   ORN_FEATURE_CORTEX_M3  the target is a Cortex-M3.
     virtual OrnBool HasFeature(uint32_t feature) = 0;
 
     /// Slot 10. Stores a value. Returns true on success.
-    ///   0  the general control word:
-    ///      bit 0 trace enabled, 1 stop when the buffer is full, 2 accumulate
-    ///      between runs, 3 manual start and stop, 4 and 5 kept as read,
-    ///      8 stop after a trigger from the external pin,
-    ///      9 stop after a trigger from an address;
-    ///   2  the number of units to capture behind the trigger: the share of the
-    ///      capacity (id 1) that lies behind it, the fraction cut off.
+    ///   ORN_VALUE_CONTROL        the general control word: bit 0 trace enabled, 1 stop
+    ///                            when the buffer is full, 2 accumulate between runs,
+    ///                            3 manual start and stop, 4 and 5 kept as read, 8 stop
+    ///                            after a trigger from the external pin, 9 stop after a
+    ///                            trigger from an address;
+    ///   ORN_VALUE_TRIGGER_COUNT  the number of units to capture behind the trigger: the
+    ///                            share of the capacity that lies behind it, the fraction
+    ///                            cut off.
     virtual OrnBool SetValue(uint32_t id, uint32_t value) = 0;
 
     /// Slot 11. Reads a value into `*value`. Returns true on success.
-    ///   0x1000000 + offset  ETM register: 0x004 configuration code, 0x014 system
-    ///                       configuration, 0x1E4 ID register;
-    ///   5  mask of the trace port sizes on offer: bit k stands for k + 1 bits;
-    ///   0  the general control word, as for SetValue; of several reasons to stop,
-    ///      bit 1 counts first;
-    ///   1  capacity of the trace buffer in the units of id 2; 0: not known;
-    ///   2  the number of units to capture behind the trigger.
+    ///   ORN_VALUE_ETMCCR, ORN_VALUE_ETMSCR, ORN_VALUE_ETMIDR
+    ///                            ETM registers: configuration code, system configuration,
+    ///                            ID register;
+    ///   ORN_VALUE_PORT_SIZES     mask of the trace port sizes on offer: bit k stands for
+    ///                            k + 1 bits;
+    ///   ORN_VALUE_CONTROL        the general control word, as for SetValue; of several
+    ///                            reasons to stop, bit 1 counts first;
+    ///   ORN_VALUE_BUFFER_SIZE    capacity of the trace buffer in the units of the next;
+    ///                            0: not known;
+    ///   ORN_VALUE_TRIGGER_COUNT  the number of units to capture behind the trigger.
     virtual OrnBool GetValue(uint32_t id, uint32_t* value) = 0;
 
     /// Slot 12. Returns line `index`, from 0, of the present settings as text;

@@ -9,6 +9,8 @@
 
 #include "IOrnInterface.h"
 
+constexpr char ORN_XTRACE[] = "IOrnXTrace"; // its name
+
 class IOrnXTrace : public IOrnInterface {
 protected:
     ~IOrnXTrace() = default;

@@ -11,11 +11,25 @@
 // The one setting: section "KVETM", key "BoardFile", at most 259 characters: the
 // path of a board file, "/none" or "/startup". A longer path is never written.
 //
-// GetInterfaceVersion matters here: HasCommand is called from version 111 on.
+// GetInterfaceVersion matters here: HasCommand is called from the version
+// ORN_VERSION_WITH_HAS_COMMAND on.
 
 #pragma once
 
 #include "IOrnInterface.h"
+
+constexpr char ORN_XTRACE_CLIENT[] = "IOrnXTraceClient"; // its name
+constexpr int32_t ORN_VERSION_WITH_HAS_COMMAND = 111;
+
+/// The one named setting, and the characters that it has at most.
+constexpr char ORN_SETTING_SECTION[] = "KVETM";
+constexpr char ORN_SETTING_BOARD_FILE[] = "BoardFile";
+constexpr int32_t ORN_SETTING_LENGTH = 259;
+
+/// Values of it that are no path, in any case of the letters.
+constexpr char ORN_BOARD_UNKNOWN[] = "---"; // no selection is known; never written
+constexpr char ORN_BOARD_NONE[] = "/none";
+constexpr char ORN_BOARD_STARTUP[] = "/startup"; // the debugger's startup macro
 
 class IOrnXTraceClient : public IOrnInterface {
 public:
