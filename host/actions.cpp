@@ -18,11 +18,6 @@ void PrintIndented(std::ostream& out, const std::string& text) {
     }
 }
 
-// The report without the NUL that ends it.
-std::string ReportText(const std::ostringstream& stream) {
-    return stream.str().c_str();
-}
-
 const char* DescribeState(const Capture& capture) {
     return !capture.running ? "stopped" : capture.triggered ? "running, triggered" : "running";
 }
@@ -36,24 +31,21 @@ Status ShowChips(std::ostream& out) {
     return kDone;
 }
 
-Status ShowTarget(SimulatedHost& host, std::ostream& out) {
+Status ShowTarget(const SimulatedHost& host, std::ostream& out) {
     const Chip& chip = host.target.chip();
     const TargetState& state = host.target.state;
-    std::ostringstream report;
-    const char* refusal = host.trace.Command("capability", &report);
     out << chip.name << ": " << chip.description << "\n\nETM Resources\n";
-    PrintIndented(out, refusal != nullptr ? refusal : ReportText(report));
+    PrintIndented(out, CapabilityReport(chip));
     out << "\nTrace settings\n";
-    for (uint32_t index = 0; const char* line = host.trace.GetSettingsLine(index); ++index) {
+    for (const std::string& line : host.target.SettingsLines()) {
         PrintIndented(out, line);
     }
     out << "\nControl word " << Hex(state.control) << '\n';
     PrintIndented(out, DescribeControlWord(state.control));
-    const uint32_t word = host.trace.GetTraceState(nullptr);
-    const char* info = host.trace.GetInfoText(0);
-    out << "\nCapture\n  " << DescribeState(state.capture) << ", state word " << Hex(word) << "\n  "
-        << state.capture.captured << " of " << chip.bufferSize << " words in the trace buffer\n  "
-        << state.triggerCount << " words to capture behind the trigger\n  " << info << '\n';
+    out << "\nCapture\n  " << DescribeState(state.capture) << ", state word "
+        << Hex(host.target.StateWord()) << "\n  " << state.capture.captured << " of "
+        << chip.bufferSize << " words in the trace buffer\n  " << state.triggerCount
+        << " words to capture behind the trigger\n  " << chip.info << '\n';
     out << "\nBoard\n  trace pins are " << (state.pinsReady ? "switched on" : "off")
         << "\n  last macro: " << (state.macro.empty() ? "none" : state.macro) << '\n';
     for (const auto& [section, keys] : host.settings) {
@@ -69,10 +61,13 @@ Status RunCommands(SimulatedHost& host, const std::vector<std::string>& commands
     Status status = kDone;
     for (const std::string& command : commands) {
         std::ostringstream stream;
-        const char* refusal = host.trace.Command(command.c_str(), &stream);
-        out << command << ": " << (refusal != nullptr ? "refused" : "ok") << '\n';
-        PrintIndented(out, refusal != nullptr ? refusal : ReportText(stream));
-        status = refusal != nullptr ? kFailed : status;
+        out.flush(); // ahead of a refusal, which goes elsewhere
+        if (host.trace.Command(command.c_str(), &stream) != nullptr) {
+            status = kFailed;
+            continue;
+        }
+        out << command << ": ok\n";
+        PrintIndented(out, stream.str().c_str()); // up to the NUL that ends a report
     }
     return status;
 }
@@ -82,7 +77,7 @@ Status OpenDialog(ModuleSession& session, SimulatedHost& host, std::ostream& err
     const bool shown = session.control().Open();
     host.journal.Step("Open gave " + YesNo(shown));
     if (!shown) {
-        errors << "etmhost: the dialog did not open: " << session.LastError() << '\n';
+        PrintRefusal(errors, kProgram, "the dialog did not open: " + session.LastError());
     }
     return shown ? kDone : kFailed;
 }
@@ -94,13 +89,14 @@ Status Apply(ModuleSession& session, SimulatedHost& host, std::ostream& out, std
         return kDone;
     }
     const std::string reason = session.LastError();
-    errors << "etmhost: the module could not apply: "
-           << (reason.empty() ? "the target refused a step" : reason) << '\n';
+    PrintRefusal(errors, kProgram,
+                 "the module could not apply: " +
+                     (reason.empty() ? "the target refused a step" : reason));
     return kFailed;
 }
 
 Status InitBoardFile(ModuleSession& session, SimulatedHost& host, const std::string& directory,
-                     std::ostream& out) {
+                     std::ostream& out, std::ostream& errors) {
     IOrnKVETMSupp& support = session.support();
     char value[260] = "";
     char error[260] = "";
@@ -108,8 +104,14 @@ Status InitBoardFile(ModuleSession& session, SimulatedHost& host, const std::str
     host.journal.Step("InitBoardFile " + Quote(directory.c_str()));
     const bool settled = support.InitBoardFile(directory.c_str(), value, sizeof value, &mode);
     support.GetLastError(error, sizeof error);
+    // Without a choice the support component says that the user cancelled, also where the dialog
+    // never came up to ask. The control component knows why.
+    const std::string unopened = session.LastError();
     out << "result: " << YesNo(settled) << "\nmode: " << mode << "\nvalue: " << value
-        << "\nerror: " << error << '\n';
+        << "\nerror: " << (unopened.empty() ? error : unopened) << '\n';
+    if (!unopened.empty()) {
+        PrintRefusal(errors, kProgram, "the dialog did not open: " + unopened);
+    }
     return settled ? kDone : kFailed;
 }
 

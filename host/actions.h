@@ -10,6 +10,9 @@
 
 namespace etmhost {
 
+/// The name under which the program itself complains.
+inline constexpr const char* kProgram = "etmhost";
+
 /// Exit statuses.
 enum Status : int {
     kDone = 0,
@@ -21,9 +24,10 @@ enum Status : int {
 Status ShowChips(std::ostream& out);
 
 /// Prints what the host's target is and holds.
-Status ShowTarget(SimulatedHost& host, std::ostream& out);
+Status ShowTarget(const SimulatedHost& host, std::ostream& out);
 
-/// Carries out `commands` in order, and prints what became of each.
+/// Carries out `commands` in order, and prints those that were. A refused one is a matter of the
+/// host's journal.
 Status RunCommands(SimulatedHost& host, const std::vector<std::string>& commands,
                    std::ostream& out);
 
@@ -33,8 +37,9 @@ Status OpenDialog(ModuleSession& session, SimulatedHost& host, std::ostream& err
 /// Sends the module's settings to the target.
 Status Apply(ModuleSession& session, SimulatedHost& host, std::ostream& out, std::ostream& errors);
 
-/// Has the module settle its board file, and prints what it answers.
+/// Has the module settle its board file, and prints what it answers. A dialog that cannot open to
+/// ask goes to `errors` too.
 Status InitBoardFile(ModuleSession& session, SimulatedHost& host, const std::string& directory,
-                     std::ostream& out);
+                     std::ostream& out, std::ostream& errors);
 
 } // namespace etmhost

@@ -3,6 +3,7 @@
 #include <fstream>
 
 #include "host/system.h"
+#include "host/words.h"
 
 namespace etmhost {
 
@@ -20,9 +21,8 @@ std::string_view WithoutSpace(std::string_view line) {
 
 } // namespace
 
-std::string
-RunBoardFile(const std::string& path,
-             const std::function<std::optional<std::string>(std::string_view)>& execute) {
+Refusal RunBoardFile(const std::string& path,
+                     const std::function<Refusal(std::string_view)>& execute) {
     const std::optional<std::filesystem::path> native = NativePath(path);
     std::error_code ignored;
     std::ifstream file;
@@ -31,7 +31,7 @@ RunBoardFile(const std::string& path,
         file.open(*native, std::ios::binary);
     }
     if (!file.is_open()) {
-        return "Cannot open macro file \"" + path + "\"";
+        return "Cannot open macro file \"" + Escape(path) + "\"";
     }
     std::string problems;
     int count = 0;
@@ -41,19 +41,20 @@ RunBoardFile(const std::string& path,
         if (line.empty() || line.front() == ';') {
             continue;
         }
-        const std::optional<std::string> refusal = execute(line);
+        const Refusal refusal = execute(line);
         if (refusal && ++count <= kMostReports) {
             problems +=
                 (problems.empty() ? "line " : "\nline ") + std::to_string(number) + ": " + *refusal;
         }
     }
     if (file.bad()) {
-        problems += (problems.empty() ? "" : "\n") + ("Cannot read macro file \"" + path + "\"");
+        problems +=
+            (problems.empty() ? "" : "\n") + ("Cannot read macro file \"" + Escape(path) + "\"");
     }
     if (count > kMostReports) {
         problems += "\nand " + std::to_string(count - kMostReports) + " more";
     }
-    return problems;
+    return problems.empty() ? Refusal() : problems;
 }
 
 } // namespace etmhost

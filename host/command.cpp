@@ -12,20 +12,16 @@ namespace etmhost {
 namespace {
 
 std::string Quoted(std::string_view text) {
-    return "\"" + std::string(text) + "\"";
+    return "\"" + Escape(text) + "\"";
 }
 
 Refusal UnknownCommand(std::string_view text) {
-    return text.empty() ? "Empty command" : "Unknown command: " + std::string(text);
-}
-
-Refusal FromText(const std::string& text) {
-    return text.empty() ? Refusal() : Refusal(text);
+    return text.empty() ? "Empty command" : "Unknown command: " + Escape(text);
 }
 
 // Refuses what stands behind a command that takes nothing more.
 Refusal ExpectEnd(std::string_view rest) {
-    return Trim(rest).empty() ? Refusal() : Refusal("Unexpected text: " + std::string(rest));
+    return Trim(rest).empty() ? Refusal() : Refusal("Unexpected text: " + Escape(rest));
 }
 
 } // namespace
@@ -48,13 +44,13 @@ Refusal CommandLanguage::Execute(std::string_view text, std::ostream* stream) {
     }
     const std::string_view line = Trim(text);
     if (EqualNoCase(line, "start")) {
-        return FromText(target_.Start());
+        return target_.Start();
     }
     if (EqualNoCase(line, "stop")) {
-        return FromText(target_.Stop());
+        return target_.Stop();
     }
     if (EqualNoCase(word, "trigger") && EqualNoCase(Trim(rest), "force")) {
-        return FromText(target_.ForceTrigger());
+        return target_.ForceTrigger();
     }
     const uint32_t control = target_.state.control;
     if (EqualNoCase(line, "enable")) {
@@ -79,8 +75,8 @@ Refusal CommandLanguage::Macro(std::string_view value) {
     }
     target_.state.pinsReady = false;
     target_.state.macro = value;
-    return FromText(RunBoardFile(target_.state.macro,
-                                 [this](std::string_view line) { return BoardLine(line); }));
+    return RunBoardFile(target_.state.macro,
+                        [this](std::string_view line) { return BoardLine(line); });
 }
 
 Refusal CommandLanguage::BoardLine(std::string_view line) {
@@ -236,15 +232,13 @@ Refusal CommandLanguage::PortSize(std::string_view value) {
     if (error != std::errc() || last != end) {
         return "Port size expected, not " + Quoted(value);
     }
-    std::string offered;
     for (const uint32_t width : PortSizes(target_.chip())) {
         if (width == size) {
             target_.state.trace.portSize = size;
             return {};
         }
-        offered += (offered.empty() ? "" : ", ") + std::to_string(width);
     }
-    return "This chip has no trace port of " + std::to_string(size) + " bits, but of " + offered;
+    return "This chip has no trace port of " + std::to_string(size) + " bits";
 }
 
 Refusal CommandLanguage::HalfRate(std::string_view value) {
@@ -261,7 +255,7 @@ Refusal CommandLanguage::HalfRate(std::string_view value) {
 
 Refusal CommandLanguage::CheckAddress(std::string_view address) const {
     const Evaluation result = Evaluate(address, symbols_);
-    return FromText(result.error.empty() ? "" : "Bad address: " + result.error);
+    return result.error.empty() ? Refusal() : "Bad address: " + result.ErrorText();
 }
 
 Refusal CommandLanguage::CheckComparator(std::string_view address) const {

@@ -3,17 +3,14 @@
 #pragma once
 
 #include <iosfwd>
-#include <optional>
 #include <string>
 #include <string_view>
 
 #include "host/expression.h"
+#include "host/refusal.h"
 #include "host/target.h"
 
 namespace etmhost {
-
-/// Why a command was refused, for people; nothing if it was carried out.
-using Refusal = std::optional<std::string>;
 
 /// Carries out commands on a target. Words count in any case.
 ///

@@ -38,6 +38,7 @@ public:
             Fail("unexpected text", text_.substr(position_));
         }
         result.error = error_;
+        result.where = where_;
         return result;
     }
 
@@ -59,7 +60,8 @@ private:
 
     uint32_t Fail(const std::string& what, std::string_view where = {}) {
         if (error_.empty()) {
-            error_ = where.empty() ? what : what + " \"" + std::string(where) + "\"";
+            error_ = what;
+            where_ = where;
         }
         return 0;
     }
@@ -226,10 +228,14 @@ private:
     const Symbols& symbols_;
     size_t position_ = 0;
     int depth_ = 0;
-    std::string error_;
+    std::string error_, where_;
 };
 
 } // namespace
+
+std::string Evaluation::ErrorText() const {
+    return where.empty() ? error : error + " \"" + Escape(where) + "\"";
+}
 
 Evaluation Evaluate(std::string_view text, const Symbols& symbols) {
     return Parser(text, symbols).Run();

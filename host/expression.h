@@ -13,10 +13,14 @@ namespace etmhost {
 /// Addresses by symbol name.
 using Symbols = std::map<std::string, uint32_t, std::less<>>;
 
-/// What became of an expression: a value, or a text that says what is wrong with it.
+/// What became of an expression: a value, or what is wrong with it.
 struct Evaluation {
     uint32_t value = 0;
     std::string error; ///< empty: `value` holds the result
+    std::string where; ///< the piece of the text that is wrong; empty: none in particular
+
+    /// Returns the error and the piece, on one line.
+    std::string ErrorText() const;
 };
 
 /// Evaluates `text`: numbers, character constants and `symbols`, joined by + and -, with

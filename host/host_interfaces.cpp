@@ -34,10 +34,15 @@ HostVETMTrace::HostVETMTrace(Target& target, const Symbols& symbols, Journal& jo
     : HostObject("IOrnVETMTrace", 100, journal), target_(target), language_(target, symbols) {}
 
 const char* HostVETMTrace::Command(const char* text, std::ostream* stream) {
-    const Refusal refusal = language_.Execute(OrEmpty(text), stream);
+    Refusal refusal;
+    refusal = language_.Execute(OrEmpty(text), stream);
     refusal_ = refusal.value_or("");
     journal_.Call("Command " + Quote(text), refusal ? Quote(refusal_.c_str()) : "ok");
-    return refusal ? refusal_.c_str() : nullptr;
+    if (!refusal) {
+        return nullptr;
+    }
+    journal_.Refused(OrEmpty(text), refusal_);
+    return refusal_.c_str();
 }
 
 const char* HostVETMTrace::GetInfoText(uint32_t which) {
@@ -72,11 +77,16 @@ OrnBool HostVETMTrace::HasFeature(uint32_t feature) {
 }
 
 OrnBool HostVETMTrace::SetValue(uint32_t id, uint32_t value) {
-    const bool done = id == kControlWord    ? target_.SetControl(value)
-                      : id == kTriggerCount ? target_.SetTriggerCount(value)
-                                            : false;
-    journal_.Call("SetValue " + Hex(id) + " " + Hex(value), done ? "ok" : "refused");
-    return done;
+    Refusal refusal = "There is no such value to set";
+    if (id == kControlWord || id == kTriggerCount) {
+        refusal = id == kControlWord ? target_.SetControl(value) : target_.SetTriggerCount(value);
+    }
+    const std::string call = "SetValue " + Hex(id) + " " + Hex(value);
+    journal_.Call(call, refusal ? "refused" : "ok");
+    if (refusal) {
+        journal_.Refused(call, *refusal);
+    }
+    return !refusal;
 }
 
 bool HostVETMTrace::Read(uint32_t id, uint32_t& value) const {
@@ -114,7 +124,11 @@ OrnBool HostVETMTrace::GetValue(uint32_t id, uint32_t* value) {
     if (known) {
         *value = read;
     }
-    journal_.Call("GetValue " + Hex(id), known ? Hex(read) : "refused");
+    const std::string call = "GetValue " + Hex(id);
+    journal_.Call(call, known ? Hex(read) : "refused");
+    if (!known) {
+        journal_.Refused(call, "There is no such value to read");
+    }
     return known;
 }
 
@@ -135,13 +149,22 @@ HostTraceClient::HostTraceClient(const Symbols& symbols, Journal& journal)
 OrnBool HostTraceClient::Action(const char* action, const char* argument) {
     std::string_view expression = OrEmpty(action);
     const std::string_view word = TakeWord(expression);
+    std::string_view refused = OrEmpty(action); // the whole call, or the expression in it
+    Refusal refusal = "There is no such action";
     bool done = false;
     if (EqualNoCase(word, "CheckAction")) {
+        refusal.reset(); // a question, to which no is an answer
         done = EqualNoCase(OrEmpty(argument), "Eval");
     } else if (EqualNoCase(word, "Eval")) {
-        done = Evaluate(expression, symbols_).error.empty();
+        const Evaluation result = Evaluate(expression, symbols_);
+        refused = Trim(expression).empty() ? refused : Trim(expression);
+        refusal = result.where == refused ? result.error : result.ErrorText();
+        done = result.error.empty();
     }
     journal_.Call("Action " + Quote(action) + " " + Quote(argument), YesNo(done));
+    if (!done && refusal) {
+        journal_.Refused(refused, *refusal);
+    }
     return done;
 }
 
@@ -161,8 +184,12 @@ OrnBool HostXTraceClient::WriteSetting(const char* section, const char* key, con
     if (complete) {
         settings_[section][key] = value;
     }
-    journal_.Call("WriteSetting " + Quote(section) + " " + Quote(key) + " " + Quote(value),
-                  complete ? "ok" : "refused");
+    const std::string call =
+        "WriteSetting " + Quote(section) + " " + Quote(key) + " " + Quote(value);
+    journal_.Call(call, complete ? "ok" : "refused");
+    if (!complete) {
+        journal_.Refused(call, "A section, a key and a value are needed");
+    }
     return complete;
 }
 

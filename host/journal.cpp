@@ -2,11 +2,20 @@
 
 #include <cstdio>
 
+#include "host/refusal.h"
+#include "host/words.h"
+
 namespace etmhost {
 
 void Journal::Call(const std::string& call, const std::string& answer) {
     if (out_ != nullptr) { // flushed, so that the dialog and its journal can be watched together
         *out_ << call << " -> " << answer << std::endl;
+    }
+}
+
+void Journal::Refused(std::string_view command, std::string_view reasons) {
+    if (refusals_ != nullptr) {
+        PrintRefusal(*refusals_, command, reasons);
     }
 }
 
@@ -17,26 +26,7 @@ void Journal::Step(const std::string& text) {
 }
 
 std::string Quote(const char* text) {
-    if (text == nullptr) {
-        return "null";
-    }
-    std::string quoted = "\"";
-    for (; *text != '\0'; ++text) {
-        const unsigned char c = static_cast<unsigned char>(*text);
-        char escape[8];
-        if (c == '"' || c == '\\') {
-            quoted += '\\';
-            quoted += *text;
-        } else if (c == '\n' || c == '\r' || c == '\t') {
-            quoted += c == '\n' ? "\\n" : c == '\r' ? "\\r" : "\\t";
-        } else if (c < 0x20 || c == 0x7F) {
-            std::snprintf(escape, sizeof escape, "\\x%02X", c);
-            quoted += escape;
-        } else {
-            quoted += *text;
-        }
-    }
-    return quoted + "\"";
+    return text != nullptr ? "\"" + Escape(text, "\"\\") + "\"" : "null";
 }
 
 std::string Hex(uint32_t value) {

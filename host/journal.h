@@ -1,28 +1,35 @@
-// The conversation between the host and the module, one line per call.
+// The conversation between the host and the module, one line per call; and what the host refused.
 
 #pragma once
 
 #include <cstdint>
 #include <ostream>
 #include <string>
+#include <string_view>
 
 namespace etmhost {
 
 class Journal {
 public:
-    /// Writes to `out`, which must outlive the journal; null: writes nothing.
-    explicit Journal(std::ostream* out = nullptr) : out_(out) {}
+    /// Writes calls and steps to `out` and refusals to `refusals`, which must outlive the journal;
+    /// null: they are not written.
+    explicit Journal(std::ostream* out = nullptr, std::ostream* refusals = nullptr)
+        : out_(out), refusals_(refusals) {}
 
     bool enabled() const { return out_ != nullptr; }
 
     /// A call of the module to the host with the host's answer: "call -> answer".
     void Call(const std::string& call, const std::string& answer);
 
+    /// What the host refused, and why: see PrintRefusal.
+    void Refused(std::string_view command, std::string_view reasons);
+
     /// A step of the host itself: "-- text".
     void Step(const std::string& text);
 
 private:
     std::ostream* out_;
+    std::ostream* refusals_;
 };
 
 /// Returns `text` in double quotes, on one line: quotes, backslashes and bytes below 32 are

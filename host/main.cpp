@@ -22,7 +22,6 @@ struct Options {
     std::vector<std::string> commands;
     TourOptions tour;
     bool journal = false;
-    bool dark = false;
 };
 
 std::filesystem::path ToPath(const std::string& text) {
@@ -43,7 +42,7 @@ Status RunWithModule(const std::string& command, const Options& options, Simulat
     Screen screen;
     if (command == "tour") {
         screen = PrepareTour(options.tour);
-    } else if (options.dark) {
+    } else if (options.tour.dark) {
         screen = PrepareDarkScreen();
     }
     LoadedModule module(ModuleFile(options));
@@ -52,7 +51,7 @@ Status RunWithModule(const std::string& command, const Options& options, Simulat
         return Apply(session, host, std::cout, std::cerr);
     }
     if (command == "init-board") {
-        return InitBoardFile(session, host, options.directory, std::cout);
+        return InitBoardFile(session, host, options.directory, std::cout, std::cerr);
     }
     if (command == "tour") {
         return Tour(session, host, options.tour, std::cerr);
@@ -72,16 +71,17 @@ Status Run(const std::string& command, const Options& options) {
     const bool journal = options.journal || command == "tour";
     SimulatedHost host(*chip,
                        options.symbols.empty() ? Symbols() : ReadSymbols(ToPath(options.symbols)),
-                       Journal(journal ? &std::cout : nullptr));
+                       Journal(journal ? &std::cout : nullptr, &std::cerr));
     std::optional<StateFile> state;
     if (!options.state.empty()) {
         state.emplace(ToPath(options.state));
         state->Load(host);
     }
-    Status status = kDone;
     if (command == "show") {
-        status = ShowTarget(host, std::cout);
-    } else if (command == "run") {
+        return ShowTarget(host, std::cout);
+    }
+    Status status = kDone;
+    if (command == "run") {
         status = RunCommands(host, options.commands, std::cout);
     } else {
         status = RunWithModule(command, options, host);
@@ -108,6 +108,7 @@ void Describe(CLI::App& app, Options& options) {
     app.add_flag("--journal", options.journal,
                  "Print every call of the module to the host with its answer; of those that poll "
                  "the capture only the ones with news");
+    app.add_flag("--dark", options.tour.dark, "Show windows in dark colours");
 
     const auto command = [&app](const char* name, const char* text) {
         CLI::App* sub = app.add_subcommand(name, text);
@@ -120,8 +121,7 @@ void Describe(CLI::App& app, Options& options) {
         ->add_option("COMMAND", options.commands, "Commands such as 'etm pc=all'")
         ->required()
         ->type_name("");
-    CLI::App* open = command("open", "Show the dialog");
-    open->add_flag("--dark", options.dark, "In dark colours");
+    command("open", "Show the dialog");
     command("apply", "Send the module's settings to the target");
     command("init-board", "Settle the board file, and ask for it if need be")
         ->add_option("--directory", options.directory,
@@ -132,7 +132,6 @@ void Describe(CLI::App& app, Options& options) {
     tour->add_option("DIR", options.tour.directory, "Receives the pictures; made if missing")
         ->required()
         ->type_name("");
-    tour->add_flag("--dark", options.tour.dark, "In dark colours");
     tour->add_option("--font", options.tour.font, "In the font NAME")->type_name("NAME");
     tour->add_option("--scale", options.tour.scale, "At FACTOR times the size")
         ->type_name("FACTOR")
@@ -148,10 +147,15 @@ Status Main(int argc, char** argv) {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
         if (app.get_subcommands().empty() && !app.remaining().empty()) {
-            throw HostError("there is no command \"" + app.remaining().front() +
-                            "\"; \"etmhost --help\" lists those there are");
+            const std::string first = app.remaining().front();
+            throw HostError("there is no " + std::string(first[0] == '-' ? "option" : "command") +
+                            " \"" + first + "\"; \"etmhost --help\" lists those there are");
         }
-        return app.exit(error) == 0 ? kDone : kBadInput; // 0: help was asked for
+        if (error.get_exit_code() != 0) {
+            throw HostError(error.what());
+        }
+        app.exit(error); // help was asked for
+        return kDone;
     }
     const Status status = Run(app.get_subcommands().front()->get_name(), options);
     std::cout.flush();
@@ -169,7 +173,7 @@ int main(int argc, char** argv) {
     try {
         return etmhost::Main(argc, argv);
     } catch (const std::exception& error) {
-        std::cerr << "etmhost: " << error.what() << '\n';
+        etmhost::PrintRefusal(std::cerr, etmhost::kProgram, error.what());
         return etmhost::kBadInput;
     }
 }

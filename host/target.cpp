@@ -57,26 +57,29 @@ std::vector<std::string> Target::SettingsLines() const {
     return lines;
 }
 
-bool Target::SetControl(uint32_t word) {
+Refusal Target::SetControl(uint32_t word) {
     if ((word & ~uint32_t{kControlBits}) != 0) {
-        return false;
+        return "The control word has bits that the target lacks";
     }
     state.control = word;
     if ((word & kTraceEnabled) == 0) {
         state.capture.running = false;
     }
-    return true;
+    return {};
 }
 
-bool Target::SetTriggerCount(uint32_t count) {
-    if (count > chip_->bufferSize || (chip_->path == TracePath::Etb && state.capture.running)) {
-        return false;
+Refusal Target::SetTriggerCount(uint32_t count) {
+    if (count > chip_->bufferSize) {
+        return "The trace buffer has only " + std::to_string(chip_->bufferSize) + " words";
+    }
+    if (chip_->path == TracePath::Etb && state.capture.running) {
+        return "The trigger count of an ETB cannot be changed while it captures";
     }
     state.triggerCount = count;
-    return true;
+    return {};
 }
 
-std::string Target::Start() {
+Refusal Target::Start() {
     if ((state.control & kTraceEnabled) == 0) {
         return "Trace is not enabled";
     }
@@ -87,12 +90,12 @@ std::string Target::Start() {
     return {};
 }
 
-std::string Target::Stop() {
+Refusal Target::Stop() {
     state.capture.running = false;
     return {};
 }
 
-std::string Target::ForceTrigger() {
+Refusal Target::ForceTrigger() {
     if (chip_->path == TracePath::Tpiu) {
         return "A TPIU has no trigger that could be forced";
     }

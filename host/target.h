@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "host/chips.h"
+#include "host/refusal.h"
 
 namespace etmhost {
 
@@ -74,17 +75,17 @@ public:
     /// Returns the trace settings as lines of text, the way GetSettingsLine hands them out.
     std::vector<std::string> SettingsLines() const;
 
-    /// Takes a new control word; false, and no change, if it has a bit that the target lacks.
-    bool SetControl(uint32_t word);
+    /// Takes a new control word; refused if it has a bit that the target lacks.
+    Refusal SetControl(uint32_t word);
 
-    /// Takes a new number of words to capture behind the trigger. False, and no change, if the
-    /// buffer is smaller, and while an on-chip buffer captures: it ignores the write then.
-    bool SetTriggerCount(uint32_t count);
+    /// Takes a new number of words to capture behind the trigger. Refused if the buffer is smaller,
+    /// and while an on-chip buffer captures: it ignores the write then.
+    Refusal SetTriggerCount(uint32_t count);
 
-    /// Starts and ends a capture. Each returns the reason of a refusal, or an empty text.
-    std::string Start();
-    std::string Stop();
-    std::string ForceTrigger();
+    /// Starts and ends a capture.
+    Refusal Start();
+    Refusal Stop();
+    Refusal ForceTrigger();
 
     /// One step of simulated time: a running capture fills an eighth of the buffer, and stops if a
     /// stop mode tells it to. An address trigger occurs at the fourth step.

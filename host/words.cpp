@@ -1,6 +1,7 @@
 #include "host/words.h"
 
 #include <algorithm>
+#include <cstdio>
 
 namespace etmhost {
 
@@ -52,6 +53,24 @@ std::string_view TakeWord(std::string_view& text, std::string_view stops) {
     const std::string_view word = text.substr(0, end);
     text = SkipBlanks(text.substr(end));
     return word;
+}
+
+std::string Escape(std::string_view text, std::string_view marked) {
+    std::string escaped;
+    for (const char c : text) {
+        const unsigned char byte = static_cast<unsigned char>(c);
+        if (c == '\n' || c == '\r' || c == '\t') {
+            escaped += c == '\n' ? "\\n" : c == '\r' ? "\\r" : "\\t";
+        } else if (byte < 0x20 || byte == 0x7F) {
+            char code[8];
+            std::snprintf(code, sizeof code, "\\x%02X", byte);
+            escaped += code;
+        } else {
+            escaped += marked.find(c) != std::string_view::npos ? "\\" : "";
+            escaped += c;
+        }
+    }
+    return escaped;
 }
 
 } // namespace etmhost

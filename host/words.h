@@ -24,4 +24,8 @@ std::string_view Trim(std::string_view text);
 /// `text` keeps what follows, without blanks in front.
 std::string_view TakeWord(std::string_view& text, std::string_view stops = {});
 
+/// Returns `text` on one line: each control character becomes an escape such as \n or \x1B, and
+/// each character of `marked` gets a backslash in front.
+std::string Escape(std::string_view text, std::string_view marked = {});
+
 } // namespace etmhost

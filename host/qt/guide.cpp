@@ -7,6 +7,8 @@
 #include <cstdlib>
 #include <iostream>
 
+#include "host/actions.h"
+
 namespace etmhost {
 
 namespace {
@@ -63,8 +65,8 @@ void Guide::CloseTopWindow() {
         return;
     }
     if (waiting_.elapsed() > kPatience) {
-        std::cerr << "etmhost: tour: " << failure_.toStdString()
-                  << "\netmhost: a window cannot be closed\n";
+        PrintRefusal(std::cerr, kProgram,
+                     "tour: " + failure_.toStdString() + "\na window cannot be closed");
         std::_Exit(1);
     }
     if (auto* box = qobject_cast<QMessageBox*>(window)) {

@@ -229,7 +229,7 @@ Status Tour(ModuleSession& session, SimulatedHost& host, const TourOptions& opti
         guide.Fail("the dialog closed early");
     }
     if (!guide.failure().isEmpty()) {
-        errors << "etmhost: tour: " << guide.failure().toStdString() << '\n';
+        PrintRefusal(errors, kProgram, "tour: " + guide.failure().toStdString());
         return kFailed;
     }
     return status;

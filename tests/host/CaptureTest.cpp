@@ -36,11 +36,11 @@ TEST(Capture, StopsAsItsModeSays) {
     for (const auto& row : rows) {
         SCOPED_TRACE(row.what);
         Target target(*FindChip(row.chip));
-        ASSERT_TRUE(target.SetControl(row.control));
-        ASSERT_TRUE(target.SetTriggerCount(target.chip().bufferSize / 8 * row.eighths));
+        ASSERT_EQ(target.SetControl(row.control), Refusal());
+        ASSERT_EQ(target.SetTriggerCount(target.chip().bufferSize / 8 * row.eighths), Refusal());
         target.state.trace.trigger = row.trigger;
         EXPECT_EQ(Look(target, 2), "00") << "not started yet";
-        EXPECT_EQ(target.Start(), "");
+        EXPECT_EQ(target.Start(), Refusal());
         EXPECT_EQ(Look(target, 12), row.words);
         EXPECT_LE(target.state.capture.captured, target.chip().bufferSize);
     }
@@ -53,7 +53,7 @@ TEST(Capture, ObeysCommands) {
     target.SetControl(0x101);
     target.Start();
     EXPECT_EQ(Look(target, 3), "444");
-    EXPECT_EQ(target.ForceTrigger(), "");
+    EXPECT_EQ(target.ForceTrigger(), Refusal());
     EXPECT_EQ(Look(target, 3), "422");
     target.SetControl(0x1);
     target.Start();
@@ -65,23 +65,23 @@ TEST(Capture, ObeysCommands) {
     target.Start();
     Look(target, 2);
     EXPECT_EQ(target.state.capture.captured, 5 * eighth) << "accumulated";
-    EXPECT_TRUE(target.SetControl(0x8)) << "trace off";
+    EXPECT_EQ(target.SetControl(0x8), Refusal()) << "trace off";
     EXPECT_EQ(Look(target, 2), "22");
     target.SetControl(0x1);
     target.Start();
     Look(target, 1);
     EXPECT_EQ(target.state.capture.captured, eighth);
 
-    EXPECT_FALSE(target.SetControl(0x80000001));
+    EXPECT_NE(target.SetControl(0x80000001), Refusal());
     EXPECT_EQ(target.state.control, 0x1u);
     for (const char* name : {"arm7", "arm9-etb"}) {
         Target fresh(*FindChip(name));
         const uint32_t size = fresh.chip().bufferSize;
         fresh.SetControl(0x1);
         fresh.Start();
-        EXPECT_FALSE(fresh.SetTriggerCount(size + 1));
+        EXPECT_NE(fresh.SetTriggerCount(size + 1), Refusal());
         EXPECT_EQ(fresh.state.triggerCount, size / 2);
-        EXPECT_EQ(fresh.SetTriggerCount(size), name == std::string("arm7"))
+        EXPECT_EQ(fresh.SetTriggerCount(size) == Refusal(), name == std::string("arm7"))
             << "an on-chip buffer ignores a new count while it captures";
     }
 }

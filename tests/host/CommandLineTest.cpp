@@ -9,6 +9,7 @@
 #include "tests/support/TemporaryDirectory.h"
 
 using ::testing::HasSubstr;
+using ::testing::StartsWith;
 
 namespace etmhost {
 namespace {
@@ -19,10 +20,11 @@ protected:
         int status;
         std::string output, errors;
     };
-    Outcome Run(const std::string& arguments) const {
+    /// `launcher` is what stands ahead of the program on its line.
+    Outcome Run(const std::string& arguments, const std::string& launcher = "") const {
         const std::string files =
             " >\"" + directory.PathOf("output") + "\" 2>\"" + directory.PathOf("errors") + "\"";
-        std::string command = "\"" ETMHOST_PATH "\" " + arguments + files;
+        std::string command = launcher + "\"" ETMHOST_PATH "\" " + arguments + files;
         if (onWindows) command = "\"" + command + "\""; // the shell takes the outer pair off
         const int result = std::system(command.c_str());
         // POSIX has the exit status in the second byte, Windows has it as it is.
@@ -48,6 +50,8 @@ TEST_F(CommandLine, BadInputEndsWithStatus2AndAMessage) {
         const char* message;
     } rows[] = {
         {"dance", "there is no command \"dance\""},
+        {"--dance", "there is no option \"--dance\""},
+        {"tour", "required"},
         {"show --chip z80", "there is no chip \"z80\""},
         {"show --state " + text, "text\" is damaged: "},
         {"show --state " + here, "cannot read state file"},
@@ -63,7 +67,9 @@ TEST_F(CommandLine, BadInputEndsWithStatus2AndAMessage) {
         const Outcome outcome = Run(row.arguments);
         EXPECT_EQ(outcome.status, 2);
         EXPECT_EQ(outcome.output, "");
+        EXPECT_THAT(outcome.errors, StartsWith("etmhost: "));
         EXPECT_THAT(outcome.errors, HasSubstr(row.message));
+        EXPECT_EQ(outcome.errors.find('\n'), outcome.errors.size() - 1) << "one line";
     }
     EXPECT_EQ(directory.Read("text"), "no library");
 }
@@ -73,8 +79,8 @@ TEST_F(CommandLine, StateSurvivesBetweenRuns) {
     EXPECT_THAT(Run("chips").output, HasSubstr("cortex-m3  Cortex-M3, ETM v3.5"));
     const Outcome run = Run("run enable \"etm pc=start 0x10\" \"etm pc=fly\"" + state);
     EXPECT_EQ(run.status, 1) << "one was refused";
-    EXPECT_EQ(run.output, "enable: ok\netm pc=start 0x10: ok\netm pc=fly: refused\n"
-                          "  Unknown PC trace mode \"fly\"\n");
+    EXPECT_EQ(run.output, "enable: ok\netm pc=start 0x10: ok\n");
+    EXPECT_EQ(run.errors, "etm pc=fly: Unknown PC trace mode \"fly\"\n");
     EXPECT_EQ(Run("apply" + state).output, "applied\n");
     std::string text = directory.Read("s.json");
     const size_t place = text.find("\"control\": 1,");
@@ -84,6 +90,13 @@ TEST_F(CommandLine, StateSurvivesBetweenRuns) {
     EXPECT_THAT(show.output, HasSubstr("\nTrace settings\n  ETM PC = start 0x10\n"));
     EXPECT_THAT(show.output, HasSubstr("0x33D\n  trace is enabled\n  trace accumulates"));
 
+    Run("run start" + state);
+    const std::string running = directory.Read("s.json");
+    EXPECT_EQ(Run(state + "show").output, Run(state + "show").output) << "no time goes by";
+    EXPECT_EQ(directory.Read("s.json"), running);
+    Run("show --state \"" + directory.PathOf("other.json") + "\"");
+    EXPECT_FALSE(std::filesystem::exists(directory.PathOf("other.json")));
+
     if (onWindows) GTEST_SKIP() << "a Windows build reads no ELF files and has no tour";
     EXPECT_EQ(Run("run \"etm trigger main+4\"").status, 1);
     const std::string symbols = " --symbols \"" ETMHOST_PATH "\"";
@@ -92,6 +105,23 @@ TEST_F(CommandLine, StateSurvivesBetweenRuns) {
     EXPECT_EQ(tour.status, 1) << "the page wants the address of the trigger";
     EXPECT_EQ(tour.errors, "etmhost: tour: a box \"Cannot validate address\" came up: "
                            "Address entry is empty\n");
+}
+
+TEST_F(CommandLine, RefusalsAreLinesOnStandardError) {
+    if (onWindows) GTEST_SKIP() << "the dialog opens there, and waits for an answer";
+    const std::string board = directory.Write("x.mac", "trace enable\ntrace etm portsize=3\nfly\n");
+    for (const char* journal : {"", " --journal"}) {
+        const Outcome outcome = Run("run \"trigger force\" \"macro " + board + "\"" + journal);
+        EXPECT_EQ(outcome.status, 1);
+        EXPECT_EQ(outcome.errors, "trigger force: Capture is not running\nmacro " + board +
+                                      ": line 2: This chip has no trace port of 3 bits\nmacro " +
+                                      board + ": line 3: Unknown command: fly\n");
+    }
+    const Outcome unseen =
+        Run("init-board", "env -u DISPLAY -u WAYLAND_DISPLAY -u QT_QPA_PLATFORM ");
+    EXPECT_EQ(unseen.status, 1);
+    for (const std::string& text : {unseen.output, unseen.errors})
+        EXPECT_THAT(text, HasSubstr("There is no screen to show windows on"));
 }
 
 TEST_F(CommandLine, TourGoesThroughTheDialog) {

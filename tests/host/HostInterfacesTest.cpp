@@ -12,16 +12,17 @@ namespace etmhost {
 namespace {
 
 TEST(HostInterfaces, JournalHoldsEveryCallWithItsAnswer) {
-    std::ostringstream out, report;
-    SimulatedHost host(*FindChip("arm926"), {{"main", 0x8000}}, Journal(&out));
+    std::ostringstream out, report, refusals;
+    SimulatedHost host(*FindChip("arm926"), {{"main", 0x8000}}, Journal(&out, &refusals));
     IOrnVETMTrace& trace = host.trace;
     uint32_t word = 0;
     EXPECT_TRUE(trace.GetValue(0x1000004, &word));
     EXPECT_FALSE(trace.GetValue(0x10001E4, &word)) << "this chip has no ID register";
     EXPECT_EQ(trace.Command("capability", &report), nullptr);
-    EXPECT_STREQ(trace.Command("etm\n\"x\"", nullptr), "Unknown command: etm\n\"x\"");
+    EXPECT_STREQ(trace.Command("etm\n\"x\"", nullptr), "Unknown command: etm\\n\"x\"");
     EXPECT_STREQ(trace.Command(nullptr, nullptr), "Empty command");
     EXPECT_FALSE(trace.SetValue(1, 5));
+    EXPECT_FALSE(trace.SetValue(2, 5000000));
     EXPECT_TRUE(trace.SetValue(0, 0x3));
     EXPECT_EQ(trace.Command("start", nullptr), nullptr);
     for (int look = 0; look < 20; ++look) trace.GetTraceState(nullptr); // told only with news
@@ -34,6 +35,7 @@ TEST(HostInterfaces, JournalHoldsEveryCallWithItsAnswer) {
     EXPECT_TRUE(host.traceClient.Action("CheckAction", "Eval"));
     EXPECT_TRUE(host.traceClient.Action("Eval main + 4", nullptr));
     EXPECT_FALSE(host.traceClient.Action("Eval 1.5", nullptr));
+    EXPECT_FALSE(host.traceClient.Action("Eval main + mian", nullptr));
     EXPECT_FALSE(host.traceClient.Action(nullptr, nullptr));
     IOrnXTraceClient& client = host.xTraceClient;
     char buffer[8];
@@ -45,9 +47,10 @@ TEST(HostInterfaces, JournalHoldsEveryCallWithItsAnswer) {
     EXPECT_EQ(out.str(), R"(GetValue 0x1000004 -> 0x30194824
 GetValue 0x10001E4 -> refused
 Command "capability" -> ok
-Command "etm\n\"x\"" -> "Unknown command: etm\n\"x\""
+Command "etm\n\"x\"" -> "Unknown command: etm\\n\"x\""
 Command null -> "Empty command"
 SetValue 0x1 0x5 -> refused
+SetValue 0x2 0x4C4B40 -> refused
 SetValue 0x0 0x3 -> ok
 Command "start" -> ok
 GetTraceState -> 0x4
@@ -61,12 +64,23 @@ GetSettingsLine 99 -> null
 Action "CheckAction" "Eval" -> yes
 Action "Eval main + 4" null -> yes
 Action "Eval 1.5" null -> no
+Action "Eval main + mian" null -> no
 Action null null -> no
 HasCommand "ExecuteCmd" -> yes
 ReadSetting "KVETM" "BoardFile" 8 -> none
 WriteSetting "KVETM" null "x" -> refused
 WriteSetting "KVETM" "BoardFile" "/startup" -> ok
 ReadSetting "KVETM" "BoardFile" 8 -> "/startu"
+)");
+    EXPECT_EQ(refusals.str(), R"(GetValue 0x10001E4: There is no such value to read
+etm\n"x": Unknown command: etm\n"x"
+: Empty command
+SetValue 0x1 0x5: There is no such value to set
+SetValue 0x2 0x4C4B40: The trace buffer has only 524288 words
+1.5: invalid number
+main + mian: unknown symbol "mian"
+: There is no such action
+WriteSetting "KVETM" null "x": A section, a key and a value are needed
 )");
     EXPECT_THAT(report.str(), testing::StartsWith("ETM protocol version: 3\n"));
     EXPECT_TRUE(report.str().ends_with(std::string("Demultiplexed format supported: no\n") + '\0'));
