@@ -30,12 +30,14 @@ const char* OrEmpty(const char* text) {
 
 // --- IOrnVETMTrace ---------------------------------------------------------------------
 
-HostVETMTrace::HostVETMTrace(Target& target, const Symbols& symbols, Journal& journal)
-    : HostObject("IOrnVETMTrace", 100, journal), target_(target), language_(target, symbols) {}
+HostVETMTrace::HostVETMTrace(Target& target, const Symbols& symbols, const Transaction& transaction,
+                             Journal& journal)
+    : HostObject("IOrnVETMTrace", 100, journal), target_(target), transaction_(transaction),
+      language_(target, symbols) {}
 
 const char* HostVETMTrace::Command(const char* text, std::ostream* stream) {
     Refusal refusal;
-    refusal = language_.Execute(OrEmpty(text), stream);
+    transaction_([&] { refusal = language_.Execute(OrEmpty(text), stream); });
     refusal_ = refusal.value_or("");
     journal_.Call("Command " + Quote(text), refusal ? Quote(refusal_.c_str()) : "ok");
     if (!refusal) {
@@ -52,7 +54,7 @@ const char* HostVETMTrace::GetInfoText(uint32_t which) {
 }
 
 uint32_t HostVETMTrace::GetTraceState(uint32_t* detail) {
-    target_.Step();
+    transaction_([this] { target_.Step(); });
     const uint32_t state = target_.StateWord();
     if (detail != nullptr) {
         *detail = target_.state.capture.captured;
@@ -79,7 +81,10 @@ OrnBool HostVETMTrace::HasFeature(uint32_t feature) {
 OrnBool HostVETMTrace::SetValue(uint32_t id, uint32_t value) {
     Refusal refusal = "There is no such value to set";
     if (id == kControlWord || id == kTriggerCount) {
-        refusal = id == kControlWord ? target_.SetControl(value) : target_.SetTriggerCount(value);
+        transaction_([&] {
+            refusal =
+                id == kControlWord ? target_.SetControl(value) : target_.SetTriggerCount(value);
+        });
     }
     const std::string call = "SetValue " + Hex(id) + " " + Hex(value);
     journal_.Call(call, refusal ? "refused" : "ok");
@@ -170,8 +175,10 @@ OrnBool HostTraceClient::Action(const char* action, const char* argument) {
 
 // --- IOrnXTraceClient ----------------------------------------------------------------
 
-HostXTraceClient::HostXTraceClient(NamedSettings& settings, Journal& journal)
-    : HostObject("IOrnXTraceClient", 111, journal), settings_(settings) {}
+HostXTraceClient::HostXTraceClient(NamedSettings& settings, const Transaction& transaction,
+                                   Journal& journal)
+    : HostObject("IOrnXTraceClient", 111, journal), settings_(settings), transaction_(transaction) {
+}
 
 OrnBool HostXTraceClient::HasCommand(const char* name) {
     const bool has = EqualNoCase(OrEmpty(name), "ExecuteCmd");
@@ -182,7 +189,7 @@ OrnBool HostXTraceClient::HasCommand(const char* name) {
 OrnBool HostXTraceClient::WriteSetting(const char* section, const char* key, const char* value) {
     const bool complete = section != nullptr && key != nullptr && value != nullptr;
     if (complete) {
-        settings_[section][key] = value;
+        transaction_([&] { settings_[section][key] = value; });
     }
     const std::string call =
         "WriteSetting " + Quote(section) + " " + Quote(key) + " " + Quote(value);
@@ -213,8 +220,8 @@ OrnBool HostXTraceClient::ReadSetting(const char* section, const char* key, int3
 
 SimulatedHost::SimulatedHost(const Chip& chip, Symbols addresses, Journal log)
     : target(chip), symbols(std::move(addresses)), journal(log), api("IOrnAPI", 100, journal),
-      trace(target, symbols, journal), traceClient(symbols, journal),
-      xTraceClient(settings, journal), xTrace("IOrnXTrace", 100, journal),
+      trace(target, symbols, transaction, journal), traceClient(symbols, journal),
+      xTraceClient(settings, transaction, journal), xTrace("IOrnXTrace", 100, journal),
       emu("IOrnEmu", 100, journal) {}
 
 IOrnInterface* SimulatedHost::Find(const std::string& name) {

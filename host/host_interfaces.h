@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -20,6 +21,10 @@ namespace etmhost {
 
 /// Named settings: section, key, value.
 using NamedSettings = std::map<std::string, std::map<std::string, std::string>>;
+
+/// Calls what it gets, once and to its end. Whoever keeps the target and the settings elsewhere too
+/// does around that call what keeping them takes.
+using Transaction = std::function<void(const std::function<void()>& change)>;
 
 /// What all host objects share: the identity operations, and the journal.
 template <class Interface> class HostObject : public Interface {
@@ -50,7 +55,8 @@ private:
 
 class HostVETMTrace final : public HostObject<IOrnVETMTrace> {
 public:
-    HostVETMTrace(Target& target, const Symbols& symbols, Journal& journal);
+    HostVETMTrace(Target& target, const Symbols& symbols, const Transaction& transaction,
+                  Journal& journal);
 
     const char* Command(const char* text, std::ostream* stream) override;
     const char* GetInfoText(uint32_t which) override;
@@ -64,6 +70,7 @@ private:
     bool Read(uint32_t id, uint32_t& value) const;
 
     Target& target_;
+    const Transaction& transaction_;
     CommandLanguage language_;
     std::string refusal_;            // keeps the text that Command returned
     std::vector<std::string> lines_; // of the pass that runs
@@ -83,7 +90,7 @@ private:
 
 class HostXTraceClient final : public HostObject<IOrnXTraceClient> {
 public:
-    HostXTraceClient(NamedSettings& settings, Journal& journal);
+    HostXTraceClient(NamedSettings& settings, const Transaction& transaction, Journal& journal);
 
     OrnBool HasCommand(const char* name) override;
     OrnBool WriteSetting(const char* section, const char* key, const char* value) override;
@@ -91,6 +98,7 @@ public:
 
 private:
     NamedSettings& settings_;
+    const Transaction& transaction_;
 };
 
 /// A debugger host with one target. The interfaces borrow its members and live as long as it.
@@ -107,6 +115,11 @@ public:
     NamedSettings settings;
     const Symbols symbols;
     Journal journal;
+
+    /// Around each change of the target and of the settings, which the module makes through the
+    /// interfaces; initially there is nothing around it. Must not throw: its callers return into
+    /// the module.
+    Transaction transaction = [](const std::function<void()>& change) { change(); };
 
     HostObject<IOrnAPI> api;
     HostVETMTrace trace;

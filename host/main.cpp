@@ -73,9 +73,21 @@ Status Run(const std::string& command, const Options& options) {
                        options.symbols.empty() ? Symbols() : ReadSymbols(ToPath(options.symbols)),
                        Journal(journal ? &std::cout : nullptr, &std::cerr));
     std::optional<StateFile> state;
+    std::string failure; // why the last change could not be kept
     if (!options.state.empty()) {
         state.emplace(ToPath(options.state));
         state->Load(host);
+        host.transaction = [&](const std::function<void()>& change) {
+            try {
+                state->Update(host, change);
+                failure.clear();
+            } catch (const HostError& error) {
+                if (failure != error.what()) { // else it has been told
+                    failure = error.what();
+                    PrintRefusal(std::cerr, kProgram, failure);
+                }
+            }
+        };
     }
     if (command == "show") {
         return ShowTarget(host, std::cout);
@@ -86,10 +98,8 @@ Status Run(const std::string& command, const Options& options) {
     } else {
         status = RunWithModule(command, options, host);
     }
-    if (state) {
-        state->Save(host);
-    }
-    return status;
+    host.transaction([] {}); // the last try to keep what could not be kept before
+    return failure.empty() ? status : kBadInput;
 }
 
 void Describe(CLI::App& app, Options& options) {

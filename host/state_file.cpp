@@ -2,6 +2,8 @@
 
 #include <fstream>
 #include <nlohmann/json.hpp>
+#include <optional>
+#include <random>
 
 #include "host/host_error.h"
 #include "host/system.h"
@@ -11,7 +13,8 @@ namespace etmhost {
 using Json = nlohmann::json;
 
 struct StateFile::Document {
-    Json root;
+    Json root; ///< the file's content as it was read last
+    Json base; ///< what the file and the host agreed on last: "target" and "settings"
 };
 
 namespace {
@@ -118,6 +121,32 @@ NamedSettings ToSettings(const Json& json) {
     return settings;
 }
 
+Json FromHost(const SimulatedHost& host) {
+    Json settings = Json::object();
+    for (const auto& [section, keys] : host.settings) {
+        for (const auto& [key, value] : keys) {
+            settings[section][key] = FromText(value);
+        }
+    }
+    return {{"target", FromTarget(host.target.state)}, {"settings", settings}};
+}
+
+// Puts into `file` the values in which `own` differs from `base`, and those that `file` lacks.
+void Merge(Json& file, const Json& base, const Json& own) {
+    if (!file.is_object() || !own.is_object()) {
+        file = own;
+        return;
+    }
+    for (const auto& [key, value] : own.items()) {
+        const Json before = base.is_object() ? base.value(key, Json()) : Json();
+        if (!file.contains(key)) {
+            file[key] = value;
+        } else if (before != value) {
+            Merge(file[key], before, value);
+        }
+    }
+}
+
 // Runs `read`, and turns whatever it finds wrong into one message.
 template <class Read> auto Undamaged(const std::filesystem::path& file, Read read) {
     try {
@@ -127,33 +156,21 @@ template <class Read> auto Undamaged(const std::filesystem::path& file, Read rea
     }
 }
 
-} // namespace
-
-StateFile::StateFile(std::filesystem::path file)
-    : file_(std::move(file)), document_(std::make_unique<Document>()) {
-    namespace fs = std::filesystem;
+// The content of `file`. A file that does not exist yet is one without content.
+Json ReadRoot(const std::filesystem::path& file) {
     std::error_code error;
-    // A link stays a link: its file is what gets replaced.
-    if (const fs::path target = fs::weakly_canonical(fs::absolute(file_), error); !error) {
-        file_ = target;
-    }
-    const fs::file_status status = fs::status(file_, error);
-    if (status.type() == fs::file_type::not_found) {
-        if (!fs::is_directory(file_.parent_path(), error)) {
-            throw HostError("state file \"" + PathText(file_) + "\": there is no such directory");
-        }
-        document_->root = {
-            {"format", kFormat}, {"targets", Json::object()}, {"settings", Json::object()}};
-        return;
+    const std::filesystem::file_status status = std::filesystem::status(file, error);
+    if (status.type() == std::filesystem::file_type::not_found) {
+        return {{"format", kFormat}, {"targets", Json::object()}, {"settings", Json::object()}};
     }
     std::ifstream in;
-    if (status.type() == fs::file_type::regular) {
-        in.open(file_, std::ios::binary);
+    if (status.type() == std::filesystem::file_type::regular) {
+        in.open(file, std::ios::binary);
     }
     if (!in.is_open()) {
-        throw HostError("cannot read state file \"" + PathText(file_) + "\"");
+        throw HostError("cannot read state file \"" + PathText(file) + "\"");
     }
-    document_->root = Undamaged(file_, [&in] {
+    return Undamaged(file, [&in] {
         Json root = Json::parse(in, [](int depth, Json::parse_event_t, const Json&) {
             if (depth > kDeepest) { // what is kept unread is still copied, level by level
                 throw HostError("it is nested too deep");
@@ -168,9 +185,44 @@ StateFile::StateFile(std::filesystem::path file)
     });
 }
 
+// Writes beside `file` and renames. Returns whether that worked.
+bool Replace(const std::filesystem::path& file, const std::string& text) {
+    std::filesystem::path fresh = file;
+    fresh += "." + std::to_string(std::random_device()()) + ".new";
+    std::ofstream out(fresh, std::ios::binary | std::ios::trunc);
+    out.write(text.data(), static_cast<std::streamsize>(text.size()));
+    out.close();
+    const bool done = out && MoveOver(fresh, file);
+    if (!done) {
+        std::error_code ignored;
+        std::filesystem::remove(fresh, ignored);
+    }
+    return done;
+}
+
+std::filesystem::path LockOf(std::filesystem::path file) {
+    return file += ".lock";
+}
+
+} // namespace
+
+StateFile::StateFile(std::filesystem::path file)
+    : file_(std::move(file)), document_(std::make_unique<Document>()) {
+    namespace fs = std::filesystem;
+    std::error_code error;
+    // A link stays a link: its file is what gets replaced.
+    if (const fs::path target = fs::weakly_canonical(fs::absolute(file_), error); !error) {
+        file_ = target;
+    }
+    if (!fs::exists(file_, error) && !fs::is_directory(file_.parent_path(), error)) {
+        throw HostError("state file \"" + PathText(file_) + "\": there is no such directory");
+    }
+    document_->root = ReadRoot(file_);
+}
+
 StateFile::~StateFile() = default;
 
-void StateFile::Load(SimulatedHost& host) const {
+void StateFile::Load(SimulatedHost& host) {
     Undamaged(file_, [this, &host] {
         const Json& targets = document_->root.at("targets");
         const auto target = targets.find(host.target.chip().name);
@@ -180,37 +232,60 @@ void StateFile::Load(SimulatedHost& host) const {
         }
         host.settings = std::move(settings);
     });
+    document_->base = FromHost(host);
 }
 
-void StateFile::Save(const SimulatedHost& host) {
-    namespace fs = std::filesystem;
-    Json root = document_->root;
-    root["targets"][host.target.chip().name] = FromTarget(host.target.state);
-    for (const auto& [section, keys] : host.settings) {
-        for (const auto& [key, value] : keys) {
-            root["settings"][section][key] = FromText(value);
-        }
+void StateFile::Update(SimulatedHost& host, const std::function<void()>& change) {
+    std::optional<FileLock> lock;
+    std::optional<std::string> problem;
+    try {
+        lock.emplace(LockOf(file_));
+        document_->root = ReadRoot(file_);
+        Pull(host);
+    } catch (const HostError& error) {
+        problem = error.what();
     }
+    change();
+    if (!problem) {
+        Push(host);
+    } else if (FromHost(host) != document_->base) {
+        throw HostError(*problem);
+    }
+}
+
+// Takes over what others have written, but for what this host has not been able to write.
+void StateFile::Pull(SimulatedHost& host) {
+    const std::string chip = host.target.chip().name;
+    const Json own = FromHost(host);
+    Json agreed = {{"target", document_->root["targets"].value(chip, own["target"])},
+                   {"settings", document_->root["settings"]}};
+    Json merged = agreed;
+    Merge(merged, document_->base, own);
+    if (merged != own) {
+        Undamaged(file_, [&] {
+            const TargetState state = ToTarget(merged["target"]);
+            host.settings = ToSettings(merged["settings"]);
+            host.target.state = state;
+        });
+    }
+    document_->base = std::move(agreed);
+}
+
+void StateFile::Push(const SimulatedHost& host) {
+    const Json own = FromHost(host);
+    Json root = document_->root;
+    Json& targets = root["targets"];
+    const char* chip = host.target.chip().name;
+    Merge(targets[chip], document_->base["target"], own["target"]);
+    Merge(root["settings"], document_->base["settings"], own["settings"]);
     if (root == document_->root) {
         return;
     }
-    const std::string text = root.dump(2) + "\n";
-    fs::path fresh = file_;
-    fresh += ".new";
-    std::ofstream out(fresh, std::ios::binary | std::ios::trunc);
-    out.write(text.data(), static_cast<std::streamsize>(text.size()));
-    out.close();
-    std::error_code error;
-    if (out) {
-        fs::rename(fresh, file_, error);
-    }
-    if (!out || error) {
-        std::error_code ignored;
-        fs::remove(fresh, ignored);
+    if (!Replace(file_, root.dump(2) + "\n")) {
         throw HostError("cannot write state file \"" + PathText(file_) +
                         "\"; it is as it was before");
     }
-    document_->root = std::move(root);
+    document_->base = own;
 }
 
 } // namespace etmhost

@@ -19,6 +19,31 @@ const char* LibraryExtension();
 std::optional<std::filesystem::path> NativePath(const std::string& text);
 std::string PathText(const std::filesystem::path& path);
 
+/// Renames `from` to `to`, in one step and in place of a file that is there. Returns whether that
+/// worked.
+bool MoveOver(const std::filesystem::path& from, const std::filesystem::path& to);
+
+/// A lock among programs, and among the objects of one program, by a file that nobody reads.
+class FileLock {
+public:
+    /// Waits for whoever holds the lock of `file`, up to ten seconds. Throws HostError if that is
+    /// not enough, or if the file cannot be made.
+    explicit FileLock(const std::filesystem::path& file);
+
+    /// Releases the lock and removes the file.
+    ~FileLock();
+    FileLock(const FileLock&) = delete;
+    FileLock& operator=(const FileLock&) = delete;
+
+private:
+    const std::filesystem::path file_;
+#ifdef _WIN32
+    void* handle_;
+#else
+    int handle_;
+#endif
+};
+
 /// A loaded shared library. Unloads it when it goes.
 class Library {
 public:

@@ -44,6 +44,50 @@ std::string PathText(const std::filesystem::path& path) {
     return text;
 }
 
+namespace {
+
+// How long an operation that failed with `error` is worth another try, in ms: long where somebody
+// has the file open, shorter where he may be removing it, or it may be out of reach for good.
+ULONGLONG Patience(DWORD error) {
+    return error == ERROR_SHARING_VIOLATION ? 10000 : error == ERROR_ACCESS_DENIED ? 1000 : 0;
+}
+
+} // namespace
+
+bool MoveOver(const std::filesystem::path& from, const std::filesystem::path& to) {
+    const ULONGLONG start = GetTickCount64();
+    for (;;) { // a program that reads the file keeps it for a moment
+        if (MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING)) {
+            return true;
+        }
+        if (GetTickCount64() - start >= Patience(GetLastError())) {
+            return false;
+        }
+        Sleep(1);
+    }
+}
+
+FileLock::FileLock(const std::filesystem::path& file) : file_(file) {
+    const ULONGLONG start = GetTickCount64();
+    for (;;) { // the system removes the file with its handle
+        handle_ = CreateFileW(file_.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
+                              FILE_ATTRIBUTE_NORMAL | FILE_FLAG_DELETE_ON_CLOSE, nullptr);
+        if (handle_ != INVALID_HANDLE_VALUE) {
+            return;
+        }
+        const DWORD error = GetLastError();
+        if (GetTickCount64() - start >= Patience(error)) {
+            throw HostError("cannot write lock file \"" + PathText(file_) + "\": system error " +
+                            std::to_string(error));
+        }
+        Sleep(1);
+    }
+}
+
+FileLock::~FileLock() {
+    CloseHandle(handle_);
+}
+
 Library::Library(const std::filesystem::path& file) {
     SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX); // no boxes: the text below tells
     handle_ = LoadLibraryW(file.c_str());

@@ -124,6 +124,20 @@ TEST_F(CommandLine, RefusalsAreLinesOnStandardError) {
         EXPECT_THAT(text, HasSubstr("There is no screen to show windows on"));
 }
 
+TEST_F(CommandLine, AnInterruptedDialogKeepsTheState) {
+    if (onWindows) GTEST_SKIP() << "Windows has no signals";
+    Run("run enable start" + state);
+    const std::string before = directory.Read("s.json");
+    directory.Write("before", before);
+    const std::string script = directory.Write(
+        "interrupt", "QT_QPA_PLATFORM=offscreen \"$@\" & cd \"$(dirname \"$0\")\"\n"
+                     "for time in $(seq 300); do cmp -s before s.json || break; sleep 0.1; done\n"
+                     "kill -TERM $!; wait $!\n");
+    EXPECT_EQ(Run("open" + state, "sh \"" + script + "\" ").status, 128 + 15) << "killed";
+    EXPECT_NE(directory.Read("s.json"), before) << "the capture went on";
+    EXPECT_EQ(Run("show" + state).status, 0);
+}
+
 TEST_F(CommandLine, TourGoesThroughTheDialog) {
     if (onWindows) GTEST_SKIP() << "a Windows build has no tour";
     const std::string arguments = "tour \"" + directory.PathOf("pictures") + "\"";

@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <thread>
+
 #include "host/host_error.h"
 #include "tests/support/TemporaryDirectory.h"
 
@@ -14,11 +16,12 @@ namespace {
 
 // A host, with what `path` says of it.
 struct LoadedHost {
-    LoadedHost(const char* chip, const std::string& path)
-        : host(*FindChip(chip), {}, Journal()), file(path) {
+    LoadedHost(const char* chip, const std::string& file_path)
+        : path(file_path), host(*FindChip(chip), {}, Journal()), file(path) {
         file.Load(host);
     }
 
+    const std::string path;
     SimulatedHost host;
     StateFile file;
 };
@@ -37,13 +40,13 @@ TEST(StateFile, EverythingSurvives) {
         .capture = {true, true, true, 7, 8, 9}};
     first.host.settings["KVETM"]["BoardFile"] = "caf\xE9/x.mac";
     first.host.settings["other"]["key"] = "";
-    first.file.Save(first.host);
+    first.file.Update(first.host);
 
     LoadedHost other("arm7", path);
     EXPECT_EQ(other.host.target.state, Target(*FindChip("arm7")).state) << "a target of its own";
     EXPECT_EQ(other.host.settings, first.host.settings) << "the settings are common";
     other.host.target.state.control = 1;
-    other.file.Save(other.host);
+    other.file.Update(other.host);
 
     LoadedHost again("arm926", path);
     EXPECT_EQ(again.host.target.state, state);
@@ -51,12 +54,58 @@ TEST(StateFile, EverythingSurvives) {
 
     // No write can succeed any more, and none is tried without need.
     const std::string before = directory.Read("state.json");
-    std::filesystem::create_directory(path + ".new");
-    again.file.Save(again.host);
+    std::filesystem::create_directory(path + ".lock");
+    again.file.Update(again.host);
     again.host.target.state.control = 3;
-    EXPECT_THAT([&] { again.file.Save(again.host); },
+    EXPECT_THAT([&] { again.file.Update(again.host); },
                 ThrowsMessage<HostError>(HasSubstr("cannot write")));
     EXPECT_EQ(directory.Read("state.json"), before);
+    std::filesystem::remove(path + ".lock");
+    again.file.Update(again.host);
+    EXPECT_EQ(LoadedHost("arm926", path).host.target.state.control, 3u) << "made up for";
+}
+
+TEST(StateFile, SeveralProgramsLoseNothing) {
+    const TemporaryDirectory directory;
+    const std::string path = directory.PathOf("state.json");
+    LoadedHost one("arm926", path), two("arm926", path);
+    const auto width = [](LoadedHost& host, uint32_t bits) {
+        host.file.Update(host.host, [&] { host.host.target.state.trace.portSize = bits; });
+        return LoadedHost("arm926", host.path).host.target.state.trace.portSize;
+    };
+    for (const uint32_t bits : {4, 8, 4}) {
+        EXPECT_EQ(width(one, bits), bits);
+        EXPECT_EQ(width(two, 16), 16u) << "the last writer wins, with a value that it had before";
+    }
+
+    // Each counts in a place of its own; all count together in the trigger count.
+    constexpr uint32_t kTimes = 100;
+    uint32_t Capture::*const places[] = {&Capture::steps, &Capture::captured, &Capture::remaining};
+    std::vector<std::thread> programs;
+    for (const auto place : places) {
+        programs.emplace_back([&path, place] {
+            LoadedHost program("arm926", path);
+            TargetState& state = program.host.target.state;
+            for (uint32_t time = 0; time < kTimes; ++time) {
+                program.file.Update(program.host, [&] {
+                    ++(state.capture.*place);
+                    ++state.triggerCount;
+                    program.host.settings["times"][std::to_string(time)] = "counted";
+                });
+            }
+        });
+    }
+    const uint32_t before = one.host.target.state.triggerCount;
+    for (std::thread& program : programs) program.join();
+    LoadedHost last("arm926", path);
+    const TargetState& state = last.host.target.state;
+    for (const auto place : places) EXPECT_EQ(state.capture.*place, kTimes);
+    EXPECT_EQ(state.triggerCount, before + std::size(places) * kTimes);
+    EXPECT_EQ(last.host.settings["times"].size(), kTimes);
+    size_t files = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(directory.Path()))
+        files += entry.exists();
+    EXPECT_EQ(files, 1u) << "nothing stays behind";
 }
 
 TEST(StateFile, DamageIsReportedAndTheFileStaysAsItIs) {
@@ -64,7 +113,7 @@ TEST(StateFile, DamageIsReportedAndTheFileStaysAsItIs) {
     const std::string path = directory.PathOf("state.json");
     LoadedHost whole("arm7", path);
     whole.host.settings["KVETM"]["BoardFile"] = "x";
-    whole.file.Save(whole.host);
+    whole.file.Update(whole.host);
     const std::string sound = directory.Read("state.json");
     std::vector<std::string> damaged = {"", "[]", "\xFF\xFE", sound + "x",
                                         std::string(1000000, '[')};
