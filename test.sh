@@ -29,6 +29,9 @@ cmake --preset dev >/dev/null
 cmake --build --preset dev -- --quiet
 ctest --test-dir build/dev --output-on-failure -j2
 
+stage "the documents' listings"
+tools/check-listings
+
 stage "real windows on a virtual X server"
 QT_QPA_PLATFORM=xcb QT_LOGGING_RULES=default.warning=false timeout 300 \
   xvfb-run -a build/dev/bin/module_tests --gtest_brief=1

@@ -6,7 +6,7 @@ BUILD_PACKAGES=(g++ cmake ninja-build pkg-config qt6-base-dev libgl-dev fonts-de
 
 # To test them: a second compiler with its sanitizers, a virtual screen, other fonts.
 TEST_PACKAGES=(clang libclang-rt-14-dev llvm clang-format libgtest-dev libgmock-dev xvfb xauth
-  binutils fonts-liberation2 fonts-cantarell)
+  binutils fonts-liberation2 fonts-cantarell python3)
 
 # To measure them.
 BENCH_PACKAGES=(libbenchmark-dev)
