@@ -47,11 +47,14 @@ stage "fuzz: a few seconds each"
 cmake --preset fuzz >/dev/null
 cmake --build --preset fuzz -- --quiet
 for target in build/fuzz/bin/fuzz_*; do
-  mkdir -p "build/fuzz/corpus/$(basename "$target")"
+  name=$(basename "$target")
+  corpus=("build/fuzz/corpus/$name") # receives what is new
+  mkdir -p "${corpus[0]}"
+  [ ! -d "fuzz/corpus/$name" ] || corpus+=("fuzz/corpus/$name")
   "$target" -max_total_time=4 -timeout=10 -verbosity=0 -print_final_stats=1 \
-    "build/fuzz/corpus/$(basename "$target")" >build/fuzz/log.txt 2>&1 ||
-    { cat build/fuzz/log.txt; echo "$(basename "$target") failed"; exit 1; }
-  echo "$(basename "$target"): $(sed -n 's/^stat::number_of_executed_units: *//p' build/fuzz/log.txt) inputs"
+    "${corpus[@]}" >build/fuzz/log.txt 2>&1 ||
+    { cat build/fuzz/log.txt; echo "$name failed"; exit 1; }
+  echo "$name: $(sed -n 's/^stat::number_of_executed_units: *//p' build/fuzz/log.txt) inputs"
 done
 
 stage "Windows"

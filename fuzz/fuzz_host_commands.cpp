@@ -1,0 +1,72 @@
+// The host's command language. The first byte chooses the chip; the lines up to an empty one are
+// commands, and what follows is a board file that is run at the end.
+
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <sstream>
+
+#include "host/command.h"
+
+using namespace etmhost;
+
+namespace {
+
+void Require(bool holds) {
+    if (!holds) std::abort();
+}
+
+/// Requires `refusal` to be lines for a person: "COMMAND: REASON" without a control character.
+void CheckRefusal(std::string_view command, const Refusal& refusal) {
+    if (!refusal) return;
+    Require(!refusal->empty());
+    std::ostringstream out;
+    PrintRefusal(out, command, *refusal);
+    const std::string lines = out.str();
+    Require(std::count(lines.begin(), lines.end(), '\n') ==
+            std::count(refusal->begin(), refusal->end(), '\n') + 1);
+    for (const char c : lines) Require(c == '\n' || (c & 0xE0) != 0);
+}
+
+/// Writes `text` into the file `descriptor`, which may hold something.
+void Fill(int descriptor, std::string_view text) {
+    Require(ftruncate(descriptor, 0) == 0);
+    Require(pwrite(descriptor, text.data(), text.size(), 0) == static_cast<ssize_t>(text.size()));
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    if (size == 0) return 0;
+    static const int board = memfd_create("board", 0);
+    static const Symbols symbols = {{"main", 0x8000}, {"a.b", 1}};
+    Target target(Chips()[data[0] % Chips().size()]);
+    CommandLanguage language(target, symbols);
+    std::string_view text(reinterpret_cast<const char*>(data) + 1, size - 1);
+    while (!text.empty() && text.front() != '\n') {
+        const std::string_view command = text.substr(0, text.find('\n'));
+        text.remove_prefix(std::min(command.size() + 1, text.size()));
+        const TargetState before = target.state;
+        std::ostringstream stream;
+        const Refusal refusal = language.Execute(command, &stream);
+        CheckRefusal(command, refusal);
+        // One line, unless a board file was run, which may have gone a part of its way.
+        if (refusal && target.state.macro.empty()) {
+            Require(target.state == before && refusal->find('\n') == refusal->npos);
+        }
+    }
+    Fill(board, text);
+    const std::string macro = "macro /proc/self/fd/" + std::to_string(board);
+    CheckRefusal(macro, language.Execute(macro, nullptr));
+
+    Require((target.state.control & ~uint32_t{kControlBits}) == 0);
+    const std::vector<uint32_t> ports = PortSizes(target.chip());
+    Require(std::find(ports.begin(), ports.end(), target.state.trace.portSize) != ports.end());
+    for (int step = 0; step < 20; ++step) target.Step();
+    Require(target.state.capture.captured <= target.chip().bufferSize);
+    // The settings lines are commands that the target takes, but for their spaces.
+    for (const std::string& line : target.SettingsLines()) Require(line.starts_with("ETM "));
+    return 0;
+}
