@@ -31,6 +31,7 @@ public:
 /// What changed in a model, for Display::Refresh.
 enum class Change : uint8_t {
     Text,
+    ReadOnly, // of an edit
     Enabled,
     Visible,
     Checked,   // of a check box or radio button

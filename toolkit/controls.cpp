@@ -8,6 +8,13 @@ void CButton::SetCheck(bool checked) {
     Changed(Change::Checked);
 }
 
+void CEdit::SetReadOnly(bool readOnly) {
+    const uint32_t styles = readOnly ? m_Style | style::ReadOnly : m_Style & ~style::ReadOnly;
+    if (styles == m_Style) return;
+    m_Style = styles;
+    Changed(Change::ReadOnly);
+}
+
 void CComboBox::ResetContent() {
     m_Entries.clear();
     m_Selection = -1;

@@ -16,7 +16,11 @@ private:
     bool m_Checked = false;
 };
 
-class CEdit : public CWnd {};
+class CEdit : public CWnd {
+public:
+    /// EM_SETREADONLY: whether a person can only read the text.
+    void SetReadOnly(bool readOnly);
+};
 
 /// A drop-down list.
 class CComboBox : public CWnd {

@@ -31,6 +31,13 @@ TEST_F(Controls, KeepBytesThatNobodyEditsAndTakeWhatIsTyped) {
         const QTextLine drawn = edit.document()->firstBlock().layout()->lineAt(0);
         EXPECT_NEAR(drawn.cursorToX(6) - drawn.cursorToX(0),
                     qt::TabbedWidth(edit.font(), "Pins:\t"), 1);
+        for (const int id : {11, 12})
+            for (const char* typed : {"", "text"}) { // as long as it is not read-only
+                const bool readOnly = *typed == '\0';
+                dynamic_cast<CEdit&>(*dialog.GetDlgItem(id)).SetReadOnly(readOnly);
+                user.Type(id, typed);
+                EXPECT_EQ(dialog.GetDlgItem(id)->GetWindowText() == typed, !readOnly) << id;
+            }
         user.Type(50, "1-x2"); // takes digits alone
         EXPECT_EQ(dialog.GetDlgItem(50)->GetWindowText(), "12");
         dialog.GetDlgItem(50)->SetWindowText("-31"); // the model may hold anything

@@ -23,6 +23,10 @@ bool OnlyDigits(const QString& text) {
     return std::ranges::all_of(text, [](QChar c) { return c >= u'0' && c <= u'9'; });
 }
 
+bool IsReadOnly(const CWnd& model) {
+    return (model.GetStyle() & style::ReadOnly) != 0;
+}
+
 /// Lets digits in. A text that the model has set may hold more, and then any
 /// change may be made to it.
 class DigitsValidator : public QValidator {
@@ -43,7 +47,7 @@ public:
     LineEditPeer(CWnd& model, QLineEdit* edit, QObject* reports)
         : QtPeer(model, edit), m_Edit(edit) {
         edit->setMaxLength(std::numeric_limits<int>::max());
-        edit->setReadOnly((model.GetStyle() & style::ReadOnly) != 0);
+        edit->setReadOnly(IsReadOnly(model));
         if ((model.GetStyle() & style::DigitsOnly) != 0)
             edit->setValidator(new DigitsValidator(model, edit));
         QObject::connect(edit, &QLineEdit::textChanged, reports, [this](const QString& text) {
@@ -53,6 +57,7 @@ public:
 
     void Refresh(Change what) override {
         if (what == Change::Text) ShowText(FromModel(m_Model.GetWindowText()));
+        if (what == Change::ReadOnly) m_Edit->setReadOnly(IsReadOnly(m_Model));
         QtPeer::Refresh(what);
     }
 
@@ -74,12 +79,17 @@ public:
         setTabChangesFocus(true);
         SetTabStops();
         if ((styles & style::ReadOnly) == 0) return;
-        // Read with the caret or the wheel; told from the others by its background.
-        setReadOnly(true);
-        setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+        ShowReadOnly(true);
         setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
         setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-        viewport()->setBackgroundRole(QPalette::Window);
+    }
+
+    /// Read with the caret or the wheel; told from the others by its background.
+    void ShowReadOnly(bool readOnly) {
+        setReadOnly(readOnly);
+        if (readOnly)
+            setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+        viewport()->setBackgroundRole(readOnly ? QPalette::Window : QPalette::Base);
     }
 
     /// Makes a text of one line stand in the middle if there is no room for more.
@@ -124,6 +134,7 @@ public:
 
     void Refresh(Change what) override {
         if (what == Change::Text) ShowText(LinesFromModel(m_Model.GetWindowText()));
+        if (what == Change::ReadOnly) m_Edit->ShowReadOnly(IsReadOnly(m_Model));
         QtPeer::Refresh(what);
     }
 

@@ -121,6 +121,9 @@ void Show(HWND window, const CWnd& model, Change what) {
     switch (what) {
     case Change::Text:
         return ShowText(window, model);
+    case Change::ReadOnly:
+        SendMessageA(window, EM_SETREADONLY, (model.GetStyle() & style::ReadOnly) != 0, 0);
+        return;
     case Change::Enabled:
         return ShowEnabled(window, model);
     case Change::Visible:
