@@ -12,6 +12,7 @@
 #include "platform/paths.h"
 #include "tests/support/TemporaryDirectory.h"
 #include "text/jString.h"
+#include "text/shown_text.h"
 #include "text/text_tools.h"
 
 using ::testing::ElementsAre;
@@ -93,11 +94,10 @@ protected:
         list.Assign("first");
         found = FindFiles(temporary.Path().c_str(), pattern, recurse, list);
         jString item;
-        const char* rest = list.GetBuffer();
-        EXPECT_TRUE(NextListItem(rest, item));
+        EXPECT_TRUE(GetListItem(0, list.GetBuffer(), item));
         EXPECT_STREQ(item.Data, "first");
         std::vector<std::string> names;
-        while (NextListItem(rest, item)) {
+        for (int32_t i = 1; GetListItem(i, list.GetBuffer(), item); ++i) {
             EXPECT_EQ(item.Data[temporary.Path().size()], kSeparator) << item.Data;
             names.push_back(
                 std::filesystem::path(item.Data).lexically_relative(directory).generic_string());
@@ -139,6 +139,24 @@ TEST_F(Files, AreGatheredByThousands) {
         temporary.Write(names.back(), "x");
     }
     EXPECT_THAT(Find("*.mac", false), testing::UnorderedElementsAreArray(names));
+}
+
+TEST(TextTools, CutWhatIsShown) {
+    const std::tuple<std::string, size_t, size_t, std::string> rows[] = {
+        // A text, the limit for all of it and for a line, and what is shown
+        {"", 0, 0, ""},
+        {"ab\ncd\n", 6, 2, "ab\ncd\n"},
+        {"ab\ncd\n", 5, 2, "ab\ncd..."},
+        {"abc\r\nd", 9, 2, "ab...\nd"},
+        {"abcdef", 5, 2, "ab..."},
+        {"\xE2\x82\xACx", 3, 9, "\xE2\x82\xAC..."}, // a character is not divided
+        {"\xE2\x82\xACx", 9, 2, "..."},
+        {"a\xF0\x9F\x98\x80", 4, 9, "a..."},
+        {"\xFC\xFC\xFC", 2, 9, "\xFC\xFC..."}, // in another encoding each byte is one
+        {"\x81\x82\x83\x84\x85", 4, 9, "\x81\x82\x83\x84..."},
+    };
+    for (const auto& [text, limit, lineLimit, shown] : rows)
+        EXPECT_EQ(ShownLines(text, limit, lineLimit), shown) << text;
 }
 
 TEST(TextTools, CopyAndFind) {
