@@ -4,10 +4,12 @@
 
 namespace {
 
-// How many characters may be measured for one report. Reports of a hundred lines
-// need some ten thousand. One that is made to be slow, with a label of a page's
-// length or a measure that never grows, falls back to single tabs and ends soon.
-constexpr size_t kMeasureBudget = 10'000'000;
+// How many characters may be measured for one report: some for each of its own, and
+// some for the short. Reports of a hundred lines need some ten thousand. One that is made
+// to be slow, with a label of a page's length, a line full of colons or a measure that
+// never grows, falls back to single tabs and ends soon.
+constexpr size_t kMeasuredPerCharacter = 2;
+constexpr size_t kMeasuredAtLeast = 200'000;
 
 bool IsSpace(char c) {
     return std::isspace(static_cast<unsigned char>(c)) != 0;
@@ -40,7 +42,8 @@ std::string_view FindWidestLabel(std::string_view report) {
 /// The column in which the values stand.
 class ValueColumn {
 public:
-    ValueColumn(const TextMeasure& measure, std::string_view widestLabel) : m_Measure(measure) {
+    ValueColumn(const TextMeasure& measure, std::string_view widestLabel, size_t budget)
+        : m_Measure(measure), m_Budget(budget) {
         m_Position = measure(std::string(widestLabel) + '\t');
     }
 
@@ -53,7 +56,7 @@ public:
 private:
     const TextMeasure& m_Measure;
     int16_t m_Position;
-    size_t m_Budget = kMeasureBudget;
+    size_t m_Budget; // characters that may still be measured
 };
 
 std::string WithLineEnds(std::string_view report) {
@@ -65,13 +68,24 @@ std::string WithLineEnds(std::string_view report) {
     return out;
 }
 
+/// Without the carriage returns in front of line feeds, for hosts that write both.
+std::string WithLineFeeds(std::string_view report) {
+    std::string out;
+    for (const char c : report) {
+        if (c == '\n') out.resize(out.find_last_not_of('\r') + 1);
+        out += c;
+    }
+    return out;
+}
+
 } // namespace
 
-std::string FormatCapabilityReport(std::string_view report, const TextMeasure& measure) {
-    report = report.substr(0, report.find('\0'));
+std::string FormatCapabilityReport(std::string_view text, const TextMeasure& measure) {
+    const std::string report = WithLineFeeds(text.substr(0, text.find('\0')));
     if (!measure) return WithLineEnds(report);
 
-    ValueColumn column(measure, FindWidestLabel(report));
+    const size_t budget = kMeasuredAtLeast + kMeasuredPerCharacter * report.size();
+    ValueColumn column(measure, FindWidestLabel(report), budget);
     std::string out;
     size_t lineOffset = 0; // in `out`
     for (size_t i = 0; i < report.size();) {

@@ -5,10 +5,13 @@
 #include "frame/interfaces/IOrnVETMTrace.h"
 #include "frame/slots.h"
 #include "pages/FormatCapabilityReport.h"
+#include "text/shown_text.h"
 #include "toolkit/CWinApp.h"
 #include "toolkit/data_exchange.h"
 
 namespace {
+
+constexpr size_t kShownReport = 256 * 1024; // bytes
 
 /// The measure of a control's font; empty if there is nothing to measure with.
 TextMeasure MeasureOf(const CWnd* control) {
@@ -35,7 +38,8 @@ void jStatusPage::DoDataExchange(CDataExchange& exchange) {
 bool jStatusPage::OnInitDialog() {
     CPropertyPage::OnInitDialog();
     if (g_VETMTrace != nullptr) {
-        if (const char* info = g_VETMTrace->GetInfoText(0)) m_InfoText = info;
+        if (const char* info = g_VETMTrace->GetInfoText(0))
+            m_InfoText = ShownText(info, kShownLine);
         m_ResourcesText = ReadResources();
     }
     UpdateData(false);
@@ -45,6 +49,8 @@ bool jStatusPage::OnInitDialog() {
 std::string jStatusPage::ReadResources() const {
     std::ostringstream report;
     if (const char* refusal = g_VETMTrace->Command("capability", &report))
-        return std::string("ERROR: ") + refusal;
-    return FormatCapabilityReport(report.str(), MeasureOf(GetDlgItem(1063)));
+        return "ERROR: " + ShownText(refusal, kShownLine);
+    const std::string text = report.str();
+    const std::string shown = ShownLines(text.c_str(), kShownReport, kShownLine);
+    return FormatCapabilityReport(shown, MeasureOf(GetDlgItem(1063)));
 }

@@ -27,6 +27,7 @@ TEST(FormatCapabilityReport, BringsValuesIntoOneColumn) {
         {"a: 1:30\nb: 2", "a:\t1:\t30\r\nb:\t2"},
         {"a:\t \v\f\r1", "a:\t1"},
         {std::string_view("a: 1\0b: 2", 9), "a:\t1"},
+        {"1234567: 5\r\nx\r\r\na: 6\r\n", "1234567:\t5\r\nx\r\na:\t6\r\n"},
     };
     for (const auto& [report, laidOut] : rows)
         EXPECT_EQ(FormatCapabilityReport(report, Measure), laidOut) << report;
@@ -41,12 +42,19 @@ TEST(FormatCapabilityReport, EndsWithOddMeasuresAndReports) {
         [](std::string_view) { return int16_t{32767}; },
         [](std::string_view text) { return static_cast<int16_t>(text.size() * 0x7FFF); },
     };
+    size_t measured = 0;
     std::string narrow;
     for (int i = 0; i < 25'000; ++i) narrow += "a:1\n";
     for (const TextMeasure& measure : measures)
         for (const std::string& report :
              {std::string(100'000, ':'), std::string(30'000, 'x') + ":1\n" + narrow}) {
-            const std::string out = FormatCapabilityReport(report + "\nx: 1\n", measure);
+            const auto counted = [&](std::string_view text) {
+                measured += text.size();
+                return measure(text);
+            };
+            measured = 0;
+            const std::string out = FormatCapabilityReport(report + "\nx: 1\n", counted);
+            EXPECT_LT(measured, 1'000'000u) << "of all that is drawn";
             EXPECT_TRUE(out.ends_with("\t1\r\n"));
             EXPECT_LT(out.size(), 500'000u);
         }
@@ -68,6 +76,17 @@ TEST_F(StatusPage, ShowsWhatTheHostSaysAndAsksOnce) {
             EXPECT_THAT(host.TakeChanges(), ::testing::IsEmpty());
         });
     }
+    const std::string endless(5000, 'x'), shown = endless.substr(0, 4096) + "...";
+    host.info = endless;
+    host.report = "a: " + endless + "\nb: 2\n";
+    Open(2, [&] {
+        EXPECT_EQ(display.Text(1038), shown);
+        EXPECT_EQ(display.Text(1063), "a:\t" + shown.substr(3) + "\r\nb:\t2\r\n");
+    });
+    host.report = std::string(300 * 1024, '\n');
+    Open(2, [&] { EXPECT_EQ(display.Text(1063).size(), 512 * 1024 + 3); });
+    host.info = "ETB, 4 KB";
+    host.report = "Speed: 5\nNumber of pins: 2\n";
     display.SetCharacterWidth(0); // nothing to measure with
     Open(2, [&] { EXPECT_EQ(display.Text(1063), "Speed: 5\r\nNumber of pins: 2\r\n"); });
     host.info.reset();
@@ -76,6 +95,8 @@ TEST_F(StatusPage, ShowsWhatTheHostSaysAndAsksOnce) {
         EXPECT_EQ(display.Text(1038), "");
         EXPECT_EQ(display.Text(1063), "ERROR: no target: reset it");
     });
+    host.refusals["capability"] = endless;
+    Open(2, [&] { EXPECT_EQ(display.Text(1063), "ERROR: " + shown); });
 }
 
 } // namespace
