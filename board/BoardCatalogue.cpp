@@ -1,6 +1,7 @@
 // The catalogue of the dialog: which board files there are, and which is selected.
 
 #include <new>
+#include <utility>
 
 #include "board/BoardFile.h"
 #include "board/jConfigureETM.h"
@@ -89,9 +90,10 @@ const char* jConfigureETM::BoardFileFromSelection(int32_t index) const {
 }
 
 bool jConfigureETM::LoadBoardCommands(const char* path) {
-    m_Commands.clear();
     const FilePointer file = OpenForReading(path);
-    if (!file) return false;
-    m_Commands = ReadBoardCommands(file.get());
-    return true;
+    BoardCommands commands;
+    if (file) commands = ReadBoardCommands(file.get());
+    m_Commands = std::move(commands.Text);
+    m_CommandsAreCut = commands.IsCut;
+    return file != nullptr;
 }

@@ -1,9 +1,11 @@
 #include "board/BoardFile.h"
 
+#include <algorithm>
 #include <cstring>
 #include <filesystem>
 
 #include "platform/compare.h"
+#include "text/shown_text.h"
 #include "text/text_tools.h"
 
 namespace {
@@ -12,6 +14,14 @@ constexpr char kBoardMarker[] = "[OrnithalWorksTraceInitFile]";
 
 // What the generated trace commands begin with.
 constexpr char kTraceWord[] = "trace";
+
+constexpr char kByteOrderMark[] = "\xEF\xBB\xBF";
+
+// What is shown of a file, in bytes; boxes and their readers choke on more.
+constexpr size_t kMostShown = 1024 * 1024;
+
+// A longer line of a file is shown in pieces.
+constexpr size_t kLongestLine = 258;
 
 void CutLineEnd(char* line) {
     CutAtChar(line, '\r');
@@ -31,6 +41,31 @@ bool MayBeOpened(const char* path, bool followLinks) {
     } catch (const std::exception&) {
         return true;
     }
+}
+
+/// Reads on from the start of `file` for `most` bytes.
+std::string ReadStart(std::FILE* file, size_t most) {
+    std::string bytes;
+    std::rewind(file);
+    char block[4096];
+    for (size_t count = 1; count > 0 && bytes.size() < most;) {
+        count = std::fread(block, 1, std::min(sizeof block, most - bytes.size()), file);
+        bytes.append(block, count);
+    }
+    return bytes;
+}
+
+void SkipByteOrderMark(std::FILE* file) {
+    if (ReadStart(file, std::strlen(kByteOrderMark)) != kByteOrderMark) std::rewind(file);
+}
+
+/// Cuts a file that is too long to be shown, behind a whole line if one ends near by.
+bool CutToShow(std::string& bytes) {
+    if (bytes.size() <= kMostShown) return false;
+    bytes.resize(FirstBytes(bytes, kMostShown).size());
+    const size_t end = bytes.rfind('\n') + 1; // 0: there is none
+    if (bytes.size() - end < kLongestLine) bytes.resize(end);
+    return true;
 }
 
 const char* SkipWhiteSpace(const char* text) {
@@ -56,6 +91,7 @@ FilePointer OpenForReading(const char* path) {
 
 bool ReadBoardTitle(std::FILE* file, std::string& title) {
     char first[254 + 1];
+    SkipByteOrderMark(file);
     if (!std::fgets(first, sizeof first, file)) return false;
     if (first[0] != ';' || !FindNoCase(first, kBoardMarker)) return false;
 
@@ -65,20 +101,26 @@ bool ReadBoardTitle(std::FILE* file, std::string& title) {
     return false;
 }
 
-std::string ReadBoardCommands(std::FILE* file) {
-    std::string commands;
-    char line[258 + 1];
-    while (std::fgets(line, sizeof line, file)) {
-        CutLineEnd(line);
-        const char* shown = SkipWhiteSpace(line);
+BoardCommands ReadBoardCommands(std::FILE* file) {
+    BoardCommands commands;
+    std::string bytes = ReadStart(file, kMostShown + 1);
+    commands.IsCut = CutToShow(bytes);
+    size_t next = bytes.starts_with(kByteOrderMark) ? std::strlen(kByteOrderMark) : 0;
+    while (next < bytes.size()) {
+        const std::string_view rest = std::string_view(bytes).substr(next, kLongestLine);
+        std::string line(rest.substr(0, std::min(rest.find('\n'), rest.size() - 1) + 1));
+        next += line.size();
+        CutLineEnd(line.data());
+        const char* shown = SkipWhiteSpace(line.c_str());
         if (*shown == ';')
             shown = FindNoCase(shown, kTitleKeyword);
         else if (CompareNoCaseN(shown, kTraceWord, std::strlen(kTraceWord)) == 0)
             continue;
         if (!shown || !*shown) continue;
-        commands += shown;
-        commands += "\r\n";
+        commands.Text += shown;
+        commands.Text += "\r\n";
     }
+    if (commands.IsCut) commands.Text += kEllipsis;
     return commands;
 }
 

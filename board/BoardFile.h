@@ -5,6 +5,7 @@
 //   trace enable                     trace commands: generated, never shown
 //   mem_init 1                       general commands: the board's own
 //
+// A byte order mark of UTF-8 in front of the first line does not count.
 // Lines end at a line feed; what stands behind a carriage return or a NUL on a
 // line does not count. A line longer than a reader's limit is read in pieces, and
 // each piece counts as a line. Keywords are found in any case.
@@ -37,9 +38,16 @@ FilePointer OpenForReading(const char* path);
 /// file or has no title, and leaves `title` alone then.
 bool ReadBoardTitle(std::FILE* file, std::string& title);
 
-/// Reads the rest of `file` and returns what a person sees of it: the titles, each
-/// from its keyword on, and the general commands, every line with CR LF behind it.
-std::string ReadBoardCommands(std::FILE* file);
+/// What a person sees of a board file.
+struct BoardCommands {
+    std::string Text;
+    bool IsCut = false;
+};
+
+/// Reads `file` from its start and returns the titles, each from its keyword on, and the
+/// general commands, every line with CR LF behind it. Of a file of more than a megabyte only
+/// the first one counts, and an ellipsis follows.
+BoardCommands ReadBoardCommands(std::FILE* file);
 
 /// Returns the bytes of a new board file. `commands` is the text as it was typed;
 /// the lines of it that hold the title keyword are left out. The two selections are

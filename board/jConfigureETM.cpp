@@ -53,6 +53,7 @@ void jConfigureETM::DoDataExchange(CDataExchange& exchange) {
     DDX_CBIndex(exchange, 1068, m_PortModeSel);
     DDX_Control(exchange, 1078, m_BoardCombo);
     DDX_CBIndex(exchange, 1078, m_BoardSel);
+    DDX_Control(exchange, 1080, m_CommandsEdit);
     DDX_Text(exchange, 1080, m_Commands);
     DDX_Control(exchange, 1070, m_CprtCombo);
     DDX_CBIndex(exchange, 1070, m_CprtSel);
@@ -108,12 +109,14 @@ void jConfigureETM::ShowSelectedBoard() {
     UpdateData(true);
     const bool startup = m_FixedEntryCount > 1 && m_BoardSel == 1;
     m_Commands.clear();
+    m_CommandsAreCut = false;
     if (startup)
         m_Commands = kStartupText;
     else if (const jBoardEntry* entry = BoardEntryAt(m_BoardSel))
         LoadBoardCommands(entry->Path.c_str());
-    GetDlgItem(1082)->EnableWindow(!startup);
+    GetDlgItem(1082)->EnableWindow(!startup && !m_CommandsAreCut);
     GetDlgItem(1080)->EnableWindow(!startup);
+    m_CommandsEdit->SetReadOnly(m_CommandsAreCut);
     UpdateData(false);
 }
 

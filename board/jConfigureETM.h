@@ -47,8 +47,8 @@ public:
     int32_t SelectionFromBoardFile() const;
     /// The board selection for a combo box index: a path, "/startup" or "/none".
     const char* BoardFileFromSelection(int32_t index) const;
-    /// Sets m_Commands to what is shown of the file. Returns false, with the text
-    /// empty, if it can't be opened.
+    /// Sets m_Commands to what is shown of the file, and m_CommandsAreCut. Returns false,
+    /// with the text empty, if it can't be opened.
     bool LoadBoardCommands(const char* path);
 
 protected:
@@ -83,7 +83,9 @@ private:
     int32_t m_PortModeSel = 0;
     CComboBox* m_BoardCombo = nullptr;
     int32_t m_BoardSel = 0;
+    CEdit* m_CommandsEdit = nullptr;
     std::string m_Commands;
+    bool m_CommandsAreCut = false; // too long a file: nothing can be made from what is shown
     CComboBox* m_CprtCombo = nullptr;
     int32_t m_CprtSel = 0;
     CComboBox* m_ContextIdCombo = nullptr;

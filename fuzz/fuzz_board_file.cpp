@@ -45,7 +45,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const bool listed = ReadBoardTitle(file.get(), title);
     Require(title.size() <= 248 && title.find_first_of("\r\n") == title.npos);
     std::rewind(file.get());
-    const std::string commands = ReadBoardCommands(file.get());
+    const std::string commands = ReadBoardCommands(file.get()).Text;
     const std::string general = CheckCommands(commands);
     if (!listed) return 0;
 
@@ -55,6 +55,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     std::string again;
     Require(ReadBoardTitle(copy.get(), again) && again == title);
     std::rewind(copy.get());
-    Require(ReadBoardCommands(copy.get()) == kTitleKeyword + title + "\r\n" + general);
+    Require(ReadBoardCommands(copy.get()).Text == kTitleKeyword + title + "\r\n" + general);
     return 0;
 }

@@ -28,6 +28,8 @@ TEST_F(BoardTest, TitleAndCommandsOfAFile) {
         {a + " trace on\nTRACE x\ntracer\nno trace\n; c\n", "A", "Title=A|no trace|"},
         {a + t300 + "\n", "A", shownA + t300.substr(42) + "|" + t300.substr(258) + "|"},
         {";[OrnithalWorksTraceInitFile]\r;Title=A\rx", "-", ""}, // all of it one line
+        {"\xEF\xBB\xBF" + a + "\xEF\xBB\xBF 1\n", "A", "Title=A|\xEF\xBB\xBF 1|"},
+        {"\xEF\xBB\xBF x\n" + a, "-", "x|Title=A|"},
         {kMarker + std::string(";Title=A\0b\nc\0d\n\0e\n", 18), "A", "Title=A|c|"},
     };
     for (const auto& row : rows) {
@@ -37,7 +39,7 @@ TEST_F(BoardTest, TitleAndCommandsOfAFile) {
         ReadBoardTitle(file.get(), title);
         EXPECT_EQ(title, row.title) << row.bytes;
         std::rewind(file.get());
-        std::string commands = ReadBoardCommands(file.get());
+        std::string commands = ReadBoardCommands(file.get()).Text;
         for (size_t at; (at = commands.find("\r\n")) != std::string::npos;)
             commands.replace(at, 2, "|");
         EXPECT_EQ(commands, row.commands) << row.bytes;

@@ -78,4 +78,22 @@ TEST_F(BoardTest, TheSelectionDecidesWhatTheBoxShowsAndWhetherItCanBeUsed) {
         display.Click(IDOK);
     });
     EXPECT_EQ(Selected(), file); // not tested again
+
+    // Of a file that is too long only the start is shown, and nothing is made from it.
+    const size_t most = 1024 * 1024;
+    for (const size_t excess : {0, 1}) {
+        const std::string start = kMarker + ";Title=A\n";
+        Write("a.mac", start + std::string(most - start.size() + excess, 'x'));
+        Configure([&] {
+            EXPECT_EQ(display.Text(1080).ends_with("x\r\n..."), excess > 0);
+            EXPECT_LT(display.Text(1080).size(), most + most / 100);
+            display.Type(1080, "typed");
+            EXPECT_EQ(display.Text(1080) == "typed", excess == 0);
+            EXPECT_EQ(display.Enabled(1082), excess == 0);
+            display.Select(1078, 0);
+            display.Type(1080, "typed");
+            EXPECT_EQ(display.Text(1080), "typed");
+            EXPECT_TRUE(display.Enabled(1082));
+        });
+    }
 }
