@@ -8,9 +8,9 @@
 #include "frame/interfaces/IOrnXTraceClient.h"
 #include "frame/slots.h"
 #include "platform/compare.h"
+#include "platform/directory.h"
+#include "platform/paths.h"
 #include "settings/jTraceSettings.h"
-#include "text/file_names.h"
-#include "text/jString.h"
 
 namespace {
 
@@ -28,19 +28,23 @@ bool HostHasStartupMacro() {
 
 } // namespace
 
-void jConfigureETM::ScanBoardFiles() {
-    char directory[260];
-    g_Settings->GetTextAttribute(TA_BOARD_DIRECTORY, directory, sizeof directory);
-    jString list;
-    FindFiles(directory, "*.mac", false, list);
+std::string jConfigureETM::BoardDirectory() {
+    char start[2]; // asked for so that an empty one is derived
+    g_Settings->GetTextAttribute(TA_BOARD_DIRECTORY, start, sizeof start);
+    return g_Settings->BoardDirectory;
+}
 
-    const char* rest = list.GetBuffer();
-    jString item;
+void jConfigureETM::ScanBoardFiles() {
+    const std::string directory = BoardDirectory();
+    Directory files(directory);
+    DirectoryEntry file;
     std::string title;
-    while (NextListItem(rest, item)) {
-        const char* path = item.GetBuffer();
-        const FilePointer file = OpenForReading(path);
-        if (file && ReadBoardTitle(file.get(), title)) AddBoardEntry(path, title.c_str());
+    while (files.Next(file)) {
+        if (file.IsDirectory || !CanBeBoardFile(directory, file.Name)) continue;
+        const std::string path = JoinPath(directory, file.Name);
+        const FilePointer opened = OpenForReading(path.c_str());
+        if (opened && ReadBoardTitle(opened.get(), title))
+            AddBoardEntry(path.c_str(), title.c_str());
     }
 }
 
@@ -67,8 +71,7 @@ void jConfigureETM::FillBoardList() {
 
 int32_t jConfigureETM::SelectionFromBoardFile() const {
     const int32_t byDefault = m_FixedEntryCount - 1;
-    char boardFile[260];
-    g_Settings->GetTextAttribute(TA_BOARD_FILE, boardFile, sizeof boardFile);
+    const char* const boardFile = g_Settings->Working.BoardFile.c_str();
     if (boardFile[0] == '\0' || CompareNoCase(boardFile, "---") == 0) return byDefault;
 
     for (int32_t i = 0; i < m_BoardEntryCount; ++i)

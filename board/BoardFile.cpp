@@ -5,6 +5,8 @@
 #include <filesystem>
 
 #include "platform/compare.h"
+#include "platform/paths.h"
+#include "text/file_names.h"
 #include "text/shown_text.h"
 #include "text/text_tools.h"
 
@@ -82,6 +84,11 @@ bool FindTitle(const char* text, std::string& title) {
     CutLineEnd(line);
     title = line;
     return true;
+}
+
+bool CanBeBoardFile(const std::string& directory, const std::string& name) {
+    return MatchFileName("*.mac", name.c_str()) && name.find(';') == std::string::npos &&
+           JoinPath(directory, name).size() <= kMaxBoardPath;
 }
 
 FilePointer OpenForReading(const char* path) {

@@ -20,6 +20,13 @@
 
 inline constexpr const char* kTitleKeyword = "Title=";
 
+/// The characters of the longest path that the host can store as its setting.
+inline constexpr size_t kMaxBoardPath = 259;
+
+/// True iff a file `name` in `directory` can be a board file: its extension is ".mac", in
+/// any case, its path fits the host's setting, and its name has no ";".
+bool CanBeBoardFile(const std::string& directory, const std::string& name);
+
 /// Finds the first title keyword in `text`, in any case, and stores what follows it up
 /// to the end of its line, 259 characters at most. Returns false, leaving `title`
 /// alone, without a keyword. A title may be empty.

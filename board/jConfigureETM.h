@@ -69,6 +69,8 @@ private:
     void OnCreateBoardFile(Notification&) { CreateBoardFile(); }
     void OnRestoreDefaults(Notification&);
 
+    /// The board directory of the settings record, whole.
+    static std::string BoardDirectory();
     void CreateToolTips();
     void FillChoiceLists();
     void StoreSettings() const;

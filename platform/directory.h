@@ -4,10 +4,10 @@
 //     DirectoryEntry entry;
 //     while (directory.Next(entry)) ...
 //
-// The order is the platform's. Delivered are regular files, links to such, and
-// real directories, "." and ".." among them where the platform has them. Pipes and devices are
-// passed over, since opening one could wait for ever; so are links to
-// directories, since a walk down the tree could go round in circles.
+// The order is the platform's. Delivered is what exists, "." and ".." where the
+// platform has them, pipes and devices too: whoever opens an entry looks whether it is a
+// file. Links to directories are passed over, since a walk down the tree could go
+// round in circles.
 
 #pragma once
 

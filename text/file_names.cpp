@@ -17,20 +17,23 @@ static const char* FindPoint(const char* path) {
     return *at == '.' ? at : nullptr;
 }
 
+std::string WithDefaultExt(std::string name, const char* ext) {
+    if (name.empty()) return name;
+    const char quote = name.front();
+    if (name.size() > 1 && name.back() == quote && (quote == '"' || quote == '\'')) {
+        name = name.substr(1, name.size() - 2);
+    }
+    if (!HasExtension(name.c_str())) name.append(".").append(ext);
+    return name;
+}
+
 const char* AddDefaultExt(const char* name, const char* ext) {
     static char result[260];
     if (!name) name = "";
     if (!ext) ext = "";
     if (std::strlen(name) + std::strlen(ext) + 2 > sizeof result) return "BadFile.Ext";
     if (*name == '\0') return name;
-
-    std::string full = name;
-    const char quote = full.front();
-    if (full.size() > 1 && full.back() == quote && (quote == '"' || quote == '\'')) {
-        full = full.substr(1, full.size() - 2);
-    }
-    if (!HasExtension(full.c_str())) full.append(".").append(ext);
-    return CopyBounded(result, sizeof result, full.c_str());
+    return CopyBounded(result, sizeof result, WithDefaultExt(name, ext).c_str());
 }
 
 bool HasExtension(const char* path) {
@@ -84,18 +87,12 @@ bool GetListItem(int32_t index, const char* list, jString& item) {
         list = std::strchr(list, ';');
         if (list) ++list;
     }
-    return NextListItem(list, item);
-}
-
-bool NextListItem(const char*& rest, jString& item) {
-    if (!rest || *rest == '\0') return false;
-    const size_t length = std::strcspn(rest, ";");
+    if (!list || *list == '\0') return false;
+    const size_t length = std::strcspn(list, ";");
     item.Assign(nullptr);
     if (item.Capacity <= length) item.Reserve(static_cast<uint32_t>(length));
     char* const text = item.GetBuffer();
-    std::memcpy(text, rest, length);
+    std::memcpy(text, list, length);
     text[length] = '\0';
-    rest += length;
-    if (*rest == ';') ++rest;
     return true;
 }

@@ -6,13 +6,17 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 class jString;
 
 /// Returns `name` without the quotes around it and with "." and `ext` behind it if
-/// it has no extension. An empty `name` is its own result. A name that would not
-/// fit 260 bytes with its extension gives "BadFile.Ext". The result remains valid
-/// until the next call.
+/// it has no extension. An empty `name` stays empty.
+std::string WithDefaultExt(std::string name, const char* ext);
+
+/// The same in a buffer of 260 bytes, which remains valid until the next call. An empty
+/// `name` is its own result. One that is too long for the buffer with an extension, even
+/// if it has one already, gives "BadFile.Ext".
 const char* AddDefaultExt(const char* name, const char* ext);
 
 /// True iff the last part of `path` has a point.
@@ -35,8 +39,3 @@ bool FindFiles(const char* dir, const char* pattern, bool recurse, jString& resu
 /// Stores element `index` of `list`, from 0, in `item`. Returns false, leaving `item`
 /// alone, if there is none. A ";" at the end of the list begins no element.
 bool GetListItem(int32_t index, const char* list, jString& item);
-
-/// For a walk over a long list: stores the first element of `rest` in `item` and
-/// moves `rest` behind it and its ";". Returns false at the end. The walk delivers
-/// the elements that GetListItem has for 0, 1, 2 ...
-bool NextListItem(const char*& rest, jString& item);

@@ -28,7 +28,7 @@ bool Directory::Next(DirectoryEntry& entry) {
         if (fstatat(directory, found->d_name, &status, AT_SYMLINK_NOFOLLOW) != 0) continue;
         const bool isDirectory = S_ISDIR(status.st_mode);
         if (S_ISLNK(status.st_mode) && fstatat(directory, found->d_name, &status, 0) != 0) continue;
-        if (!isDirectory && !S_ISREG(status.st_mode)) continue;
+        if (!isDirectory && S_ISDIR(status.st_mode)) continue;
         entry.Name = found->d_name;
         entry.IsDirectory = isDirectory;
         return true;

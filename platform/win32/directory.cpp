@@ -19,6 +19,7 @@ struct Directory::Handle {
 };
 
 Directory::Directory(const std::string& path) {
+    if (path.empty()) return; // what is joined below would be the root
     auto handle = std::make_unique<Handle>(JoinPath(path, "*").c_str());
     if (handle->IsValid()) m_Handle = std::move(handle);
 }

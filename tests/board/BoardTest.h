@@ -4,6 +4,7 @@
 #pragma once
 
 #include "board/jConfigureETM.h"
+#include "platform/paths.h"
 #include "tests/support/Session.h"
 #include "tests/support/TemporaryDirectory.h"
 
@@ -18,6 +19,10 @@ protected:
     bool Configure(HeadlessDisplay::Script script) {
         display.OnNextDialog(std::move(script));
         return jConfigureETM(nullptr).DoModal() == IDOK;
+    }
+    /// The longest name of a board file whose path begins with `directory`.
+    static std::string LongestName(const std::string& directory) {
+        return std::string(259 - directory.size() - 4, 'n') + ".mac";
     }
     std::string Selected() const { return settings.Working.BoardFile; }
 

@@ -47,19 +47,26 @@ TEST_F(BoardTest, TitleAndCommandsOfAFile) {
 }
 
 TEST_F(BoardTest, OnlyMarkedFilesOfTheDirectoryItselfAreListed) {
+    const std::string boards = PathOf("boards;1") + kSeparator, longest = LongestName(boards);
+    std::filesystem::create_directories(boards + "sub.mac");
+    settings.SetTextAttribute(TA_BOARD_DIRECTORY, PathOf("boards;1").c_str());
     std::vector<std::string> titles = {kGeneric};
-    for (const char* name : {"plain.mac", "UPPER.MAC", ".mac", "a 'b' \xC3\xBC.mac"}) {
+    for (const std::string& name :
+         {std::string("plain.mac"), std::string("UPPER.MAC"), std::string(".mac"),
+          std::string("a 'b' \xC3\xBC.mac"), longest}) {
         titles.push_back(name);
-        Write(name, kMarker + ";Title=" + titles.back() + "\r\n");
+        Write("boards;1/" + name, kMarker + ";Title=" + titles.back() + "\r\n");
     }
-    std::filesystem::create_directory(PathOf("sub.mac"));
-    for (const char* name : {"x.mac1", "x.mac.txt", "semi;colon.mac", "sub.mac/deep.mac"})
-        Write(name, kMarker + ";Title=never\r\n");
-    Write("unmarked.mac", ";Title=unmarked\n");
+    for (const std::string& name : {std::string("x.mac1"), std::string("x.mac.txt"), "n" + longest,
+                                    std::string("semi;colon.mac"), std::string("sub.mac/deep.mac")})
+        Write("boards;1/" + name, kMarker + ";Title=never\r\n");
+    Write("boards;1/unmarked.mac", ";Title=unmarked\n");
+    Write("colon.mac", kMarker + ";Title=of another directory\r\n");
+    std::filesystem::current_path(Path());
 #if !defined(_WIN32)
-    ASSERT_EQ(mkfifo(PathOf("pipe.mac").c_str(), 0600), 0);
-    std::filesystem::create_symlink("plain.mac", PathOf("link.mac"));
-    std::filesystem::create_symlink("/dev/zero", PathOf("device.mac"));
+    ASSERT_EQ(mkfifo((boards + "pipe.mac").c_str(), 0600), 0);
+    std::filesystem::create_symlink("plain.mac", boards + "link.mac");
+    std::filesystem::create_symlink("/dev/zero", boards + "device.mac");
     titles.push_back("plain.mac");
 #endif
     std::vector<std::string> listed;
@@ -77,6 +84,7 @@ TEST_F(BoardTest, OnlyMarkedFilesOfTheDirectoryItselfAreListed) {
     }
     settings.SetTextAttribute(TA_BOARD_DIRECTORY, PathOf("missing").c_str());
     Configure([&] { EXPECT_EQ(display.Entries(1078).size(), 1u); });
+    std::filesystem::current_path("..");
 }
 
 TEST_F(BoardTest, SelectionForTheStoredValue) {
