@@ -30,15 +30,13 @@ void CutLineEnd(char* line) {
     CutAtChar(line, '\n');
 }
 
-/// False for what is no file: a directory, a pipe, a device, and a link where links are
-/// not followed. A name that can't be asked about passes: opening it will tell.
-bool MayBeOpened(const char* path, bool followLinks) {
+/// False for what is no file: a directory, a pipe or a device. A name that can't be
+/// asked about passes: opening it will tell.
+bool MayBeOpened(const char* path) {
     namespace fs = std::filesystem;
     try {
-        const fs::path name(path);
         std::error_code ignored;
-        const fs::file_status status =
-            followLinks ? fs::status(name, ignored) : fs::symlink_status(name, ignored);
+        const fs::file_status status = fs::status(fs::path(path), ignored);
         return !fs::status_known(status) || !fs::exists(status) || fs::is_regular_file(status);
     } catch (const std::exception&) {
         return true;
@@ -92,7 +90,7 @@ bool CanBeBoardFile(const std::string& directory, const std::string& name) {
 }
 
 FilePointer OpenForReading(const char* path) {
-    if (!MayBeOpened(path, true)) return nullptr;
+    if (!MayBeOpened(path)) return nullptr;
     return FilePointer(std::fopen(path, "rb"));
 }
 
@@ -172,15 +170,4 @@ std::string ComposeBoardFile(const std::string& title, const char* commands, int
         if (rest) ++rest;
     }
     return bytes;
-}
-
-FilePointer OpenForWriting(const char* path) {
-    if (!MayBeOpened(path, false)) return nullptr;
-    return FilePointer(std::fopen(path, "wb"));
-}
-
-bool WriteAndClose(FilePointer file, const std::string& bytes) {
-    const bool written = std::fwrite(bytes.data(), 1, bytes.size(), file.get()) == bytes.size();
-    const bool closed = std::fclose(file.release()) == 0;
-    return written && closed;
 }

@@ -67,12 +67,3 @@ std::string ComposeBoardFile(const std::string& title, const char* commands, int
 /// Returns false, with the buffer left alone, if there is no such line. A text that
 /// ends in a line feed has an empty line behind it.
 bool GetTextLine(int32_t number, const char* text, char* buffer, size_t size);
-
-/// Opens the file at `path` for writing in binary mode, replacing one that is there.
-/// Returns null if that fails, and for a link, a pipe or a device of that name: what
-/// stands behind those lies elsewhere.
-FilePointer OpenForWriting(const char* path);
-
-/// Writes `bytes` and closes the file. Returns false if a byte was lost; the file
-/// then remains as far as it was written.
-bool WriteAndClose(FilePointer file, const std::string& bytes);

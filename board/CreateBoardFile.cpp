@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <memory>
 #include <optional>
+#include <utility>
 
 #include "board/BoardFile.h"
 #include "board/jConfigureETM.h"
@@ -11,6 +12,7 @@
 #include "frame/slots.h"
 #include "platform/compare.h"
 #include "platform/paths.h"
+#include "platform/replace_file.h"
 #include "settings/jTraceSettings.h"
 #include "text/file_names.h"
 
@@ -28,8 +30,8 @@ constexpr char kWrongExtension[] =
     "Board initialization files must have file extensions \".mac\".\n\n"
     "Otherwise they will not be recognized.";
 
-std::string WrongDirectory(const char* directory) {
-    return std::string("Board initialization files must be saved in directory\n\"") + directory +
+std::string WrongDirectory(const std::string& directory) {
+    return "Board initialization files must be saved in directory\n\"" + directory +
            "\".\n\nOtherwise they will not be recognized.";
 }
 
@@ -38,11 +40,11 @@ std::string CannotCreate(const std::string& path) {
 }
 
 /// Lets the user choose a file; nothing if the user does not confirm.
-std::optional<std::string> AskFileName(CWnd& owner, const char* directory) {
+std::optional<std::string> AskFileName(CWnd& owner, const std::string& directory) {
     static constexpr const char* filters[] = {"Board init files (*.MAC)", "*.mac", nullptr};
-    const auto dialog = std::make_unique<jSaveFileDialog>(&owner, filters, directory);
+    const auto dialog = std::make_unique<jSaveFileDialog>(&owner, filters, directory.c_str());
     if (dialog->Accepted == 0) return std::nullopt;
-    return AddDefaultExt(dialog->FileName, "mac");
+    return WithDefaultExt(dialog->FileName, "mac");
 }
 
 /// The form in which two paths are compared.
@@ -51,17 +53,20 @@ std::string WithOneSeparator(std::string path) {
     return path;
 }
 
-/// Compares two directories without regard to case. Where the case of a name counts,
-/// spellings that differ in it must lead to the same place besides.
-bool SameDirectory(const std::string& left, const std::string& right) {
-    if (CompareNoCase(left.c_str(), right.c_str()) != 0) return false;
-    if (left == right) return true;
+/// Whether `chosen` is the board directory, however the two are spelt. A board directory
+/// that ends in a separator is none that a file could be chosen in.
+bool IsBoardDirectory(std::string chosen, std::string directory) {
+    chosen = WithOneSeparator(std::move(chosen));
+    directory = WithOneSeparator(std::move(directory));
+    if (chosen == directory) return true;
+    if (directory.ends_with(kSeparator)) return false;
     try {
         std::error_code unknown;
-        return std::filesystem::equivalent(left, right, unknown) || unknown;
-    } catch (const std::exception&) {
-        return true; // names that can't be asked about: the texts decide
+        const bool same = std::filesystem::equivalent(chosen, directory, unknown);
+        if (!unknown) return same;
+    } catch (const std::exception&) { // a name that can't be asked about
     }
+    return CompareNoCase(chosen.c_str(), directory.c_str()) == 0;
 }
 
 } // namespace
@@ -79,24 +84,23 @@ void jConfigureETM::CreateBoardFile() {
     for (const jBoardEntry& entry : m_BoardEntries)
         if (CompareNoCase(entry.Title.c_str(), title.c_str()) == 0) return refuse(kTitleInUse);
 
-    char directory[260];
-    g_Settings->GetTextAttribute(TA_BOARD_DIRECTORY, directory, sizeof directory);
+    const std::string directory = BoardDirectory();
     const std::optional<std::string> chosen = AskFileName(*this, directory);
     if (!chosen) return;
 
     const PathParts parts = SplitPath(*chosen);
-    if (!SameDirectory(WithOneSeparator(DirectoryOf(*chosen)), WithOneSeparator(directory)))
+    const std::string name = parts.Name + parts.Extension;
+    if (!IsBoardDirectory(DirectoryOf(*chosen), directory))
         return refuse(WrongDirectory(directory));
     if (CompareNoCase(parts.Extension.c_str(), ".mac") != 0) return refuse(kWrongExtension);
 
     // Put together from the board directory itself: whatever the chosen path means to the
     // platform, nothing outside is written.
-    const std::string path = JoinPath(directory, parts.Name + parts.Extension);
+    const std::string path = JoinPath(directory, name);
     const std::string bytes =
         ComposeBoardFile(title, m_Commands.c_str(), m_PortSizeSel, m_PortModeSel);
-    FilePointer file = OpenForWriting(path.c_str());
-    if (!file) return refuse(CannotCreate(path));
-    if (!WriteAndClose(std::move(file), bytes)) return;
+    if (!CanBeBoardFile(directory, name) || !ReplaceFileContent(path, bytes))
+        return refuse(CannotCreate(path));
 
     if (!AddBoardEntry(path.c_str(), title.c_str())) return;
     m_BoardSel = m_FixedEntryCount + m_BoardEntryCount - 1;

@@ -43,6 +43,8 @@ TEST_F(CreateBoardFile, RefusalsSayWhyAndLeaveNothingBehind) {
     const std::string elsewhere = WrongDirectory(Path()), sound = "Title=New";
     const char* const extension = "[Error] Board initialization files must have file extensions "
                                   "\".mac\".\n\nOtherwise they will not be recognized.";
+    const std::string longest = LongestName(PathOf(""));
+    const std::string tooLong(longest.size() - 3, 'n'); // with the extension to come
     const struct {
         std::string commands, saveAs, box; // saveAs empty: it does not come to that
     } rows[] = {
@@ -61,6 +63,8 @@ TEST_F(CreateBoardFile, RefusalsSayWhyAndLeaveNothingBehind) {
         {sound, PathOf("new."), extension},
         {sound, PathOf("new.mac1"), extension},
         {sound, PathOf("taken.mac"), CannotCreate(PathOf("taken.mac"))},
+        {sound, PathOf(tooLong), CannotCreate(PathOf(tooLong + ".mac"))},
+        {sound, PathOf("a;b"), CannotCreate(PathOf("a;b.mac"))},
     };
     Configure([&] {
         for (const auto& row : rows) {
@@ -70,16 +74,23 @@ TEST_F(CreateBoardFile, RefusalsSayWhyAndLeaveNothingBehind) {
         }
         EXPECT_EQ(Create(sound, ""), "");                            // cancelled
         EXPECT_EQ(Create(sound, PathOf(std::string(100, 'n'))), ""); // a name of any length
-        const std::string withSeparator = Path() + "/";              // never fits
+        for (const std::string& spelt :
+             {Path() + "/.", Path() + "/sub/..",
+              std::string(Path()).insert(Path().find_last_of("/\\"), 1, kSeparator)}) {
+            settings.SetTextAttribute(TA_BOARD_DIRECTORY, spelt.c_str());
+            EXPECT_EQ(Create("Title=" + spelt, PathOf("new.mac")), "");
+            EXPECT_EQ(Selected(), spelt + kSeparator + "new.mac");
+        }
+        const std::string withSeparator = Path() + "/"; // never fits
         settings.SetTextAttribute(TA_BOARD_DIRECTORY, withSeparator.c_str());
         EXPECT_EQ(Create("Title=Newer", PathOf("a.mac")), WrongDirectory(withSeparator));
-        EXPECT_EQ(display.Entries(1078).size(), 3u);
+        EXPECT_EQ(display.Entries(1078).size(), 6u);
     });
-    EXPECT_EQ(FileCount(), 4);
+    EXPECT_EQ(FileCount(), 5);
 }
 
 TEST_F(CreateBoardFile, BytesOfTheNewFile) {
-    const std::string t300(300, 't'), t259(259, 't');
+    const std::string t300(300, 't'), t259(259, 't'), longest = LongestName(PathOf(""));
     const struct {
         std::string commands, saveAs, name, title;
         int size, mode;
@@ -89,6 +100,7 @@ TEST_F(CreateBoardFile, BytesOfTheNewFile) {
         {"1\n\n  trace 2\nnot: TITLE= K\xC3\xBC \nTitle=x\n3", "'b' c", "'b' c.mac", " K\xC3\xBC ",
          0, 1, "4", "off", "1\r\n\r\n  trace 2\r\n3\r\n"},
         {"Title=" + t300 + "\n" + t300, "c.MAC", "c.MAC", t259, 2, 0, "16", "on", t259 + "\r\n"},
+        {"Title=Long", longest, longest, "Long", 1, 0, "8", "on", ""},
         {"Title=" + kGeneric, "a.mac", "a.mac", kGeneric, -1, -1, "0", "off", ""},
     };
     for (const auto& row : rows) {
@@ -127,21 +139,41 @@ TEST_F(CreateBoardFile, NothingOutsideTheDirectoryIsWritten) {
     EXPECT_EQ(FileCount(), 5);
 }
 
-TEST_F(CreateBoardFile, AFullDiskShowsNothingAndSelectsNothing) {
-    rlimit old{};
-    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &old), 0);
-    const rlimit tiny{40, old.rlim_max};
-    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+TEST_F(CreateBoardFile, AFullDiskOrADeadProcessLeavesTheFileThatWasThere) {
+    const std::string old = kMarker + ";Title=Old\r\n", path = Write("a.mac", old);
+    ASSERT_EQ(chmod(path.c_str(), 0640), 0);
+    rlimit unlimited{};
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &unlimited), 0);
+    const rlimit tiny{40, unlimited.rlim_max};
     Configure([&] {
-        setrlimit(RLIMIT_FSIZE, &tiny);
-        const std::string box = Create("Title=A", PathOf("a.mac"));
-        setrlimit(RLIMIT_FSIZE, &old);
-        EXPECT_EQ(box, "");
-        EXPECT_EQ(display.Entries(1078).size(), 1u);
+        EXPECT_EXIT(
+            {
+                setrlimit(RLIMIT_FSIZE, &tiny);
+                Create("Title=A", path);
+            },
+            testing::KilledBySignal(SIGXFSZ), "");
+        EXPECT_EQ(Read("a.mac"), old);
+        const ptrdiff_t files = FileCount();
+        const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+        for (const std::string& full : {path, PathOf("b.mac")}) {
+            setrlimit(RLIMIT_FSIZE, &tiny);
+            const std::string box = Create("Title=A", full);
+            setrlimit(RLIMIT_FSIZE, &unlimited);
+            EXPECT_EQ(box, CannotCreate(full));
+        }
+        std::signal(SIGXFSZ, handler);
+        EXPECT_EQ(Read("a.mac"), old);
+        EXPECT_EQ(FileCount(), files);
+        EXPECT_EQ(display.Entries(1078).size(), 2u);
+        EXPECT_EQ(Selected(), "---");
+
+        // With room again the file is replaced, and who may read it stays.
+        EXPECT_EQ(Create("Title=A", path), "");
+        EXPECT_NE(Read("a.mac"), old);
+        struct stat status {};
+        EXPECT_EQ(stat(path.c_str(), &status), 0);
+        EXPECT_EQ(status.st_mode & 0777, 0640u);
     });
-    std::signal(SIGXFSZ, handler);
-    EXPECT_EQ(Read("a.mac"), kMarker + ";Title=A\r"); // as far as it was written
-    EXPECT_EQ(Selected(), "---");
 }
 
 #endif

@@ -202,6 +202,14 @@ TEST_F(OnNativeWindows, AFileIsReplacedOnlyWithTheUsersConsent) {
             dialog.Answer(IDYES);
             dialog.Click(1082);
             EXPECT_GT(std::filesystem::file_size(old), 3u);
+
+            // Too long to be shown whole, it can only be read.
+            std::ofstream(old, std::ios::app) << std::string(1024 * 1024, 'x');
+            for (const int selection : {0, 1}) {
+                dialog.Select(1078, selection);
+                const LONG styles = GetWindowLongA(user.Find(1080), GWL_STYLE);
+                EXPECT_EQ((styles & ES_READONLY) != 0, selection == 1);
+            }
         });
         person.Click(1029);
     });
