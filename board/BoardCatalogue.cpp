@@ -10,6 +10,7 @@
 #include "platform/compare.h"
 #include "platform/directory.h"
 #include "platform/paths.h"
+#include "settings/BoardSelection.h"
 #include "settings/jTraceSettings.h"
 
 namespace {
@@ -17,12 +18,9 @@ namespace {
 constexpr char kGenericBoard[] = "Generic board - no trace init file";
 constexpr char kStartupMacro[] = "Call debugger startup macro functions";
 
-/// Hosts before this version don't know HasCommand.
-constexpr int32_t kVersionWithHasCommand = 111;
-
 bool HostHasStartupMacro() {
     return g_XTraceClient != nullptr &&
-           g_XTraceClient->GetInterfaceVersion() >= kVersionWithHasCommand &&
+           g_XTraceClient->GetInterfaceVersion() >= ORN_VERSION_WITH_HAS_COMMAND &&
            g_XTraceClient->HasCommand("ExecuteCmd");
 }
 
@@ -72,13 +70,12 @@ void jConfigureETM::FillBoardList() {
 int32_t jConfigureETM::SelectionFromBoardFile() const {
     const int32_t byDefault = m_FixedEntryCount - 1;
     const char* const boardFile = g_Settings->Working.BoardFile.c_str();
-    if (boardFile[0] == '\0' || CompareNoCase(boardFile, "---") == 0) return byDefault;
-
     for (int32_t i = 0; i < m_BoardEntryCount; ++i)
         if (CompareNoCase(m_BoardEntries[i].Path.c_str(), boardFile) == 0)
             return m_FixedEntryCount + i;
-    if (CompareNoCase(boardFile, "/none") == 0) return 0;
-    if (CompareNoCase(boardFile, "/startup") == 0 && m_FixedEntryCount > 1) return 1;
+    const BoardSelection kind = KindOfBoard(boardFile);
+    if (kind == BoardSelection::None) return 0;
+    if (kind == BoardSelection::Startup && m_FixedEntryCount > 1) return 1;
     return byDefault;
 }
 
@@ -89,7 +86,7 @@ const jBoardEntry* jConfigureETM::BoardEntryAt(int32_t index) const {
 
 const char* jConfigureETM::BoardFileFromSelection(int32_t index) const {
     if (const jBoardEntry* entry = BoardEntryAt(index)) return entry->Path.c_str();
-    return index != 0 ? "/startup" : "/none";
+    return index != 0 ? ORN_BOARD_STARTUP : ORN_BOARD_NONE;
 }
 
 bool jConfigureETM::LoadBoardCommands(const char* path) {

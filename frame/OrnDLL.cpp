@@ -2,6 +2,7 @@
 
 #include "frame/CKVETMCtrlApp.h"
 #include "frame/OrnAPIBase.h"
+#include "frame/slots.h"
 
 namespace {
 
@@ -10,6 +11,10 @@ CKVETMCtrlApp g_Application;
 OrnAPIBase g_ModuleObject;
 
 } // namespace
+
+const char* ModulePath() {
+    return g_ModuleObject.GetModulePath();
+}
 
 IOrnAPIBase* OrnDLL() {
     return &g_ModuleObject;

@@ -218,6 +218,10 @@ bool jKVETMCtrl::Open() {
     });
 }
 
+IOrnInterface* AskControl(const char* name) {
+    return g_Ctrl != nullptr ? g_Ctrl->GetInterface(name) : nullptr;
+}
+
 bool jKVETMCtrl::Fail(std::string reason) {
     LastError = std::move(reason);
     return false;

@@ -11,6 +11,7 @@
 #include <cstdint>
 
 class IOrnAPI;
+class IOrnInterface;
 class IOrnVETMTrace;
 class IOrnTraceClient;
 class IOrnXTraceClient;
@@ -40,6 +41,12 @@ extern jKVETMSupp* g_Supp;         // set by the first GetInterface("IOrnKVETMSu
 // The control component, from the first successful read by Init or Open on, while it
 // lives. An Init without IOrnVETMTrace has nothing to read and sets it too.
 extern jKVETMCtrl* g_Ctrl;
+
+// What the rooms above know and those below ask for.
+/// Asks the control component for an interface of the module; null without one.
+IOrnInterface* AskControl(const char* name);
+/// The path of the module's file, as the host told it; null if it did not.
+const char* ModulePath();
 
 // Owned by Open: the sheet and its first page while the sheet exists.
 extern jMainPropSheet* g_MainSheet;

@@ -3,6 +3,7 @@
 #include <charconv>
 #include <ostream>
 
+#include "frame/interfaces/IOrnXTraceClient.h"
 #include "host/board_file.h"
 #include "host/report.h"
 #include "host/words.h"
@@ -54,11 +55,11 @@ Refusal CommandLanguage::Execute(std::string_view text, std::ostream* stream) {
     }
     const uint32_t control = target_.state.control;
     if (EqualNoCase(line, "enable")) {
-        target_.SetControl(control | kTraceEnabled);
+        target_.SetControl(control | ORN_CONTROL_ENABLE);
         return {};
     }
     if (EqualNoCase(line, "disable")) {
-        target_.SetControl(control & ~uint32_t{kTraceEnabled});
+        target_.SetControl(control & ~ORN_CONTROL_ENABLE);
         return {};
     }
     return UnknownCommand(line);
@@ -66,10 +67,10 @@ Refusal CommandLanguage::Execute(std::string_view text, std::ostream* stream) {
 
 Refusal CommandLanguage::Macro(std::string_view value) {
     if (value.empty()) {
-        value = "/none";
+        value = ORN_BOARD_NONE;
     }
-    if (EqualNoCase(value, "/none") || EqualNoCase(value, "/startup")) {
-        target_.state.pinsReady = EqualNoCase(value, "/startup");
+    if (EqualNoCase(value, ORN_BOARD_NONE) || EqualNoCase(value, ORN_BOARD_STARTUP)) {
+        target_.state.pinsReady = EqualNoCase(value, ORN_BOARD_STARTUP);
         target_.state.macro = value;
         return {};
     }

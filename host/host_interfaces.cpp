@@ -8,20 +8,6 @@ namespace etmhost {
 
 namespace {
 
-// Ids of GetValue and SetValue.
-constexpr uint32_t kControlWord = 0;
-constexpr uint32_t kBufferSize = 1;
-constexpr uint32_t kTriggerCount = 2;
-constexpr uint32_t kPortSizes = 5;
-constexpr uint32_t kConfigCode = 0x1000004;
-constexpr uint32_t kSystemConfig = 0x1000014;
-constexpr uint32_t kEtmId = 0x10001E4;
-
-// Ids of HasFeature.
-constexpr uint32_t kFeatureEtb = 0x2000000;
-constexpr uint32_t kFeatureTpiu = 0x3000000;
-constexpr uint32_t kFeatureCortexM3 = 0x4000000;
-
 const char* OrEmpty(const char* text) {
     return text != nullptr ? text : "";
 }
@@ -32,7 +18,7 @@ const char* OrEmpty(const char* text) {
 
 HostVETMTrace::HostVETMTrace(Target& target, const Symbols& symbols, const Transaction& transaction,
                              Journal& journal)
-    : HostObject("IOrnVETMTrace", 100, journal), target_(target), transaction_(transaction),
+    : HostObject(ORN_VETM_TRACE, 100, journal), target_(target), transaction_(transaction),
       language_(target, symbols) {}
 
 const char* HostVETMTrace::Command(const char* text, std::ostream* stream) {
@@ -71,19 +57,19 @@ uint32_t HostVETMTrace::GetTraceState(uint32_t* detail) {
 
 OrnBool HostVETMTrace::HasFeature(uint32_t feature) {
     const Chip& chip = target_.chip();
-    const bool has = (feature == kFeatureEtb && chip.path == TracePath::Etb) ||
-                     (feature == kFeatureTpiu && chip.path == TracePath::Tpiu) ||
-                     (feature == kFeatureCortexM3 && chip.cortexM3);
+    const bool has = (feature == ORN_FEATURE_ETB && chip.path == TracePath::Etb) ||
+                     (feature == ORN_FEATURE_TPIU && chip.path == TracePath::Tpiu) ||
+                     (feature == ORN_FEATURE_CORTEX_M3 && chip.cortexM3);
     journal_.Call("HasFeature " + Hex(feature), YesNo(has));
     return has;
 }
 
 OrnBool HostVETMTrace::SetValue(uint32_t id, uint32_t value) {
     Refusal refusal = "There is no such value to set";
-    if (id == kControlWord || id == kTriggerCount) {
+    if (id == ORN_VALUE_CONTROL || id == ORN_VALUE_TRIGGER_COUNT) {
         transaction_([&] {
-            refusal =
-                id == kControlWord ? target_.SetControl(value) : target_.SetTriggerCount(value);
+            refusal = id == ORN_VALUE_CONTROL ? target_.SetControl(value)
+                                              : target_.SetTriggerCount(value);
         });
     }
     const std::string call = "SetValue " + Hex(id) + " " + Hex(value);
@@ -97,27 +83,27 @@ OrnBool HostVETMTrace::SetValue(uint32_t id, uint32_t value) {
 bool HostVETMTrace::Read(uint32_t id, uint32_t& value) const {
     const Chip& chip = target_.chip();
     switch (id) {
-    case kControlWord:
+    case ORN_VALUE_CONTROL:
         value = target_.state.control;
         return true;
-    case kBufferSize:
+    case ORN_VALUE_BUFFER_SIZE:
         value = chip.bufferSize;
         return true;
-    case kTriggerCount:
+    case ORN_VALUE_TRIGGER_COUNT:
         value = target_.state.triggerCount;
         return true;
-    case kPortSizes:
+    case ORN_VALUE_PORT_SIZES:
         value = chip.portSizeMask;
         return true;
-    case kConfigCode:
+    case ORN_VALUE_ETMCCR:
         value = chip.configCode;
         return true;
-    case kSystemConfig:
+    case ORN_VALUE_ETMSCR:
         value = chip.systemConfig;
         return true;
-    case kEtmId:
+    case ORN_VALUE_ETMIDR:
         value = chip.id;
-        return (chip.configCode >> 31) != 0;
+        return (chip.configCode & ORN_ETMCCR_HAS_ID) != 0;
     default:
         return false;
     }
@@ -149,7 +135,7 @@ const char* HostVETMTrace::GetSettingsLine(uint32_t index) {
 // --- IOrnTraceClient -----------------------------------------------------------------
 
 HostTraceClient::HostTraceClient(const Symbols& symbols, Journal& journal)
-    : HostObject("IOrnTraceClient", 100, journal), symbols_(symbols) {}
+    : HostObject(ORN_TRACE_CLIENT, 100, journal), symbols_(symbols) {}
 
 OrnBool HostTraceClient::Action(const char* action, const char* argument) {
     std::string_view expression = OrEmpty(action);
@@ -177,8 +163,8 @@ OrnBool HostTraceClient::Action(const char* action, const char* argument) {
 
 HostXTraceClient::HostXTraceClient(NamedSettings& settings, const Transaction& transaction,
                                    Journal& journal)
-    : HostObject("IOrnXTraceClient", 111, journal), settings_(settings), transaction_(transaction) {
-}
+    : HostObject(ORN_XTRACE_CLIENT, ORN_VERSION_WITH_HAS_COMMAND, journal), settings_(settings),
+      transaction_(transaction) {}
 
 OrnBool HostXTraceClient::HasCommand(const char* name) {
     const bool has = EqualNoCase(OrEmpty(name), "ExecuteCmd");
@@ -219,21 +205,21 @@ OrnBool HostXTraceClient::ReadSetting(const char* section, const char* key, int3
 // --- The host --------------------------------------------------------------------------
 
 SimulatedHost::SimulatedHost(const Chip& chip, Symbols addresses, Journal log)
-    : target(chip), symbols(std::move(addresses)), journal(log), api("IOrnAPI", 100, journal),
+    : target(chip), symbols(std::move(addresses)), journal(log), api(ORN_API, 100, journal),
       trace(target, symbols, transaction, journal), traceClient(symbols, journal),
-      xTraceClient(settings, transaction, journal), xTrace("IOrnXTrace", 100, journal),
-      emu("IOrnEmu", 100, journal) {}
+      xTraceClient(settings, transaction, journal), xTrace(ORN_XTRACE, 100, journal),
+      emu(ORN_EMU, 100, journal) {}
 
 IOrnInterface* SimulatedHost::Find(const std::string& name) {
     const struct {
         const char* name;
         IOrnInterface* object;
-    } interfaces[] = {{"IOrnAPI", &api},
-                      {"IOrnVETMTrace", &trace},
-                      {"IOrnTraceClient", &traceClient},
-                      {"IOrnXTraceClient", &xTraceClient},
-                      {"IOrnXTrace", &xTrace},
-                      {"IOrnEmu", &emu}};
+    } interfaces[] = {{ORN_API, &api},
+                      {ORN_VETM_TRACE, &trace},
+                      {ORN_TRACE_CLIENT, &traceClient},
+                      {ORN_XTRACE_CLIENT, &xTraceClient},
+                      {ORN_XTRACE, &xTrace},
+                      {ORN_EMU, &emu}};
     for (const auto& entry : interfaces) {
         if (name == entry.name) {
             return entry.object;

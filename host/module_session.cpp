@@ -35,7 +35,7 @@ ModuleSession::ModuleSession(IOrnAPIBase& module, const std::string& path, Simul
     module_.SetModulePath(path.c_str());
     module_.SetAPI(&host_.api);
     const int32_t rows = module_.GetRowCount();
-    while (row_ < rows && OrEmpty(module_.GetRowInterfaceName(row_)) != "IOrnKVETMCtrl") {
+    while (row_ < rows && OrEmpty(module_.GetRowInterfaceName(row_)) != ORN_KVETM_CTRL) {
         ++row_;
     }
     if (row_ < rows) {
@@ -88,7 +88,7 @@ std::string ModuleSession::LastError() {
 }
 
 IOrnKVETMSupp& ModuleSession::support() {
-    auto* object = static_cast<IOrnKVETMSupp*>(control_->GetInterface("IOrnKVETMSupp"));
+    auto* object = static_cast<IOrnKVETMSupp*>(control_->GetInterface(ORN_KVETM_SUPP));
     if (object == nullptr) {
         throw HostError("the module offers no support component");
     }

@@ -6,6 +6,11 @@ namespace etmhost {
 
 namespace {
 
+/// All bits of the control word that the target has.
+constexpr uint32_t kControlBits = ORN_CONTROL_ENABLE | ORN_CONTROL_STOP_WHEN_FULL |
+                                  ORN_CONTROL_ACCUMULATE | ORN_CONTROL_MANUAL | ORN_CONTROL_KEPT |
+                                  ORN_CONTROL_TRIGGER_PIN | ORN_CONTROL_TRIGGER_ADDRESS;
+
 constexpr uint32_t kStepsToFill = 8;
 constexpr uint32_t kTriggerStep = 4;
 
@@ -58,11 +63,11 @@ std::vector<std::string> Target::SettingsLines() const {
 }
 
 Refusal Target::SetControl(uint32_t word) {
-    if ((word & ~uint32_t{kControlBits}) != 0) {
+    if ((word & ~kControlBits) != 0) {
         return "The control word has bits that the target lacks";
     }
     state.control = word;
-    if ((word & kTraceEnabled) == 0) {
+    if ((word & ORN_CONTROL_ENABLE) == 0) {
         state.capture.running = false;
     }
     return {};
@@ -80,11 +85,12 @@ Refusal Target::SetTriggerCount(uint32_t count) {
 }
 
 Refusal Target::Start() {
-    if ((state.control & kTraceEnabled) == 0) {
+    if ((state.control & ORN_CONTROL_ENABLE) == 0) {
         return "Trace is not enabled";
     }
     if (!state.capture.running) {
-        const uint32_t kept = (state.control & kAccumulate) != 0 ? state.capture.captured : 0;
+        const uint32_t kept =
+            (state.control & ORN_CONTROL_ACCUMULATE) != 0 ? state.capture.captured : 0;
         state.capture = {.running = true, .ended = state.capture.ended, .captured = kept};
     }
     return {};
@@ -130,13 +136,15 @@ void Target::Step() {
         capture.remaining -= std::min(capture.remaining, amount);
     }
     if (capture.steps == kTriggerStep && chip_->path != TracePath::Tpiu &&
-        (state.control & kStopOnAddress) != 0 && !state.trace.trigger.empty()) {
+        (state.control & ORN_CONTROL_TRIGGER_ADDRESS) != 0 && !state.trace.trigger.empty()) {
         Trigger();
     }
-    const bool full = (state.control & kStopWhenFull) != 0 && capture.captured == size &&
+    const bool full = (state.control & ORN_CONTROL_STOP_WHEN_FULL) != 0 &&
+                      capture.captured == size &&
                       chip_->path != TracePath::Etb; // an on-chip buffer goes round and round
     const bool behindTrigger =
-        (state.control & kStopOnTrigger) != 0 && capture.triggered && capture.remaining == 0;
+        (state.control & (ORN_CONTROL_TRIGGER_PIN | ORN_CONTROL_TRIGGER_ADDRESS)) != 0 &&
+        capture.triggered && capture.remaining == 0;
     if (full || behindTrigger) {
         capture.running = false;
         capture.ended = !capture.ended;
@@ -144,7 +152,8 @@ void Target::Step() {
 }
 
 uint32_t Target::StateWord() const {
-    return (state.capture.ended ? 0x2u : 0u) | (state.capture.running ? 0x4u : 0u);
+    return (state.capture.ended ? ORN_STATE_LOOK_AGAIN : 0u) |
+           (state.capture.running ? ORN_STATE_RUNNING : 0u);
 }
 
 const char* DataTraceName(DataTrace data) {

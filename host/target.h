@@ -6,21 +6,11 @@
 #include <string>
 #include <vector>
 
+#include "frame/interfaces/IOrnVETMTrace.h"
 #include "host/chips.h"
 #include "host/refusal.h"
 
 namespace etmhost {
-
-/// Bits of the general control word.
-enum ControlBit : uint32_t {
-    kTraceEnabled = 0x1,
-    kStopWhenFull = 0x2,
-    kAccumulate = 0x4,
-    kStopOnPin = 0x100,
-    kStopOnAddress = 0x200,
-    kStopOnTrigger = kStopOnPin | kStopOnAddress,
-    kControlBits = 0x33F, ///< all that the target has
-};
 
 enum class PcTrace { None, All, StartStop, Range, Complex };
 enum class DataTrace { None, Addresses, Values, All };

@@ -7,7 +7,6 @@
 
 #include "board/jConfigureETM.h"
 #include "frame/interfaces/IOrnKVETMSupp.h"
-#include "frame/jKVETMCtrl.h"
 #include "frame/slots.h"
 #include "pages/enable_rules.h"
 #include "pages/trace_engine.h"
@@ -44,9 +43,7 @@ void jControlPage::OnConfigure(Notification&) {
 
 /// Has the board selection settled; true, too, if nobody can settle it.
 bool jControlPage::InitBoardFile(std::string& error) {
-    auto* support = g_Ctrl != nullptr
-                        ? static_cast<IOrnKVETMSupp*>(g_Ctrl->GetInterface(ORN_KVETM_SUPP))
-                        : nullptr;
+    auto* support = static_cast<IOrnKVETMSupp*>(AskControl(ORN_KVETM_SUPP));
     if (support == nullptr) return true;
     char text[512] = "";
     int32_t mode = -1;

@@ -6,7 +6,6 @@
 #include "frame/slots.h"
 #include "pages/FormatCapabilityReport.h"
 #include "text/shown_text.h"
-#include "toolkit/CWinApp.h"
 #include "toolkit/data_exchange.h"
 
 namespace {
@@ -16,11 +15,10 @@ constexpr size_t kShownReport = 256 * 1024; // bytes
 /// The measure of a control's font; empty if there is nothing to measure with.
 TextMeasure MeasureOf(const CWnd* control) {
     int width = 0;
-    Display& display = AfxGetApp()->GetDisplay();
-    if (control == nullptr || !display.MeasureTabbedText(*control, "", width)) return {};
-    return [control, &display](std::string_view text) {
+    if (control == nullptr || !control->MeasureTabbedText("", width)) return {};
+    return [control](std::string_view text) {
         int pixels = 0;
-        display.MeasureTabbedText(*control, text, pixels);
+        control->MeasureTabbedText(text, pixels);
         return static_cast<int16_t>(pixels);
     };
 }

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "frame/interfaces/IOrnAPIBase.h"
 #include "frame/interfaces/IOrnXTraceClient.h"
+#include "frame/slots.h"
 #include "platform/paths.h"
 #include "text/text_tools.h"
 
@@ -127,6 +127,6 @@ void jTraceSettings::DiscardChanges() {
 }
 
 void jTraceSettings::DeriveBoardDirectory() {
-    const char* const module = OrnDLL()->GetModulePath();
+    const char* const module = ModulePath();
     BoardDirectory = DirectoryOf(module ? module : "").substr(0, kMaxDirectory);
 }

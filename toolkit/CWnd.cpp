@@ -50,6 +50,10 @@ int MessageBoxWithoutOwner(const char* text, const char* title, unsigned flags) 
     return ShowMessage(nullptr, text, title, flags);
 }
 
+bool CWnd::MeasureTabbedText(std::string_view text, int& width) const {
+    return AfxGetApp()->GetDisplay().MeasureTabbedText(*this, text, width);
+}
+
 void CWnd::MessageBeep(unsigned flags) {
     AfxGetApp()->GetDisplay().Beep(flags);
 }

@@ -79,6 +79,10 @@ public:
     /// A null `title` gives the toolkit's default, "Error".
     int MessageBox(const char* text, const char* title, unsigned flags);
 
+    /// Width in pixels of a text with tabs on default stops, in this window's font. False
+    /// if there is nothing to measure with.
+    bool MeasureTabbedText(std::string_view text, int& width) const;
+
     /// An audible warning; `flags` is one of the MB_ICON values.
     static void MessageBeep(unsigned flags);
 

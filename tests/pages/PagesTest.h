@@ -5,12 +5,6 @@
 #include "frame/interfaces/IOrnKVETMSupp.h"
 #include "tests/support/Session.h"
 
-// Bits of the control word.
-constexpr uint32_t kEnable = 0x1, kStopWhenFull = 0x2, kTriggerPin = 0x100;
-constexpr uint32_t kTriggerOnAddress = 0x200;
-
-constexpr uint32_t kEtb = 0x2000000, kTpiu = 0x3000000, kCortexM3 = 0x4000000;
-
 class PagesTest : public Session {
 protected:
     PagesTest() { host.boardFile = "/none"; }

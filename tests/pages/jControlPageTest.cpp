@@ -28,18 +28,30 @@ TEST_F(ControlPage, EnablesWhatTargetAndSelectionAllow) {
         uint32_t word, state;
         std::string unusable, note;
     } rows[] = {
-        {{kEtb},
-         kTriggerOnAddress,
+        {{ORN_FEATURE_ETB},
+         ORN_CONTROL_TRIGGER_ADDRESS,
          4,
          "1029 1036 1061 1034 1035 " + position + "1002 1009 1030 1031",
          "hidden"},
-        {{}, kEnable, 0, "1003 1005 1077 1004 1031", "hidden"},
-        {{}, kEnable | kTriggerPin, 0x4, "1077 1030", "hidden"},
-        {{}, kEnable | kTriggerOnAddress, 0x2, "1031", "hidden"},
-        {{kEtb}, kEnable | kTriggerOnAddress, 0, "1034 1006 1004 1031", etb},
-        {{kTpiu}, kEnable, 0x4, "1035 " + position + "1030", tpiu},
-        {{kTpiu}, kEnable | kTriggerOnAddress, 0, "1035 1006 1004 1031", tpiu},
-        {{kEtb, kTpiu}, kEnable | kStopWhenFull, 0, "1034 " + position + "1031", etb},
+        {{}, ORN_CONTROL_ENABLE, 0, "1003 1005 1077 1004 1031", "hidden"},
+        {{}, ORN_CONTROL_ENABLE | ORN_CONTROL_TRIGGER_PIN, 0x4, "1077 1030", "hidden"},
+        {{}, ORN_CONTROL_ENABLE | ORN_CONTROL_TRIGGER_ADDRESS, 0x2, "1031", "hidden"},
+        {{ORN_FEATURE_ETB},
+         ORN_CONTROL_ENABLE | ORN_CONTROL_TRIGGER_ADDRESS,
+         0,
+         "1034 1006 1004 1031",
+         etb},
+        {{ORN_FEATURE_TPIU}, ORN_CONTROL_ENABLE, 0x4, "1035 " + position + "1030", tpiu},
+        {{ORN_FEATURE_TPIU},
+         ORN_CONTROL_ENABLE | ORN_CONTROL_TRIGGER_ADDRESS,
+         0,
+         "1035 1006 1004 1031",
+         tpiu},
+        {{ORN_FEATURE_ETB, ORN_FEATURE_TPIU},
+         ORN_CONTROL_ENABLE | ORN_CONTROL_STOP_WHEN_FULL,
+         0,
+         "1034 " + position + "1031",
+         etb},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.unusable);
@@ -50,7 +62,7 @@ TEST_F(ControlPage, EnablesWhatTargetAndSelectionAllow) {
             EXPECT_EQ(Unusable(), row.unusable);
             EXPECT_EQ(Note(), row.note);
             // A disabled radio button keeps its selection.
-            EXPECT_EQ(display.Checked(1034), (row.word & kStopWhenFull) != 0);
+            EXPECT_EQ(display.Checked(1034), (row.word & ORN_CONTROL_STOP_WHEN_FULL) != 0);
         });
     }
     EXPECT_EQ(std::ranges::count(host.TakeCalls(), "HasFeature(0x3000000)"), 0);
@@ -103,7 +115,7 @@ TEST_F(ControlPage, ServesTheDeferredQuestionAndClosesTheSheet) {
         int32_t mode = 7;
         EXPECT_EQ(Support().InitBoardFile("", nullptr, 0, &mode), button == IDOK);
         EXPECT_EQ(mode, button == IDOK ? 0 : -1);
-        EXPECT_EQ(host.values[0], button == IDOK ? kEnable : 0);
+        EXPECT_EQ(host.values[0], button == IDOK ? ORN_CONTROL_ENABLE : 0);
         EXPECT_TRUE(g_Settings->Working == g_Settings->Snapshot);
     }
 }
@@ -113,7 +125,7 @@ TEST_F(ControlPage, TheQuestionIsAskedOnceWhoeverAsks) {
     for (const int asked : {1029, 1000}) { // the button or the box, before the first tick
         SCOPED_TRACE(asked);
         host.boardFile.reset();
-        host.values[0] = asked == 1029 ? kEnable : 0;
+        host.values[0] = asked == 1029 ? ORN_CONTROL_ENABLE : 0;
         ASSERT_TRUE(g_Settings->ReadFromTarget());
         if (asked == 1000) Support().InitBoardFile("", nullptr, 0, nullptr); // the other got lost
         display.OnNextDialog([&] {                                           // the sheet
@@ -141,7 +153,7 @@ TEST_F(ControlPage, TheQuestionIsAskedOnceWhoeverAsks) {
 }
 
 TEST_F(ControlPage, AStateThatCannotBeToldIsReportedOnce) {
-    host.values[0] = kEnable;
+    host.values[0] = ORN_CONTROL_ENABLE;
     Open(0, [&] {
         host.onCall = [](const std::string& call) {
             if (call == "GetTraceState") throw std::runtime_error("probe lost");
@@ -158,7 +170,7 @@ TEST_F(ControlPage, AStateThatCannotBeToldIsReportedOnce) {
 }
 
 TEST_F(ControlPage, TicksFollowTheStateWordAndButtonsActAtOnce) {
-    host.values[0] = kEnable;
+    host.values[0] = ORN_CONTROL_ENABLE;
     Open(0, [&] {
         for (const uint32_t state : {0x4u, 0x6u, 0x2u, 0x0u, 0x6u}) {
             host.state = state;
@@ -206,7 +218,7 @@ TEST_F(ControlPage, TicksFollowTheStateWordAndButtonsActAtOnce) {
 }
 
 TEST_F(ControlPage, ABadTriggerAddressHoldsEverythingBack) {
-    host.values[0] = kEnable | kTriggerOnAddress;
+    host.values[0] = ORN_CONTROL_ENABLE | ORN_CONTROL_TRIGGER_ADDRESS;
     host.lines = {"ETM TRIGGER 0x100"};
     Open(0, [&] {
         display.Type(1077, "main");
@@ -227,7 +239,8 @@ TEST_F(ControlPage, ABadTriggerAddressHoldsEverythingBack) {
 }
 
 TEST_F(ControlPage, WhatIsNotUsedIsNeitherCheckedNorStored) {
-    for (const uint32_t word : {uint32_t{0}, kEnable | kStopWhenFull, kEnable | kTriggerPin}) {
+    for (const uint32_t word : {uint32_t{0}, ORN_CONTROL_ENABLE | ORN_CONTROL_STOP_WHEN_FULL,
+                                ORN_CONTROL_ENABLE | ORN_CONTROL_TRIGGER_PIN}) {
         SCOPED_TRACE(word);
         host.values[0] = word;
         Open(0, [&] {
@@ -242,7 +255,7 @@ TEST_F(ControlPage, WhatIsNotUsedIsNeitherCheckedNorStored) {
 }
 
 TEST_F(ControlPage, PcRangesRefuseTheTriggerOnAddress) {
-    host.values[0] = kEnable | kTriggerPin;
+    host.values[0] = ORN_CONTROL_ENABLE | ORN_CONTROL_TRIGGER_PIN;
     for (const std::string line : {"PC = start 1", "PC = stop 2", "PC = to 1", "COMPLEX"}) {
         SCOPED_TRACE(line);
         host.lines = {"ETM " + line};
@@ -260,7 +273,7 @@ TEST_F(ControlPage, SliderAndEditShowOneValue) {
     const std::pair<const char*, int> rows[] = {
         {"100", 100}, {"101", 50}, {"7", 7},   {"", 7},
         {" 12x", 12}, {"x", 12},   {"-1", 50}, {"99999999999999999999", 50}};
-    host.values[0] = kEnable;
+    host.values[0] = ORN_CONTROL_ENABLE;
     Open(0, [&] {
         display.Drag(1007, 50);
         display.Release(1007);

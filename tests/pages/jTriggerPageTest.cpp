@@ -13,7 +13,7 @@ constexpr int kValues = 1026, kLimit = 1075;
 
 class TriggerPage : public PagesTest {
 protected:
-    TriggerPage() { host.values[0] = kEnable; }
+    TriggerPage() { host.values[0] = ORN_CONTROL_ENABLE; }
 
     /// What the target reports; `pc` may be "complex".
     void SetTarget(const std::string& architecture, int pairs, int dataComparators,
@@ -56,8 +56,8 @@ TEST_F(TriggerPage, EnablesWhatChipAndSelectionAllow) {
     for (const auto& row : rows) {
         SCOPED_TRACE(row.unusable);
         SetTarget(row.architecture, row.pairs, row.dataComparators, row.pc, row.data);
-        host.features = {row.cortexM3 ? kCortexM3 : 0};
-        host.values[0] = row.enabled ? kEnable : 0;
+        host.features = {row.cortexM3 ? ORN_FEATURE_CORTEX_M3 : 0};
+        host.values[0] = row.enabled ? ORN_CONTROL_ENABLE : 0;
         Open(1, [&] {
             EXPECT_EQ(Unusable(), row.unusable);
             EXPECT_EQ(Note(), row.enabled && row.cortexM3
@@ -81,8 +81,9 @@ TEST_F(TriggerPage, AsksWhoGetsTheComparators) {
         {'2', ranges + "ETM trigger and PC address range?\n"},
         {'t', onePair + "ETM trigger and data address range in same time.\n\n"
                         "Do you want to disable the ETM trigger?\n"}};
-    const uint32_t trigger = kTriggerOnAddress;
-    const uint32_t idle = kTriggerOnAddress | kStopWhenFull; // not in its stop mode
+    const uint32_t trigger = ORN_CONTROL_TRIGGER_ADDRESS;
+    const uint32_t idle =
+        ORN_CONTROL_TRIGGER_ADDRESS | ORN_CONTROL_STOP_WHEN_FULL; // not in its stop mode
     const struct {
         int pairs;
         const char *pc, *data; // before
@@ -93,7 +94,7 @@ TEST_F(TriggerPage, AsksWhoGetsTheComparators) {
         int pcMode, triggerOnAddress, limit; // behind
         bool modified;
     } rows[] = {
-        {2, "from 1", "from 1", kTriggerPin, 1015, "", {}, 3, 0, 1, true},
+        {2, "from 1", "from 1", ORN_CONTROL_TRIGGER_PIN, 1015, "", {}, 3, 0, 1, true},
         {2, "all", "none", trigger, 1017, "b", {IDYES}, 4, 0, 0, true},
         {2, "all", "none", trigger, 1015, "b", {IDCANCEL}, 1, 1, 0, false},
         {1, "all", "none", trigger, 1013, "", {}, 2, 1, 0, true}, // start lives beside the trigger
@@ -110,7 +111,7 @@ TEST_F(TriggerPage, AsksWhoGetsTheComparators) {
     for (const auto& row : rows) {
         SCOPED_TRACE("row " + std::to_string(&row - rows));
         SetTarget("1.3", row.pairs, 0, row.pc, row.data);
-        host.values[0] = kEnable | row.word;
+        host.values[0] = ORN_CONTROL_ENABLE | row.word;
         Open(1, [&] {
             for (const int answer : row.answers) display.Answer(answer);
             display.Click(row.click);
@@ -150,7 +151,7 @@ TEST_F(TriggerPage, ABadEntryKeepsThePageAndTheSettings) {
                 {true, 0, 1018, "   ", empty}};
     for (const auto& row : rows) {
         SCOPED_TRACE(row.text);
-        host.features = {row.cortexM3 ? kCortexM3 : 0};
+        host.features = {row.cortexM3 ? ORN_FEATURE_CORTEX_M3 : 0};
         host.lines = {"ETM PC = start 1", "ETM DATA = from 2", "ETM DATA = to 3"};
         if (row.cortexM3) host.lines.resize(1);
         Open(1, [&] {
@@ -179,7 +180,7 @@ TEST_F(TriggerPage, ARangeWithNothingToCaptureIsDropped) {
 }
 
 TEST_F(TriggerPage, WhatThePageDoesNotUseSurvives) {
-    for (const uint32_t word : {kEnable, 0u}) { // complex; and a trace that is disabled
+    for (const uint32_t word : {ORN_CONTROL_ENABLE, 0u}) { // complex; and a trace that is disabled
         host.values[0] = word;
         host.lines = {"ETM PC = from x"};
         if (word != 0) host.lines.push_back("ETM COMPLEX");
