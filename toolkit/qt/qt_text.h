@@ -1,4 +1,5 @@
-// Text between the models, which hold bytes, and Qt. The bytes are UTF-8.
+// Text between the models, which hold bytes, and Qt. The bytes are UTF-8; those that
+// are not go to Qt and back one by one, unharmed.
 
 #pragma once
 
@@ -9,6 +10,9 @@
 
 namespace qt {
 
+/// A byte that is no UTF-8 becomes a character of its own, as do those of a character
+/// that Qt's edits would take for a line end. ToModel gives back the same bytes, also of
+/// any part of the result.
 QString FromModel(std::string_view text);
 std::string ToModel(const QString& text);
 
