@@ -1,8 +1,13 @@
 // A sheet and its pages: their keys, and room for every text.
 
+#include <QPlainTextEdit>
 #include <QTabBar>
+#include <set>
 
+#include "frame/slots.h"
+#include "pages/jStatusPage.h"
 #include "tests/qt/QtTest.h"
+#include "tests/support/RecordingHost.h"
 
 namespace {
 
@@ -81,6 +86,29 @@ TEST_F(Sheet, CutsNothingOffInAnyFont) {
             Run(configuration, [] { EXPECT_EQ(Faults(*QtUser::Window()), ""); });
         }
     }
+}
+
+TEST_F(Sheet, ShowsTheStatusInOneColumnInAnyFont) {
+    RecordingHost host;
+    g_VETMTrace = &host.trace;
+    for (const char* family : {"DejaVu Sans", "Liberation Serif", "Cantarell"}) {
+        for (const int points : {7, 8, 9, 11, 12, 14}) {
+            QApplication::setFont(QFont(family, points));
+            jStatusPage page;
+            CPropertySheet one("Sheet", nullptr, 0);
+            one.AddPage(&page);
+            Run(one, [&] {
+                const auto& edit = dynamic_cast<QPlainTextEdit&>(*user.Find(1063));
+                std::set<int> columns;
+                QTextCursor value(edit.document());
+                while (!(value = edit.document()->find("\t", value)).isNull())
+                    if (edit.document()->characterAt(value.position()) != u'\t')
+                        columns.insert(edit.cursorRect(value).x());
+                EXPECT_EQ(columns.size(), 1U) << family << ' ' << points;
+            });
+        }
+    }
+    g_VETMTrace = nullptr;
 }
 
 } // namespace

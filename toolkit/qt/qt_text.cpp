@@ -116,15 +116,16 @@ int TabStop(const QFont& font) {
 }
 
 int TabbedWidth(const QFont& font, const QString& text) {
-    const QFontMetricsF metrics(font);
-    const double stop = TabStop(font);
-    double width = 0;
-    const QStringList pieces = text.split(u'\t');
-    for (qsizetype i = 0; i < pieces.size(); ++i) {
-        if (i > 0 && stop > 0) width = (std::floor(width / stop) + 1) * stop;
-        width += metrics.horizontalAdvance(pieces[i]);
-    }
-    return static_cast<int>(std::lround(width));
+    QTextOption option;
+    option.setTabStopDistance(TabStop(font));
+    option.setWrapMode(QTextOption::NoWrap);
+    QTextLayout layout(text, font);
+    layout.setTextOption(option);
+    layout.beginLayout();
+    const QTextLine line = layout.createLine();
+    layout.endLayout();
+    if (!line.isValid()) return 0;
+    return static_cast<int>(std::lround(line.cursorToX(static_cast<int>(text.size()))));
 }
 
 } // namespace qt
