@@ -1,6 +1,9 @@
 // The keyboard alone is enough.
 
+#include <QTimer>
+
 #include "tests/qt/QtTest.h"
+#include "toolkit/save_dialog.h"
 
 namespace {
 
@@ -65,6 +68,41 @@ TEST_F(Keyboard, ReturnEscapeAndSpacePressWhatTheyShould) {
         EXPECT_TRUE(row.result == 0 || result == row.result) << result;
         EXPECT_EQ(dialog.clicks, row.clicks);
     }
+}
+
+/// Holds the keys that end a window; they were pressed before it came up.
+void Hold() {
+    QWidget* window = QtUser::Window();
+    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Escape}) {
+        QKeyEvent repeat(QEvent::KeyPress, key, Qt::NoModifier, QString(), true);
+        QApplication::sendEvent(window->focusWidget(), &repeat);
+        EXPECT_TRUE(QtUser::Window() == window && window->isVisible()) << key;
+    }
+}
+
+TEST_F(Keyboard, AHeldKeyPressesNothingAndGoesOnTyping) {
+    TestDialog inner;
+    dialog.onClick = [&] {
+        QTimer::singleShot(0, qApp, Hold);
+        user.Answer(IDYES);
+        EXPECT_EQ(dialog.MessageBox("", "", MB_YESNO), IDYES);
+        QTimer::singleShot(0, qApp, Hold);
+        user.AnswerSave(nullptr);
+        SaveFileRecord record;
+        EXPECT_FALSE(GetSaveFileName(record));
+        Run(inner, [&] { Hold(); });
+    };
+    Run(dialog, [&] {
+        for (const int id : {40, 11, 12, 30, 2}) {
+            user.Find(id)->setFocus();
+            Hold();
+        }
+        EXPECT_THAT(dialog.clicks, ::testing::IsEmpty());
+        EXPECT_EQ(dialog.GetDlgItem(12)->GetWindowText(), "\r\n\r\n");
+        EXPECT_FALSE(dialog.HasEnded());
+        PressOn(40, Qt::Key_Return);
+    });
+    EXPECT_THAT(dialog.clicks, ::testing::ElementsAre(40));
 }
 
 } // namespace

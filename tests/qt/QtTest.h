@@ -31,10 +31,12 @@ inline constexpr DialogTemplate kTestTemplate = {900, "Test", 137, 177, kTestCon
 struct TestDialog : CDialog {
     TestDialog() : CDialog(900) { m_DialogTemplate = &kTestTemplate; }
     void OnNotify(Notification& notification) override {
-        if (notification.event == Event::Clicked) clicks.push_back(notification.id);
+        if (notification.event != Event::Clicked) return;
+        clicks.push_back(notification.id);
+        if (onClick) onClick();
     }
     void OnTimer(unsigned) override { onTick(); }
-    std::function<void()> onTick;
+    std::function<void()> onTick, onClick;
     std::vector<int> clicks; // the numbers of the buttons
 };
 

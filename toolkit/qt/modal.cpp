@@ -53,7 +53,7 @@ bool TopWindow::event(QEvent* event) {
     return true;
 }
 
-ModalRun::ModalRun(ModalStack& stack, QDialog& window) : m_Stack(stack) {
+ModalRun::ModalRun(ModalStack& stack, QDialog& window) : m_Stack(stack), m_HeldKeys(window) {
     Adapt(window);
     m_Stack.m_Windows.push_back(&window);
 }

@@ -5,6 +5,7 @@
 #include <QDialog>
 #include <vector>
 
+#include "toolkit/qt/HeldKeys.h"
 #include "toolkit/qt/QtApplication.h"
 
 class CDialog;
@@ -57,6 +58,7 @@ public:
 private:
     ModalStack& m_Stack;
     KeepLocale m_Locale;
+    HeldKeys m_HeldKeys;
 };
 
 } // namespace qt
