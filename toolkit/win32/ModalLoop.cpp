@@ -4,6 +4,7 @@
 
 #include "toolkit/win32/DialogWindow.h"
 #include "toolkit/win32/NativeLook.h"
+#include "toolkit/win32/manners.h"
 
 namespace {
 
@@ -91,6 +92,8 @@ void RunLoop(CDialog& dialog, HWND window) {
         const BOOL got = GetMessageW(&message, nullptr, 0, 0);
         quits = got == 0;
         if (got == 0 || got == -1) break;
+        if (IsHeldKey(message) && (message.hwnd == window || IsChild(window, message.hwnd)))
+            continue;
         if (SwitchesTab(dialog, window, message) || IsDialogMessageW(window, &message)) continue;
         TranslateMessage(&message);
         DispatchMessageW(&message);

@@ -6,15 +6,17 @@
 #include <vector>
 
 #include "toolkit/win32/NativeLook.h"
+#include "toolkit/win32/manners.h"
 
 namespace {
 
 // The save dialog's record in its short form, and with the fields from flagsEx on.
 constexpr uint32_t kShortRecord = 76;
 
-/// The system takes no Escape where a box has no Cancel.
-LRESULT CALLBACK EscapeIsNo(int code, WPARAM wParam, LPARAM lParam) {
+/// A held key answers nothing. And the system takes no Escape where a box has no Cancel.
+LRESULT CALLBACK FilterKeys(int code, WPARAM wParam, LPARAM lParam) {
     const auto* message = reinterpret_cast<const MSG*>(lParam);
+    if (code == MSGF_DIALOGBOX && IsHeldKey(*message)) return 1;
     if (code == MSGF_DIALOGBOX && message->message == WM_KEYDOWN && message->wParam == VK_ESCAPE) {
         const HWND box = GetAncestor(message->hwnd, GA_ROOT);
         if (GetDlgItem(box, IDNO) != nullptr && GetDlgItem(box, IDCANCEL) == nullptr) {
@@ -25,15 +27,15 @@ LRESULT CALLBACK EscapeIsNo(int code, WPARAM wParam, LPARAM lParam) {
     return CallNextHookEx(nullptr, code, wParam, lParam);
 }
 
-class EscapeHook {
+class KeyHook {
 public:
-    EscapeHook()
-        : m_Hook(SetWindowsHookExW(WH_MSGFILTER, EscapeIsNo, nullptr, GetCurrentThreadId())) {}
-    ~EscapeHook() {
+    KeyHook()
+        : m_Hook(SetWindowsHookExW(WH_MSGFILTER, FilterKeys, nullptr, GetCurrentThreadId())) {}
+    ~KeyHook() {
         if (m_Hook != nullptr) UnhookWindowsHookEx(m_Hook);
     }
-    EscapeHook(const EscapeHook&) = delete;
-    EscapeHook& operator=(const EscapeHook&) = delete;
+    KeyHook(const KeyHook&) = delete;
+    KeyHook& operator=(const KeyHook&) = delete;
 
 private:
     HHOOK m_Hook;
@@ -103,7 +105,7 @@ bool MayReplace(HWND owner, const SaveFileRecord& record, const std::string& nam
 
 int ShowMessageBox(HWND owner, const char* text, const char* title, unsigned flags) {
     const NativeLook look;
-    const EscapeHook hook;
+    const KeyHook hook;
     // Without an owner all of the thread's windows have to wait.
     if (owner == nullptr) flags |= MB_TASKMODAL;
     const int answer = MessageBoxA(owner, text != nullptr ? text : "", title, flags);
@@ -113,6 +115,7 @@ int ShowMessageBox(HWND owner, const char* text, const char* title, unsigned fla
 bool ShowSaveDialog(HWND owner, SaveFileRecord& record) {
     if (record.file == nullptr || record.maxFile == 0) return false;
     const NativeLook look;
+    const KeyHook hook;
     const CurrentDirectoryKept directory;
     // A dialog that fails may leave its buffer changed.
     std::vector<char> file(record.maxFile, '\0');

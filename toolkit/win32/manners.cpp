@@ -64,6 +64,15 @@ void TeachRadioButton(HWND window) {
     SetWindowSubclass(window, RadioProcedure, 0, 0);
 }
 
+bool IsHeldKey(const MSG& message) {
+    constexpr LPARAM kWasDown = LPARAM{1} << 30;
+    if (message.message != WM_KEYDOWN || (message.lParam & kWasDown) == 0) return false;
+    if (message.wParam == VK_ESCAPE) return true;
+    const CWnd* model = ModelOf(message.hwnd);
+    return message.wParam == VK_RETURN &&
+           (model == nullptr || (model->GetStyle() & style::WantReturn) == 0);
+}
+
 void TakeTypedText(CWnd& edit, HWND window) {
     input::Type(edit, TextOf(window));
 }

@@ -13,5 +13,9 @@ void TeachMultiLineEdit(HWND window);
 /// key, and by no other way.
 void TeachRadioButton(HWND window);
 
+/// True for a Return or Escape that repeats because the key is held, and that would end
+/// a window or press a button; in an edit Return may go on making new lines.
+bool IsHeldKey(const MSG& message);
+
 /// Passes the text of an edit on to its model, as typed.
 void TakeTypedText(CWnd& edit, HWND window);
