@@ -2,6 +2,7 @@
 
 #include "toolkit/CDialog.h"
 #include "toolkit/CWinApp.h"
+#include "toolkit/focus.h"
 
 namespace {
 
@@ -31,6 +32,7 @@ void CWnd::SetWindowText(std::string_view text) {
 
 void CWnd::EnableWindow(bool enable) {
     if (enable == m_Enabled) return;
+    const FocusKept focus(*this);
     m_Enabled = enable;
     Changed(Change::Enabled);
 }
@@ -38,6 +40,7 @@ void CWnd::EnableWindow(bool enable) {
 void CWnd::ShowWindow(int command) {
     const bool visible = command != SW_HIDE;
     if (visible == m_Visible) return;
+    const FocusKept focus(*this);
     m_Visible = visible;
     Changed(Change::Visible);
 }

@@ -49,6 +49,12 @@ public:
     /// Brings the window of `window`, a control or a dialog, in step with its model.
     virtual void Refresh(CWnd& window, Change what) = 0;
 
+    /// True iff a control has the keyboard, or will have it once its window is in front;
+    /// a disabled or hidden one keeps it until Focus is called for another.
+    virtual bool HasFocus(const CWnd& control) = 0;
+    /// Gives a usable control the keyboard, as soon as its window is in front.
+    virtual void Focus(CWnd& control) = 0;
+
     /// Shows a top-level dialog and runs it until EndModal. Returns at once if it
     /// has already ended (CDialog::HasEnded).
     virtual void RunModal(CDialog& dialog) = 0;

@@ -2,6 +2,7 @@
 
 #include "toolkit/CWinApp.h"
 #include "toolkit/CallDepth.h"
+#include "toolkit/focus.h"
 #include "toolkit/guarded.h"
 
 namespace {
@@ -32,12 +33,14 @@ void Refresh(CWnd& control, Change what) {
     if (control.IsCreated()) AfxGetApp()->GetDisplay().Refresh(control, what);
 }
 
-/// Runs what handles one report: it counts as a call on its way, and what it throws
-/// ends here. A host that delivers reports from inside its own operations could nest
-/// them for ever; too deep, nothing is heard any more.
-template <class Work> void Handle(Work&& work) {
+/// Runs what handles one report of a window: it counts as a call on its way, what it
+/// throws ends here, and the keyboard leaves what it has disabled. A host that delivers
+/// reports from inside its own operations could nest them for ever; too deep, nothing is
+/// heard any more.
+template <class Work> void Handle(const CWnd& window, Work&& work) {
     if (calls::Stack() > 2 * calls::kDeepest) return;
     const calls::Counted counted;
+    const FocusKept focus(window);
     Guarded(std::forward<Work>(work));
 }
 
@@ -45,7 +48,7 @@ template <class Work> void Handle(Work&& work) {
 /// takes no input now, shows its present state again.
 template <class Work>
 void Report(CWnd& control, Change shown, Event event, unsigned drawStage, Work&& change) {
-    Handle([&] {
+    Handle(control, [&] {
         CDialog* dialog = DialogTakingInput(control);
         if (dialog == nullptr) return Refresh(control, shown);
         change(*dialog);
@@ -76,7 +79,7 @@ void Type(CWnd& edit, std::string_view text) {
 
 void Select(CWnd& list, int index) {
     if (list.GetKind() == ControlKind::Tab) {
-        Handle([&] {
+        Handle(list, [&] {
             auto* sheet = dynamic_cast<CPropertySheet*>(DialogTakingInput(list));
             if (sheet == nullptr) return Refresh(list, Change::Selection);
             sheet->SetActivePage(index);
@@ -90,7 +93,7 @@ void Select(CWnd& list, int index) {
 }
 
 void Slide(CSliderCtrl& slider, int position) {
-    Handle([&] {
+    Handle(slider, [&] {
         if (DialogTakingInput(slider) != nullptr)
             slider.SetPos(position);
         else
@@ -99,7 +102,7 @@ void Slide(CSliderCtrl& slider, int position) {
 }
 
 void Paint(CSliderCtrl& slider) {
-    Handle([&] {
+    Handle(slider, [&] {
         auto* dialog = dynamic_cast<CDialog*>(slider.GetParent());
         if (dialog == nullptr || !slider.IsCreated() || LoopIsOver(*dialog)) return;
         Notification notification{slider.GetDlgCtrlID(), Event::CustomDraw, CDDS_PREPAINT};
@@ -112,13 +115,13 @@ void Release(CSliderCtrl& slider) {
 }
 
 void Close(CDialog& dialog) {
-    Handle([&] {
+    Handle(dialog, [&] {
         if (dialog.IsCreated() && !dialog.HasEnded()) dialog.OnClose();
     });
 }
 
 void Tick(CWnd& window, unsigned id) {
-    Handle([&] {
+    Handle(window, [&] {
         const auto* dialog = dynamic_cast<CDialog*>(&window);
         if (!window.IsCreated() || (dialog != nullptr && LoopIsOver(*dialog))) return;
         window.OnTimer(id);

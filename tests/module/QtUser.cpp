@@ -140,3 +140,9 @@ int QtUser::Selection(int id) {
 int QtUser::TabInFront() {
     return Cast<QTabWidget>(Find(IDC_TAB_CONTROL)).currentIndex();
 }
+
+int QtUser::Focus() {
+    const QWidget* widget = Window()->focusWidget();
+    while (widget != nullptr && widget->objectName().toInt() == 0) widget = widget->parentWidget();
+    return widget != nullptr ? widget->objectName().toInt() : 0;
+}

@@ -32,6 +32,7 @@ public:
     bool Checked(int id) override;
     int Selection(int id) override;
     int TabInFront() override;
+    int Focus() override;
 
     /// The widget of a control of the window in front; fails the test without one.
     QWidget* Find(int id);

@@ -70,6 +70,27 @@ TEST_F(Keyboard, ReturnEscapeAndSpacePressWhatTheyShould) {
     }
 }
 
+TEST_F(Keyboard, StaysOnAControlThatComesBackBeforeTheHandlerEnds) {
+    for (const bool comesBack : {true, false}) {
+        dialog.onClick = [&] {
+            CWnd* button = dialog.GetDlgItem(40);
+            button->EnableWindow(false);
+            button->ShowWindow(SW_HIDE);
+            button->ShowWindow(SW_SHOW);
+            user.Answer(IDOK);
+            dialog.MessageBox("", "", MB_OK);
+            EXPECT_EQ(Focus(), 40);
+            button->EnableWindow(comesBack);
+        };
+        Run(dialog, [&] {
+            PressOn(40, Qt::Key_Space);
+            EXPECT_EQ(Focus(), comesBack ? 40 : 50); // not OK
+            Press(Qt::Key_Space);
+            EXPECT_FALSE(dialog.HasEnded());
+        });
+    }
+}
+
 /// Holds the keys that end a window; they were pressed before it came up.
 void Hold() {
     QWidget* window = QtUser::Window();

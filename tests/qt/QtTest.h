@@ -61,7 +61,7 @@ protected:
         Press(key, modifiers);
     }
     /// Number of the control that has the focus.
-    int Focus() { return QtUser::Window()->focusWidget()->objectName().toInt(); }
+    int Focus() { return user.Focus(); }
 
     int argc = 1;
     char name[5] = "host";

@@ -31,6 +31,7 @@ public:
     bool Checked(int id) override { return m_Display.Checked(id); }
     int Selection(int id) override { return m_Display.Selection(id); }
     int TabInFront() override { return m_Display.Selection(IDC_TAB_CONTROL); }
+    int Focus() override { return m_Display.Focused(); }
     std::vector<std::string> Boxes() override { return m_Display.Boxes(); }
 
 private:

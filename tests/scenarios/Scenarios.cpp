@@ -109,6 +109,27 @@ const std::vector<Scenario>& AllScenarios() {
          {"SetValue(0x0,0x5)", "Command(start)", "Command(trigger force)"},
          {}},
 
+        {"TheKeyboardStaysOnThePage",
+         [](RecordingHost& host, const std::string&) {
+             host.values[0] = 0x1;
+             host.onCall = [&host](const std::string& call) { // bit 2: it runs
+                 if (call == "Command(start)") host.state = 0x4;
+                 if (call == "Command(stop)") host.state = 0;
+             };
+         },
+         [](User& user, const std::string&) {
+             user.Click(1030);
+             EXPECT_EQ(user.Focus(), 1031); // the next one: it has just been enabled
+             user.Click(1031);
+             EXPECT_EQ(user.Focus(), 1030); // the one before
+             user.Click(1002);
+             user.Click(kApply);
+             EXPECT_EQ(user.Focus(), IDC_TAB_CONTROL); // not OK, not Cancel
+             user.Click(IDCANCEL);
+         },
+         {"Command(start)", "Command(stop)", "SetValue(0x0,0x5)"},
+         {}},
+
         {"OnePairAsksWhatToGiveUp",
          OnePairWithTrigger,
          [](User& user, const std::string&) {

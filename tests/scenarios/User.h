@@ -34,6 +34,7 @@ public:
     virtual bool Checked(int id) = 0;
     virtual int Selection(int id) = 0;
     virtual int TabInFront() = 0;
+    virtual int Focus() = 0; // the control with the keyboard
 
     /// The message boxes so far: "[title] text".
     virtual std::vector<std::string> Boxes() = 0;

@@ -126,6 +126,37 @@ TEST_F(Dialogs, AnExceptionOfAHandlerEndsInABox) {
     EXPECT_THAT(sample.notes, ElementsAre("check 0"));
 }
 
+TEST_F(Dialogs, TheKeyboardLeavesAControlThatCantBeUsed) {
+    struct {
+        std::vector<int> gone; // the last one has the keyboard
+        int next;
+    } const rows[] = {
+        {{1030}, 1031},       {{1031}, 1083},             // an edit that only shows is a stop too
+        {{1083, 1031}, 1030}, {{1083, 1031, 1030}, 1009}, // the nearest before
+        {{1006}, 1007},                                   // frames and texts are none
+        {{1029}, 1035},                                   // of a group the checked one,
+        {{1035, 1029}, 1061},                             // or the first that can be used,
+        {{1061}, 1035},                                   // which takes over within the group
+        {{1034}, 1035},       {{1035, 1034, 1061}, 1006},
+    };
+    Run([&] {
+        for (const bool hides : {false, true})
+            for (const auto& row : rows) {
+                const auto change = [&](int id, bool usable) {
+                    CWnd& control = display.Control(id);
+                    hides ? control.ShowWindow(usable ? SW_SHOW : SW_HIDE)
+                          : control.EnableWindow(usable);
+                };
+                display.Control(1083).ShowWindow(SW_SHOW);
+                display.Focus(display.Control(row.gone.back()));
+                for (const int id : row.gone) change(id, false);
+                EXPECT_EQ(display.Focused(), row.next) << row.gone.back() << hides;
+                for (const int id : row.gone) change(id, true);
+                EXPECT_EQ(display.Focused(), row.next) << row.gone.back() << hides;
+            }
+    });
+}
+
 TEST_F(Dialogs, TimersTickInOrderAlsoDuringABoxAndEndWithTheDialog) {
     Run([&] {
         sample.SetTimer(1, 600);

@@ -13,6 +13,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <set>
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
@@ -41,7 +42,6 @@ protected:
         std::erase(changes, "Command(capability)");
         return changes;
     }
-    int FocusId() const { return GetDlgCtrlID(user.Focus()); }
 
     LoadedModule loaded;
     Win32User user;
@@ -93,13 +93,45 @@ TEST_F(OnNativeWindows, EscapeAnswersNo) {
     EXPECT_EQ(user.Boxes().size(), 1u);
 }
 
+TEST_F(OnNativeWindows, AHeldKeyPressesNothing) {
+    const auto hold = [this] {
+        for (const WPARAM key : {VK_RETURN, VK_ESCAPE}) {
+            user.Press(key, Win32User::kHeld);
+            EXPECT_TRUE(IsWindow(user.Window())) << key;
+        }
+    };
+    Open([&](User& person) {
+        hold();
+        user.OnNextDialog([&](User& dialog) {
+            hold();
+            PostMessageA(user.Find(1080), WM_KEYDOWN, VK_RETURN, Win32User::kHeld);
+            user.Settle();
+            EXPECT_EQ(dialog.Text(1080), "\r\n"); // which is typing
+        });
+        person.Click(1029);
+    });
+}
+
+TEST_F(OnNativeWindows, TheStatusStandsInOneColumnAndNothingOutOfSight) {
+    Open([&](User& person) {
+        person.Tab(2);
+        EXPECT_FALSE(person.Visible(1064));
+        const std::string text = person.Text(1063);
+        std::set<int> columns;
+        for (size_t tab = text.find('\t'); tab != std::string::npos; tab = text.find('\t', tab + 1))
+            if (text[tab + 1] != '\t')
+                columns.insert(LOWORD(SendMessageA(user.Find(1063), EM_POSFROMCHAR, tab + 1, 0)));
+        EXPECT_EQ(columns.size(), 1u) << *columns.begin() << ' ' << *columns.rbegin();
+    });
+}
+
 TEST_F(OnNativeWindows, TheTabKeyVisitsEachControlOnceAndChangesNothing) {
     std::vector<int> visited;
     Open([&](User& person) {
         do {
-            visited.push_back(FocusId());
+            visited.push_back(user.Focus());
             user.Press(VK_TAB);
-        } while (FocusId() != 1000 && visited.size() < 40);
+        } while (user.Focus() != 1000 && visited.size() < 40);
         EXPECT_TRUE(person.Checked(1061));
         EXPECT_FALSE(person.Enabled(IDC_APPLY_NOW));
         // Neither does the way back through a group whose checked button can't be used.
@@ -112,14 +144,14 @@ TEST_F(OnNativeWindows, TheTabKeyVisitsEachControlOnceAndChangesNothing) {
 
 TEST_F(OnNativeWindows, ArrowsChooseAmongRadioButtons) {
     Open([&](User& person) {
-        while (FocusId() != 1061) user.Press(VK_TAB);
+        while (user.Focus() != 1061) user.Press(VK_TAB);
         BYTE keys[256] = {};
         AttachThreadInput(GetCurrentThreadId(), GetWindowThreadProcessId(user.Window(), nullptr),
                           TRUE);
         keys[VK_DOWN] = 0x80;
         SetKeyboardState(keys);
         user.Press(VK_DOWN);
-        EXPECT_EQ(FocusId(), 1034);
+        EXPECT_EQ(user.Focus(), 1034);
         EXPECT_TRUE(person.Checked(1034));
         // Control and Tab: the next tab, and the focus in its page.
         keys[VK_DOWN] = 0;
@@ -127,7 +159,7 @@ TEST_F(OnNativeWindows, ArrowsChooseAmongRadioButtons) {
         SetKeyboardState(keys);
         user.Press(VK_TAB);
         EXPECT_EQ(person.TabInFront(), 1);
-        EXPECT_EQ(GetParent(user.Focus()), GetParent(user.Find(1012)));
+        EXPECT_EQ(GetParent(user.FocusWindow()), GetParent(user.Find(1012)));
         user.Press(VK_PRIOR);
         EXPECT_EQ(person.TabInFront(), 0);
         user.Press(VK_PRIOR); // around
@@ -235,7 +267,7 @@ TEST_F(OnNativeWindows, TheHostWaitsForTheDialogWhichGoesWithIt) {
         user.OnNextDialog([&](User&) { EXPECT_FALSE(IsWindowEnabled(sheet)); });
         person.Click(1029);
         EXPECT_TRUE(IsWindowEnabled(sheet));
-        EXPECT_EQ(FocusId(), 1029);
+        EXPECT_EQ(user.Focus(), 1029);
         EXPECT_FALSE(loaded.control->Open()); // from a thread that is not the windows'
         EXPECT_EQ(Win32User::Front(), sheet);
     });

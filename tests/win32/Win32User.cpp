@@ -139,6 +139,7 @@ void Win32User::AnswerBox(HWND box) {
          part = FindWindowExA(box, part, "Static", nullptr))
         text += WindowText(part);
     m_Boxes.push_back(text);
+    for (const WPARAM key : {VK_RETURN, VK_ESCAPE}) Post(box, WM_KEYDOWN, key, kHeld);
     const int answer = Next<int>(m_Answers, IDCANCEL);
     const HWND button = GetDlgItem(box, answer);
     if (answer == kEscape || button == nullptr)
@@ -151,6 +152,7 @@ void Win32User::AnswerSaveDialog(HWND dialog) {
     do { // again if a question kept it open
         std::string path = Next<std::string>(m_Saves, "");
         std::ranges::replace(path, '/', '\\');
+        Post(NameField(dialog), WM_KEYDOWN, VK_ESCAPE, kHeld);
         SendMessageA(NameField(dialog), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(path.c_str()));
         Post(GetDlgItem(dialog, path.empty() ? IDCANCEL : IDOK), BM_CLICK, 0, 0);
         Settle();
@@ -212,8 +214,8 @@ void Win32User::CloseFrame() {
     Settle();
 }
 
-void Win32User::Press(WPARAM key) {
-    Post(Focus(), WM_KEYDOWN, key, 0);
+void Win32User::Press(WPARAM key, LPARAM details) {
+    Post(FocusWindow(), WM_KEYDOWN, key, details);
     Settle();
 }
 
@@ -224,7 +226,7 @@ void Win32User::Wait(unsigned milliseconds) {
 
 // --- What the person sees -----------------------------------------------------------------------
 
-HWND Win32User::Focus() const {
+HWND Win32User::FocusWindow() const {
     GUITHREADINFO info{};
     info.cbSize = sizeof info;
     GetGUIThreadInfo(m_WindowThread, &info);

@@ -19,6 +19,8 @@ class Win32User final : public PreparedUser {
 public:
     /// For Answer: by the key, not by a button.
     static constexpr int kEscape = -1;
+    /// For Press: the key is held down already.
+    static constexpr LPARAM kHeld = 0x40000000;
 
     /// REQUIRES: made and destroyed on the thread that runs the dialogs.
     Win32User();
@@ -36,8 +38,8 @@ public:
     void Drag(int id, int position) override;
     void CloseFrame() override;
     void Wait(unsigned milliseconds) override;
-    /// Presses a key in the window that has the focus.
-    void Press(WPARAM key);
+    /// Presses a key in the window that has the focus; `details` as in WM_KEYDOWN.
+    void Press(WPARAM key, LPARAM details = 0);
 
     std::string Text(int id) override;
     bool Enabled(int id) override { return IsWindowEnabled(Find(id)) != 0; }
@@ -45,6 +47,7 @@ public:
     bool Checked(int id) override { return Ask(id, BM_GETCHECK) == BST_CHECKED; }
     int Selection(int id) override { return Ask(id, CB_GETCURSEL); }
     int TabInFront() override;
+    int Focus() override { return GetDlgCtrlID(FocusWindow()); }
 
     /// The dialog that the script of the moment is about.
     HWND Window() const { return m_Attended.back(); }
@@ -53,7 +56,7 @@ public:
     /// The dialog in front, or null.
     static HWND Front();
     /// Of the thread of the windows: the control with the focus.
-    HWND Focus() const;
+    HWND FocusWindow() const;
     /// Lets the other thread deal with all that was posted, and attends to new windows.
     void Settle();
 

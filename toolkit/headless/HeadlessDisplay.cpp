@@ -36,21 +36,27 @@ void HeadlessDisplay::AnswerSave(const char* path) {
     m_Saves.push_back({path != nullptr, path != nullptr ? path : ""});
 }
 
+CWnd& HeadlessDisplay::Use(int id) {
+    CWnd& control = Control(id);
+    if (control.IsWindowEnabled() && control.IsWindowVisible()) m_Focus = &control;
+    return control;
+}
+
 // --- What a person does --------------------------------------------------------------
 
 void HeadlessDisplay::Click(int id) {
     Note("click " + Number(id));
-    input::Click(Control(id));
+    input::Click(Use(id));
 }
 
 void HeadlessDisplay::Type(int id, std::string_view text) {
     Note("type " + Number(id) + " " + std::string(text));
-    input::Type(Control(id), text);
+    input::Type(Use(id), text);
 }
 
 void HeadlessDisplay::Select(int id, int index) {
     Note("select " + Number(id) + " " + Number(index));
-    input::Select(Control(id), index);
+    input::Select(Use(id), index);
 }
 
 void HeadlessDisplay::SelectText(int id, std::string_view text) {
@@ -67,7 +73,7 @@ void HeadlessDisplay::Tab(int index) {
 
 void HeadlessDisplay::Drag(int id, int position) {
     Note("drag " + Number(id) + " " + Number(position));
-    auto& slider = dynamic_cast<CSliderCtrl&>(Control(id));
+    auto& slider = dynamic_cast<CSliderCtrl&>(Use(id));
     input::Slide(slider, position);
     input::Paint(slider);
 }
@@ -168,6 +174,7 @@ bool HeadlessDisplay::Create(CDialog& dialog) {
 void HeadlessDisplay::Destroy(CDialog& dialog) {
     Note("destroy " + Number(dialog.GetDlgCtrlID()));
     --m_OpenWindows;
+    m_Focus = nullptr;
     std::erase_if(m_Timers, [&](const Timer& timer) { return timer.window == &dialog; });
     for (const auto& control : dialog.GetControls()) m_ToolTips.erase(control.get());
 }

@@ -88,6 +88,8 @@ public:
     int Selection(int id) const; // of a combo box or of the tab control
     int Position(int id) const;
     std::string ToolTip(int id) const;
+    /// The control that was used last, or has been given the keyboard since; 0: none.
+    int Focused() const { return m_Focus != nullptr ? m_Focus->GetDlgCtrlID() : 0; }
     /// The dialog in front; null while none is open.
     CDialog* Front() const;
     /// The page in front, if a sheet is; otherwise the dialog in front.
@@ -114,6 +116,8 @@ public:
     bool Create(CDialog& dialog) override;
     void Destroy(CDialog& dialog) override;
     void Refresh(CWnd& window, Change what) override;
+    bool HasFocus(const CWnd& control) override { return &control == m_Focus; }
+    void Focus(CWnd& control) override { m_Focus = &control; }
     void RunModal(CDialog& dialog) override;
     void EndModal(CDialog& dialog) override;
     int ShowMessage(CWnd* owner, const char* text, const char* title, unsigned flags) override;
@@ -126,6 +130,8 @@ public:
     void Beep(unsigned flags) override;
 
 private:
+    CWnd& Use(int id); // the control, with the keyboard
+
     struct Timer {
         CWnd* window;
         unsigned id;
@@ -152,6 +158,7 @@ private:
     std::map<const CWnd*, std::string> m_ToolTips;
     std::vector<std::string> m_Log;
     std::vector<std::string> m_ScriptErrors;
+    const CWnd* m_Focus = nullptr;
     int m_Unanswered = 0;
     int m_OpenWindows = 0;
 };

@@ -43,6 +43,16 @@ void QtDisplay::Refresh(CWnd& window, Change what) {
     if (peer != nullptr && peer->Widget() != nullptr) peer->Refresh(what);
 }
 
+bool QtDisplay::HasFocus(const CWnd& control) {
+    const qt::QtPeer* peer = qt::PeerOf(control);
+    return peer != nullptr && peer->Widget() != nullptr && peer->HasFocus();
+}
+
+void QtDisplay::Focus(CWnd& control) {
+    const qt::QtPeer* peer = qt::PeerOf(control);
+    if (peer != nullptr && peer->Widget() != nullptr) peer->FocusWidget()->setFocus();
+}
+
 void QtDisplay::RunModal(CDialog& dialog) {
     auto* peer = static_cast<qt::WindowPeer*>(qt::PeerOf(dialog));
     qt::TopWindow* window = peer != nullptr ? peer->Top() : nullptr;

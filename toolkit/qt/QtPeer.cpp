@@ -5,8 +5,10 @@
 namespace qt {
 
 void QtPeer::Refresh(Change what) {
+    s_HoldsFocus = m_Model.GetTemplate() != nullptr && HasFocus();
     if (what == Change::Enabled) m_Widget->setEnabled(m_Model.IsWindowEnabled());
     if (what == Change::Visible) m_Widget->setVisible(m_Model.IsWindowVisible());
+    s_HoldsFocus = false;
 }
 
 void QtPeer::RefreshAll() {

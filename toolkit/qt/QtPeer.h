@@ -33,6 +33,11 @@ public:
     virtual void Place(const QRect& place);
     /// The widget that takes the focus for this one.
     virtual QWidget* FocusWidget() const { return m_Widget; }
+    /// True iff that widget has the focus, or will have it with its window.
+    bool HasFocus() const { return m_Widget->window()->focusWidget() == FocusWidget(); }
+    /// True while a control is being disabled or hidden that may come back, or else is
+    /// left at the end of the handler: Qt must not move the focus on at once.
+    static bool HoldsFocus() { return s_HoldsFocus; }
 
 protected:
     /// Puts the widget to `place` with its centre line kept, at least as high as
@@ -44,6 +49,7 @@ protected:
 
 private:
     QPointer<QWidget> m_Widget;
+    static inline bool s_HoldsFocus = false;
 };
 
 /// The peer of a window that the Qt display has made; null without one.

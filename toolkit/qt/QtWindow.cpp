@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "toolkit/CPropertySheet.h"
+#include "toolkit/focus.h"
 #include "toolkit/qt/DialogUnits.h"
 #include "toolkit/qt/QtTabs.h"
 #include "toolkit/qt/qt_text.h"
@@ -57,6 +58,7 @@ void MakeControls(CDialog& dialog, const Surroundings& in) {
     const auto& controls = dialog.GetControls();
     for (size_t i = 0; i < controls.size(); ++i) {
         CWnd& control = *controls[i];
+        if (!IsInSight(control)) continue; // no widget: screen readers would find it
         std::unique_ptr<QtPeer> made = MakeControlPeer(control, in);
         QtPeer& peer = *made;
         control.SetPeer(std::move(made));
@@ -67,7 +69,8 @@ void MakeControls(CDialog& dialog, const Surroundings& in) {
     // What takes no input must not cover what does; frames lie below all.
     for (const ControlKind kind : {ControlKind::Static, ControlKind::GroupBox})
         for (const auto& control : controls)
-            if (control->GetKind() == kind) PeerOf(*control)->Widget()->lower();
+            if (control->GetKind() == kind && PeerOf(*control) != nullptr)
+                PeerOf(*control)->Widget()->lower();
 }
 
 /// The Tab key follows the order of the templates; a page comes right behind the
@@ -77,6 +80,7 @@ void OrderFocus(const CDialog& dialog) {
     if (dynamic_cast<const CPropertyPage*>(&dialog) != nullptr)
         last = TabsOf(static_cast<CDialog&>(*dialog.GetParent()))->FocusWidget();
     for (const auto& control : dialog.GetControls()) {
+        if (PeerOf(*control) == nullptr) continue;
         QWidget* next = PeerOf(*control)->FocusWidget();
         if (next->focusPolicy() == Qt::NoFocus) continue;
         if (last != nullptr) QWidget::setTabOrder(last, next);
@@ -114,8 +118,8 @@ QWidget* WindowPeer::FocusWidget() const {
     QWidget* before = Widget()->focusWidget();
     if (before != nullptr && TakesTab(*before, *Widget())) return before;
     for (const auto& control : m_Dialog.GetControls()) {
-        QWidget* widget = PeerOf(*control)->FocusWidget();
-        if (TakesTab(*widget, *Widget())) return widget;
+        QWidget* widget = PeerOf(*control) != nullptr ? PeerOf(*control)->FocusWidget() : nullptr;
+        if (widget != nullptr && TakesTab(*widget, *Widget())) return widget;
     }
     return nullptr;
 }
@@ -156,16 +160,13 @@ void LayOut(CDialog& dialog) {
     for (const auto& control : dialog.GetControls()) {
         const ControlTemplate& row = *control->GetTemplate();
         QtPeer* controlPeer = PeerOf(*control);
-        if (controlPeer == nullptr) continue; // not made yet
+        if (controlPeer == nullptr) continue; // not made yet, or never
         QRect place = units.Place(row);
         if (control->GetKind() == ControlKind::Tab)
             place.setSize(place.size() + growth);
         else
             place.translate(growth.width(), growth.height());
         controlPeer->Place(place);
-        // The Tab key must not lead to what nobody can see.
-        if (!QRect(QPoint(0, 0), size).intersects(place))
-            controlPeer->Widget()->setFocusPolicy(Qt::NoFocus);
     }
 }
 

@@ -5,6 +5,7 @@
 #include <QWindow>
 
 #include "toolkit/input.h"
+#include "toolkit/qt/QtPeer.h"
 
 namespace qt {
 
@@ -51,6 +52,10 @@ bool TopWindow::event(QEvent* event) {
     if (event->type() != kEndWanted) return QDialog::event(event);
     EndIfWanted();
     return true;
+}
+
+bool TopWindow::focusNextPrevChild(bool next) {
+    return QtPeer::HoldsFocus() || QDialog::focusNextPrevChild(next);
 }
 
 ModalRun::ModalRun(ModalStack& stack, QDialog& window) : m_Stack(stack), m_HeldKeys(window) {

@@ -30,6 +30,7 @@ public:
 
 protected:
     bool event(QEvent* event) override;
+    bool focusNextPrevChild(bool next) override;
 
 private:
     CDialog& m_Model;

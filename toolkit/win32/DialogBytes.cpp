@@ -2,6 +2,8 @@
 
 #include <string>
 
+#include "toolkit/focus.h"
+
 namespace {
 
 // The outline face with the metrics of MS Sans Serif, so that it scales with the
@@ -111,7 +113,7 @@ void DialogBytes::AddControl(const CWnd& control) {
         AddItem({WC_STATICA, row.accessibleName, SS_LEFT, 0, -1}, row);
     const NativeControl native = Native(control);
     DWORD style = native.style;
-    if (control.IsWindowVisible()) style |= WS_VISIBLE;
+    if (control.IsWindowVisible() && IsInSight(control)) style |= WS_VISIBLE;
     if (!control.IsWindowEnabled()) style |= WS_DISABLED;
     if ((control.GetStyle() & style::Group) != 0) style |= WS_GROUP;
     AddItem({native.className, control.GetWindowText(), style, native.exStyle, row.id}, row);

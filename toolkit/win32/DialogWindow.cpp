@@ -89,6 +89,8 @@ bool OnMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
         if (model != nullptr && !page) input::Close(*model);
         return true;
     }
+    case WM_ACTIVATE:
+        return OnActivate(window, LOWORD(wParam) != WA_INACTIVE);
     case WM_DESTROY:
         // Whoever took the window down, its loop has to notice.
         PostThreadMessageA(GetCurrentThreadId(), WM_NULL, 0, 0);

@@ -47,18 +47,19 @@ void PlaceTabStop(const CWnd& radio) {
 }
 
 void ShowVisible(HWND window, const CWnd& model) {
-    if (!model.IsWindowVisible()) LeaveFocus(window);
     const bool page = dynamic_cast<const CPropertyPage*>(&model) != nullptr;
+    if (!model.IsWindowVisible()) page ? LeavePage(window) : LendFocus(window);
     UINT flags = SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE;
     if (!page) flags |= SWP_NOZORDER; // a page comes in front of the tab control
     flags |= model.IsWindowVisible() ? SWP_SHOWWINDOW : SWP_HIDEWINDOW;
     SetWindowPos(window, HWND_TOP, 0, 0, 0, 0, flags);
+    TakeFocusBack(window);
 }
 
 void ShowEnabled(HWND window, const CWnd& model) {
-    // The keyboard would be dead with the focus on a disabled control.
-    if (!model.IsWindowEnabled()) LeaveFocus(window);
+    if (!model.IsWindowEnabled()) LendFocus(window);
     EnableWindow(window, model.IsWindowEnabled());
+    TakeFocusBack(window);
 }
 
 void ShowChecked(HWND window, const CWnd& model) {

@@ -68,6 +68,15 @@ void Win32Display::Refresh(CWnd& window, Change what) {
     ShowChange(window, what);
 }
 
+bool Win32Display::HasFocus(const CWnd& control) {
+    const HWND window = WindowOf(control);
+    return window != nullptr && OwnsFocus(window);
+}
+
+void Win32Display::Focus(CWnd& control) {
+    if (WindowOf(control) != nullptr) ::Focus(WindowOf(control));
+}
+
 void Win32Display::RunModal(CDialog& dialog) {
     if (dialog.HasEnded()) return;
     struct Run {

@@ -15,6 +15,8 @@ public:
     bool Create(CDialog& dialog) override;
     void Destroy(CDialog& dialog) override;
     void Refresh(CWnd& window, Change what) override;
+    bool HasFocus(const CWnd& control) override;
+    void Focus(CWnd& control) override;
     void RunModal(CDialog& dialog) override;
     void EndModal(CDialog& dialog) override;
     int ShowMessage(CWnd* owner, const char* text, const char* title, unsigned flags) override;

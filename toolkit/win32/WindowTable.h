@@ -15,7 +15,11 @@ public:
     WindowPeer& operator=(const WindowPeer&) = delete;
 
     const HWND m_Window;
-    HWND m_ToolTips = nullptr; // of a dialog, once it has any
+    // Of a dialog: its tool tips, once it has any; while it is not active, the control
+    // that had the focus, and the one that takes it over from that.
+    HWND m_ToolTips = nullptr;
+    HWND m_LastFocus = nullptr;
+    HWND m_FocusToCome = nullptr;
 };
 
 /// The peer of a model, or null.

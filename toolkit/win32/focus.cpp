@@ -1,15 +1,29 @@
 #include "toolkit/win32/focus.h"
 
+#include <utility>
+
 #include "toolkit/win32/WindowTable.h"
 
 namespace {
 
-void Focus(HWND control) {
-    const HWND frame = GetAncestor(control, GA_ROOT);
-    SendMessageA(frame, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(control), TRUE);
+HWND g_Lender = nullptr; // had the focus until it was disabled or hidden
+
+WindowPeer* PeerOfFrame(HWND control) {
+    const CWnd* frame = ModelOf(GetAncestor(control, GA_ROOT));
+    return frame != nullptr ? PeerOf(*frame) : nullptr;
 }
 
 } // namespace
+
+void Focus(HWND control) {
+    const HWND frame = GetAncestor(control, GA_ROOT);
+    g_Lender = nullptr;
+    WindowPeer* peer = PeerOfFrame(control);
+    if (GetActiveWindow() == frame || peer == nullptr)
+        SendMessageA(frame, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(control), TRUE);
+    else
+        peer->m_FocusToCome = control; // the focus would make the dialog active
+}
 
 void FocusFirst(const CDialog& dialog) {
     const CDialog* place = &dialog;
@@ -24,11 +38,33 @@ bool HasFocus(HWND window) {
     return focus != nullptr && (focus == window || IsChild(window, focus));
 }
 
-void LeaveFocus(HWND window) {
-    if (!HasFocus(window)) return;
-    const HWND frame = GetAncestor(window, GA_ROOT);
-    HWND next = GetDlgItem(frame, IDC_TAB_CONTROL); // the way out of a page
-    if (dynamic_cast<CDialog*>(ModelOf(window)) == nullptr)
-        next = GetNextDlgTabItem(frame, window, FALSE);
-    if (next != nullptr && next != window) Focus(next);
+bool OwnsFocus(HWND control) {
+    const WindowPeer* peer = PeerOfFrame(control);
+    const bool active = GetActiveWindow() == GetAncestor(control, GA_ROOT);
+    if (active || peer == nullptr) return HasFocus(control);
+    return (peer->m_FocusToCome != nullptr ? peer->m_FocusToCome : peer->m_LastFocus) == control;
+}
+
+void LeavePage(HWND page) {
+    if (!HasFocus(page)) return;
+    if (const HWND tabs = GetDlgItem(GetAncestor(page, GA_ROOT), IDC_TAB_CONTROL)) Focus(tabs);
+}
+
+void LendFocus(HWND control) {
+    if (HasFocus(control)) g_Lender = control;
+}
+
+void TakeFocusBack(HWND control) {
+    if (g_Lender == control && IsWindowVisible(control) && IsWindowEnabled(control)) Focus(control);
+}
+
+bool OnActivate(HWND dialog, bool active) {
+    WindowPeer* peer = PeerOfFrame(dialog);
+    if (peer == nullptr) return false;
+    const HWND toCome = std::exchange(peer->m_FocusToCome, nullptr);
+    if (!active)
+        peer->m_LastFocus = IsChild(dialog, GetFocus()) ? GetFocus() : nullptr;
+    else if (toCome != nullptr)
+        SetFocus(toCome);
+    return active && toCome != nullptr;
 }
