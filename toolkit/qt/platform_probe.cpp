@@ -58,7 +58,8 @@ Connection ConnectToWayland() {
 /// The platforms to try: those asked for, or else those of the session.
 QStringList Candidates() {
     const QString wanted = qEnvironmentVariable("QT_QPA_PLATFORM");
-    if (!wanted.isEmpty()) return wanted.split(u';', Qt::SkipEmptyParts);
+    const QStringList list = wanted.split(u';', Qt::SkipEmptyParts);
+    if (!list.isEmpty()) return list;
     if (qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY")) return {"xcb"};
     // Qt's windows have no proper frames on GNOME's Wayland; its X server gives them some.
     const bool gnome = qEnvironmentVariable("XDG_CURRENT_DESKTOP").contains("GNOME");
@@ -90,9 +91,16 @@ QString WithoutX() {
 }
 
 /// Whether windows can be shown on a platform; says why not.
-bool IsUsable(const QString& platform, PlatformProbe& probe, QString& reason) {
+bool IsUsable(const QString& candidate, PlatformProbe& probe, QString& reason) {
+    const QString platform = candidate.section(u':', 0, 0);
     const bool x = platform == "xcb";
-    if (!x && !platform.startsWith("wayland")) return PluginLoads(platform, reason);
+    if (candidate == "offscreen" || platform == "minimal") return PluginLoads(platform, reason);
+    // The others end the process where they don't find their device, as does the one above
+    // without its file of options.
+    if (!x && platform != "wayland" && platform != "wayland-egl") {
+        reason = QString("Qt's platform \"%1\" is not supported.").arg(candidate);
+        return false;
+    }
     const Connection connection = x ? ConnectToX() : ConnectToWayland();
     if (connection == nullptr) {
         reason = x ? WithoutX()
@@ -111,7 +119,7 @@ PlatformProbe ProbePlatforms() {
     QString firstReason;
     for (const QString& candidate : Candidates()) {
         QString why;
-        if (IsUsable(candidate.section(u':', 0, 0), probe, why))
+        if (IsUsable(candidate, probe, why))
             usable << candidate;
         else if (firstReason.isEmpty())
             firstReason = why;
