@@ -16,9 +16,11 @@ public:
         module.SetAPI(&host.api);
         host.Attach(*control);
     }
-    ~LoadedModule() {
+    ~LoadedModule() { Destroy(); }
+    void Destroy() {
+        if (control == nullptr) return;
         host.Detach(*control);
-        module.DestroyRowObject(0, control);
+        module.DestroyRowObject(0, std::exchange(control, nullptr));
     }
     LoadedModule(const LoadedModule&) = delete;
     LoadedModule& operator=(const LoadedModule&) = delete;
@@ -27,5 +29,5 @@ public:
 
     RecordingHost host;
     IOrnAPIBase& module = m_Library.object();
-    IOrnKVETMCtrl* const control = static_cast<IOrnKVETMCtrl*>(module.CreateRowObject(0));
+    IOrnKVETMCtrl* control = static_cast<IOrnKVETMCtrl*>(module.CreateRowObject(0));
 };

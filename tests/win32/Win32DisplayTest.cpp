@@ -298,6 +298,49 @@ TEST_F(OnNativeWindows, AWishToQuitClosesAllAndIsPassedOn) {
     EXPECT_EQ(message.wParam, 7u);
 }
 
+TEST(AHostThatDestroysTheComponent, EndsWhateverRuns) {
+    const TemporaryDirectory directory;
+    const std::string old = directory.Write("board.mac", "");
+    const std::string name = directory.PathOf("board"); // asked about by the module itself
+    const auto saveAs = [](User& person, const char* path) {
+        person.OnNextDialog([path](User& dialog) {
+            dialog.AnswerSave(path);
+            dialog.Answer(Win32User::kNothing);
+            dialog.Type(1080, "Title=New\r\n");
+            dialog.Click(1082);
+        });
+        person.Click(1029);
+    };
+    struct {
+        User::Script script;
+        bool (*inFront)(HWND);
+    } const rows[] = {
+        {[](User& person) { person.Answer(Win32User::kNothing), person.Click(1030); },
+         Win32User::IsBox},
+        {[&](User& person) { saveAs(person, Win32User::kNoFile); }, Win32User::IsSaveDialog},
+        {[&](User& person) { saveAs(person, old.c_str()); }, Win32User::IsBox},
+        {[&](User& person) { saveAs(person, name.c_str()); }, Win32User::IsBox},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(&row - rows);
+        LoadedModule loaded(directory.Path());
+        loaded.host.values[0] = 1;
+        ASSERT_TRUE(loaded.control->Init(0));
+        loaded.host.onCall = [&](const std::string& call) {
+            if (call == "Command(start)") throw std::runtime_error("in a box");
+            if (call == "GetTraceState" && row.inFront(Win32User::Front())) loaded.Destroy();
+        };
+        Win32User user;
+        user.OnNextDialog(row.script);
+        user.Sit();
+        EXPECT_TRUE(loaded.control->Open());
+        user.GetUp();
+        EXPECT_EQ(loaded.control, nullptr);
+        EXPECT_EQ(user.Surprises(), 0);
+        EXPECT_EQ(Win32User::Front(), nullptr);
+    }
+}
+
 TEST(TheDll, CanBeLoadedAnewAndBearsVersionAndManifest) {
     for (int round = 0; round < 10; ++round) {
         LoadedModule loaded;

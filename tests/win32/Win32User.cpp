@@ -106,15 +106,23 @@ void Win32User::Settle() {
     }
 }
 
+bool Win32User::IsSaveDialog(HWND window) {
+    return NameField(window) != nullptr;
+}
+
+bool Win32User::IsBox(HWND window) {
+    return window != nullptr && !IsSaveDialog(window) &&
+           GetDlgItem(window, kTabControl) == nullptr && GetDlgItem(window, kBoardList) == nullptr;
+}
+
 void Win32User::Attend(HWND window) {
     m_Attended.push_back(window);
-    if (NameField(window) != nullptr)
+    if (IsSaveDialog(window))
         AnswerSaveDialog(window);
-    else if (GetDlgItem(window, kTabControl) != nullptr ||
-             GetDlgItem(window, kBoardList) != nullptr)
-        RunScript(window);
-    else
+    else if (IsBox(window))
         AnswerBox(window);
+    else
+        RunScript(window);
     const ULONGLONG limit = GetTickCount64() + kPatience;
     while (LetWork(window)) { // something may still come up, such as a question
         Settle();
@@ -141,6 +149,7 @@ void Win32User::AnswerBox(HWND box) {
     m_Boxes.push_back(text);
     for (const WPARAM key : {VK_RETURN, VK_ESCAPE}) Post(box, WM_KEYDOWN, key, kHeld);
     const int answer = Next<int>(m_Answers, IDCANCEL);
+    if (answer == kNothing) return;
     const HWND button = GetDlgItem(box, answer);
     if (answer == kEscape || button == nullptr)
         Post(box, WM_KEYDOWN, VK_ESCAPE, 0);
@@ -151,6 +160,7 @@ void Win32User::AnswerBox(HWND box) {
 void Win32User::AnswerSaveDialog(HWND dialog) {
     do { // again if a question kept it open
         std::string path = Next<std::string>(m_Saves, "");
+        if (path == kNoFile) return;
         std::ranges::replace(path, '/', '\\');
         Post(NameField(dialog), WM_KEYDOWN, VK_ESCAPE, kHeld);
         SendMessageA(NameField(dialog), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(path.c_str()));

@@ -21,6 +21,11 @@ public:
     static constexpr int kEscape = -1;
     /// For Press: the key is held down already.
     static constexpr LPARAM kHeld = 0x40000000;
+    /// For Answer and AnswerSave: the window stays until somebody else ends it.
+    static constexpr int kNothing = -2;
+    static constexpr const char* kNoFile = "?";
+    static bool IsBox(HWND window);
+    static bool IsSaveDialog(HWND window);
 
     /// REQUIRES: made and destroyed on the thread that runs the dialogs.
     Win32User();

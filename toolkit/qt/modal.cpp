@@ -1,6 +1,7 @@
 #include "toolkit/qt/modal.h"
 
 #include <QApplication>
+#include <QDrag>
 #include <QEvent>
 #include <QWindow>
 
@@ -56,6 +57,22 @@ bool TopWindow::event(QEvent* event) {
 
 bool TopWindow::focusNextPrevChild(bool next) {
     return QtPeer::HoldsFocus() || QDialog::focusNextPrevChild(next);
+}
+
+void ModalStack::CancelBoxes() const {
+    // By way of events, since a loop may only just be about to begin.
+    const auto reject = [](QDialog* window) {
+        QMetaObject::invokeMethod(window, &QDialog::reject, Qt::QueuedConnection);
+    };
+    // A menu and a drag have loops of their own.
+    if (QWidget* popup = QApplication::activePopupWidget())
+        QMetaObject::invokeMethod(popup, &QWidget::close, Qt::QueuedConnection);
+    QDrag::cancel();
+    for (QDialog* window : m_Windows) {
+        if (dynamic_cast<TopWindow*>(window) != nullptr) continue;
+        for (QDialog* question : window->findChildren<QDialog*>()) reject(question);
+        reject(window);
+    }
 }
 
 ModalRun::ModalRun(ModalStack& stack, QDialog& window) : m_Stack(stack), m_HeldKeys(window) {

@@ -42,6 +42,8 @@ private:
 class ModalStack {
 public:
     QWidget* Innermost() const { return m_Windows.empty() ? nullptr : m_Windows.back(); }
+    /// Refuses all that are no dialogs of ours, as soon as their loops run.
+    void CancelBoxes() const;
 
 private:
     friend class ModalRun;

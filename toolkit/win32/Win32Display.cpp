@@ -109,6 +109,10 @@ bool Win32Display::AskSaveFile(SaveFileRecord& record) {
     return ShowSaveDialog(OwnerOfNext(m_Running), record);
 }
 
+void Win32Display::CancelBoxes() {
+    CancelRunningBoxes();
+}
+
 void Win32Display::StartTimer(CWnd& window, unsigned id, unsigned milliseconds) {
     if (WindowOf(window) != nullptr) SetTimer(WindowOf(window), id, milliseconds, OnTimer);
 }

@@ -21,7 +21,7 @@ public:
     void EndModal(CDialog& dialog) override;
     int ShowMessage(CWnd* owner, const char* text, const char* title, unsigned flags) override;
     bool AskSaveFile(SaveFileRecord& record) override;
-    void CancelBoxes() override {}
+    void CancelBoxes() override;
     void StartTimer(CWnd& window, unsigned id, unsigned milliseconds) override;
     void StopTimer(CWnd& window, unsigned id) override;
     bool MeasureTabbedText(const CWnd& control, std::string_view text, int& width) override;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "toolkit/win32/NativeLook.h"
@@ -39,6 +40,66 @@ public:
 
 private:
     HHOOK m_Hook;
+};
+
+/// A modal window of the system's that runs. Its call tells nobody which window that is:
+/// it is the first dialog that comes up in it, and no other one, say of the host's.
+class RunningBox {
+public:
+    RunningBox()
+        : m_Outer(std::exchange(s_Innermost, this)),
+          m_Hook(SetWindowsHookExW(WH_CBT, FindWindowOfCall, nullptr, GetCurrentThreadId())) {}
+    ~RunningBox() {
+        if (m_Hook != nullptr) UnhookWindowsHookEx(m_Hook);
+        s_Innermost = m_Outer;
+    }
+    RunningBox(const RunningBox&) = delete;
+    RunningBox& operator=(const RunningBox&) = delete;
+
+    bool IsCancelled() const { return m_Cancelled; }
+
+    static void CancelAll() {
+        EndMenu(); // has a loop of its own
+        for (RunningBox* box = s_Innermost; box != nullptr; box = box->m_Outer) {
+            box->m_Cancelled = true;
+            if (!IsWindow(box->m_Window)) continue;
+            EnumThreadWindows(GetCurrentThreadId(), RefuseIfOwned,
+                              reinterpret_cast<LPARAM>(box->m_Window));
+            Refuse(box->m_Window);
+        }
+    }
+
+private:
+    static bool IsDialog(HWND window) {
+        char name[8] = "";
+        return GetClassNameA(window, name, sizeof name) != 0 && std::strcmp(name, "#32770") == 0;
+    }
+    static LRESULT CALLBACK FindWindowOfCall(int code, WPARAM wParam, LPARAM lParam) {
+        const auto window = reinterpret_cast<HWND>(wParam);
+        if (code == HCBT_CREATEWND && s_Innermost != nullptr && !IsWindow(s_Innermost->m_Window) &&
+            IsDialog(window) && (GetWindowLongW(window, GWL_STYLE) & WS_CHILD) == 0)
+            s_Innermost->m_Window = window;
+        return CallNextHookEx(nullptr, code, wParam, lParam);
+    }
+    static void Refuse(HWND box) {
+        for (const int button : {IDCANCEL, IDNO, IDOK})
+            if (GetDlgItem(box, button) != nullptr) {
+                PostMessageW(box, WM_COMMAND, static_cast<WPARAM>(button), 0);
+                return;
+            }
+    }
+    /// A question of the save dialog's own.
+    static BOOL CALLBACK RefuseIfOwned(HWND window, LPARAM box) {
+        if (IsDialog(window) && GetWindow(window, GW_OWNER) == reinterpret_cast<HWND>(box))
+            Refuse(window);
+        return TRUE;
+    }
+
+    static inline RunningBox* s_Innermost = nullptr;
+    RunningBox* m_Outer;
+    HHOOK m_Hook;
+    HWND m_Window = nullptr;
+    bool m_Cancelled = false;
 };
 
 /// The save dialog moves the whole process to where the file lies.
@@ -106,6 +167,7 @@ bool MayReplace(HWND owner, const SaveFileRecord& record, const std::string& nam
 int ShowMessageBox(HWND owner, const char* text, const char* title, unsigned flags) {
     const NativeLook look;
     const KeyHook hook;
+    const RunningBox running;
     // Without an owner all of the thread's windows have to wait.
     if (owner == nullptr) flags |= MB_TASKMODAL;
     const int answer = MessageBoxA(owner, text != nullptr ? text : "", title, flags);
@@ -121,10 +183,15 @@ bool ShowSaveDialog(HWND owner, SaveFileRecord& record) {
     std::vector<char> file(record.maxFile, '\0');
     std::strncpy(file.data(), record.file, file.size() - 1);
     OPENFILENAMEA request = Request(owner, record, file.data());
+    const RunningBox running;
     do {
-        if (!GetSaveFileNameA(&request)) return false;
+        if (running.IsCancelled() || !GetSaveFileNameA(&request)) return false;
     } while (!MayReplace(owner, record, file.data()));
     std::memcpy(record.file, file.data(), file.size());
     record.filterIndex = request.nFilterIndex;
     return true;
+}
+
+void CancelRunningBoxes() {
+    RunningBox::CancelAll();
 }

@@ -9,3 +9,6 @@ int ShowMessageBox(HWND owner, const char* text, const char* title, unsigned fla
 
 /// Runs the save dialog; see GetSaveFileName. The process keeps its current directory.
 bool ShowSaveDialog(HWND owner, SaveFileRecord& record);
+
+/// Refuses those that run on this thread; they end as soon as it gets back to them.
+void CancelRunningBoxes();
