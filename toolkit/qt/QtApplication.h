@@ -26,7 +26,8 @@ private:
 };
 
 /// A host with a QApplication of its own lends it, untouched. For any other host
-/// one is made at the first need and goes with this object.
+/// one is made at the first need and goes with this object; unless it can't: the X
+/// server has gone, or the host has made one beside it, which uses the same parts.
 class QtApplication {
 public:
     QtApplication();
@@ -35,9 +36,9 @@ public:
     QtApplication& operator=(const QtApplication&) = delete;
 
     /// Returns true if the calling thread can show windows; false with a readable
-    /// line in `reason`. Never ends the process; may be tried again. `name` is that
-    /// of an application of our own.
-    bool Prepare(const char* name, std::string& reason);
+    /// line in `reason`. Never ends the process; may be tried again. An application of
+    /// our own gets `name`; should its X server go away, `cancel` has to end all loops.
+    bool Prepare(const char* name, void (*cancel)(), std::string& reason);
 
     /// An audible warning, if there is an application that can give one.
     static void Beep();

@@ -4,6 +4,7 @@
 #include <QToolTip>
 
 #include "toolkit/CWinApp.h"
+#include "toolkit/guarded.h"
 #include "toolkit/input.h"
 #include "toolkit/qt/QtWindow.h"
 #include "toolkit/qt/boxes.h"
@@ -14,7 +15,8 @@ std::unique_ptr<Display> MakeDisplay() {
 }
 
 bool QtDisplay::Prepare(std::string& reason) {
-    return m_Application.Prepare(AfxGetApp()->GetTitle(), reason);
+    constexpr auto cancel = [] { Guarded([] { AfxGetApp()->CancelAll(); }); };
+    return m_Application.Prepare(AfxGetApp()->GetTitle(), cancel, reason);
 }
 
 QWidget* QtDisplay::OwnerWindow(const CWnd* model) const {
