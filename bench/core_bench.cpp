@@ -13,8 +13,9 @@
 #include "frame/slots.h"
 #include "settings/ReadCapabilities.h"
 #include "settings/jTraceSettings.h"
-#include "tests/support/RecordingHost.h"
-#include "tests/support/TemporaryDirectory.h"
+#include "testkit/RecordingHost.h"
+#include "testkit/SilentTrace.h"
+#include "testkit/TemporaryDirectory.h"
 #include "text/TxtScan.h"
 
 namespace {
@@ -56,21 +57,9 @@ void Tokenizer(benchmark::State& state) {
 }
 BENCHMARK(Tokenizer);
 
-/// A recording host would mostly measure its recording: this one only answers.
-struct SilentTrace final : HostObject<IOrnVETMTrace> {
-    SilentTrace() : HostObject("IOrnVETMTrace") {}
-    const char* Command(const char*, std::ostream* stream) override {
-        if (stream != nullptr) *stream << RecordingHost::kReport << '\0';
-        return nullptr;
-    }
-    const char* GetInfoText(uint32_t) override { return nullptr; }
-    uint32_t GetTraceState(uint32_t*) override { return 0; }
-    OrnBool HasFeature(uint32_t) override { return false; }
-    OrnBool SetValue(uint32_t, uint32_t) override { return true; }
-    OrnBool GetValue(uint32_t id, uint32_t* value) override {
-        *value = id == 1 ? 2048 : id == 5 ? 0x8088 : 0;
-        return true;
-    }
+/// A target with many settings lines.
+struct ManyLines final : SilentTrace {
+    ManyLines() { report = RecordingHost::kReport; }
     const char* GetSettingsLine(uint32_t index) override {
         return index < lines ? kLines[index % std::size(kLines)] : nullptr;
     }
@@ -78,7 +67,7 @@ struct SilentTrace final : HostObject<IOrnVETMTrace> {
 };
 
 void FullRead(benchmark::State& state) {
-    SilentTrace trace;
+    ManyLines trace;
     trace.lines = static_cast<uint32_t>(state.range(0));
     g_VETMTrace = &trace;
     jTraceSettings settings;
@@ -91,7 +80,7 @@ void FullRead(benchmark::State& state) {
 BENCHMARK(FullRead)->Arg(10)->Arg(1000)->Arg(100000)->Complexity(benchmark::oN);
 
 void CapabilityScan(benchmark::State& state) {
-    SilentTrace trace;
+    ManyLines trace;
     g_VETMTrace = &trace;
     jTraceState image;
     ReadCapabilities(image);

@@ -13,7 +13,7 @@
 #include <cstdlib>
 
 #include "frame/interfaces/IOrnAPIBase.h"
-#include "tests/support/RecordingHost.h"
+#include "testkit/RecordingHost.h"
 
 namespace {
 

@@ -6,36 +6,25 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
-#include <ostream>
 #include <string>
 #include <vector>
 
 #include "frame/slots.h"
 #include "settings/jTraceSettings.h"
-#include "tests/support/RecordingHost.h"
+#include "testkit/SilentTrace.h"
 
 namespace {
 
-struct FuzzedTrace final : HostObject<IOrnVETMTrace> {
-    FuzzedTrace() : HostObject("IOrnVETMTrace") {}
-    const char* Command(const char*, std::ostream* stream) override {
-        if (stream) *stream << text << '\0';
-        return nullptr;
-    }
-    const char* GetInfoText(uint32_t) override { return nullptr; }
-    uint32_t GetTraceState(uint32_t*) override { return 0; }
-    OrnBool HasFeature(uint32_t) override { return false; }
-    OrnBool SetValue(uint32_t, uint32_t) override { return true; }
+struct FuzzedTrace final : SilentTrace {
     OrnBool GetValue(uint32_t id, uint32_t* value) override {
         *value = words[id % std::size(words)];
-        return true;
+        return 1;
     }
     const char* GetSettingsLine(uint32_t index) override {
         return index < lines.size() ? lines[index].c_str() : nullptr;
     }
 
     uint32_t words[8] = {};
-    std::string text;
     std::vector<std::string> lines;
 };
 
@@ -49,10 +38,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     FuzzedTrace host;
     const size_t head = std::min(size, sizeof host.words);
     std::copy(data, data + head, reinterpret_cast<uint8_t*>(host.words));
-    host.text.assign(reinterpret_cast<const char*>(data) + head, size - head);
-    for (size_t start = 0; start <= host.text.size();) {
-        const size_t end = std::min(host.text.find('\n', start), host.text.size());
-        host.lines.push_back(host.text.substr(start, end - start));
+    host.report.assign(reinterpret_cast<const char*>(data) + head, size - head);
+    for (size_t start = 0; start <= host.report.size();) {
+        const size_t end = std::min(host.report.find('\n', start), host.report.size());
+        host.lines.push_back(host.report.substr(start, end - start));
         start = end + 1;
     }
     g_VETMTrace = &host;

@@ -18,7 +18,7 @@ const char* OrEmpty(const char* text) {
 
 HostVETMTrace::HostVETMTrace(Target& target, const Symbols& symbols, const Transaction& transaction,
                              Journal& journal)
-    : HostObject(ORN_VETM_TRACE, 100, journal), target_(target), transaction_(transaction),
+    : JournalledObject(ORN_VETM_TRACE, 100, journal), target_(target), transaction_(transaction),
       language_(target, symbols) {}
 
 const char* HostVETMTrace::Command(const char* text, std::ostream* stream) {
@@ -135,7 +135,7 @@ const char* HostVETMTrace::GetSettingsLine(uint32_t index) {
 // --- IOrnTraceClient -----------------------------------------------------------------
 
 HostTraceClient::HostTraceClient(const Symbols& symbols, Journal& journal)
-    : HostObject(ORN_TRACE_CLIENT, 100, journal), symbols_(symbols) {}
+    : JournalledObject(ORN_TRACE_CLIENT, 100, journal), symbols_(symbols) {}
 
 OrnBool HostTraceClient::Action(const char* action, const char* argument) {
     std::string_view expression = OrEmpty(action);
@@ -163,8 +163,8 @@ OrnBool HostTraceClient::Action(const char* action, const char* argument) {
 
 HostXTraceClient::HostXTraceClient(NamedSettings& settings, const Transaction& transaction,
                                    Journal& journal)
-    : HostObject(ORN_XTRACE_CLIENT, ORN_VERSION_WITH_HAS_COMMAND, journal), settings_(settings),
-      transaction_(transaction) {}
+    : JournalledObject(ORN_XTRACE_CLIENT, ORN_VERSION_WITH_HAS_COMMAND, journal),
+      settings_(settings), transaction_(transaction) {}
 
 OrnBool HostXTraceClient::HasCommand(const char* name) {
     const bool has = EqualNoCase(OrEmpty(name), "ExecuteCmd");

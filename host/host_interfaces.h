@@ -16,6 +16,7 @@
 #include "host/command.h"
 #include "host/journal.h"
 #include "host/target.h"
+#include "testkit/HostObject.h"
 
 namespace etmhost {
 
@@ -26,34 +27,27 @@ using NamedSettings = std::map<std::string, std::map<std::string, std::string>>;
 /// does around that call what keeping them takes.
 using Transaction = std::function<void(const std::function<void()>& change)>;
 
-/// What all host objects share: the identity operations, and the journal.
-template <class Interface> class HostObject : public Interface {
+/// What all objects of this host share: whoever asks what they are stands in the journal.
+template <class Interface> class JournalledObject : public HostObject<Interface> {
 public:
-    HostObject(const char* name, int32_t version, Journal& journal)
-        : journal_(journal), name_(name), version_(version) {}
+    JournalledObject(const char* name, int32_t version, Journal& journal)
+        : HostObject<Interface>(name, version, "etmhost", 100), journal_(journal) {}
 
     const char* GetInterfaceName() override {
-        journal_.Call(name_ + ".GetInterfaceName", Quote(name_.c_str()));
-        return name_.c_str();
+        journal_.Call(this->m_Name + std::string(".GetInterfaceName"), Quote(this->m_Name));
+        return this->m_Name;
     }
     int32_t GetInterfaceVersion() override {
-        journal_.Call(name_ + ".GetInterfaceVersion", std::to_string(version_));
-        return version_;
+        journal_.Call(this->m_Name + std::string(".GetInterfaceVersion"),
+                      std::to_string(this->m_Version));
+        return this->m_Version;
     }
-    const char* GetComponentName() override { return "etmhost"; }
-    int32_t GetComponentVersion() override { return 100; }
-    IOrnInterface* GetInterface(const char*) override { return nullptr; }
-    void ReleaseInterface(IOrnInterface*) override {}
 
 protected:
     Journal& journal_;
-
-private:
-    std::string name_;
-    int32_t version_;
 };
 
-class HostVETMTrace final : public HostObject<IOrnVETMTrace> {
+class HostVETMTrace final : public JournalledObject<IOrnVETMTrace> {
 public:
     HostVETMTrace(Target& target, const Symbols& symbols, const Transaction& transaction,
                   Journal& journal);
@@ -78,7 +72,7 @@ private:
     uint32_t lastState_ = 0; // the answer that the journal showed last
 };
 
-class HostTraceClient final : public HostObject<IOrnTraceClient> {
+class HostTraceClient final : public JournalledObject<IOrnTraceClient> {
 public:
     HostTraceClient(const Symbols& symbols, Journal& journal);
 
@@ -88,7 +82,7 @@ private:
     const Symbols& symbols_;
 };
 
-class HostXTraceClient final : public HostObject<IOrnXTraceClient> {
+class HostXTraceClient final : public JournalledObject<IOrnXTraceClient> {
 public:
     HostXTraceClient(NamedSettings& settings, const Transaction& transaction, Journal& journal);
 
@@ -121,12 +115,12 @@ public:
     /// the module.
     Transaction transaction = [](const std::function<void()>& change) { change(); };
 
-    HostObject<IOrnAPI> api;
+    JournalledObject<IOrnAPI> api;
     HostVETMTrace trace;
     HostTraceClient traceClient;
     HostXTraceClient xTraceClient;
-    HostObject<IOrnXTrace> xTrace;
-    HostObject<IOrnEmu> emu;
+    JournalledObject<IOrnXTrace> xTrace;
+    JournalledObject<IOrnEmu> emu;
 };
 
 } // namespace etmhost

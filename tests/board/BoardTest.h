@@ -5,8 +5,8 @@
 
 #include "board/jConfigureETM.h"
 #include "platform/paths.h"
+#include "testkit/TemporaryDirectory.h"
 #include "tests/support/Session.h"
-#include "tests/support/TemporaryDirectory.h"
 
 class BoardTest : public Session, protected TemporaryDirectory {
 protected:

@@ -23,6 +23,7 @@ struct Round {
         EXPECT_TRUE(control->Init(0));
         display.OnNextDialog([&] { display.Click(IDOK); });
         EXPECT_TRUE(control->Open());
+        RecordingHost::Detach(*control);
         Destroy();
         EXPECT_EQ(g_Settings, nullptr);
         EXPECT_EQ(display.OpenWindows(), 0);

@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <sstream>
 
-#include "tests/support/TemporaryDirectory.h"
+#include "testkit/TemporaryDirectory.h"
 
 using ::testing::HasSubstr;
 using ::testing::StartsWith;

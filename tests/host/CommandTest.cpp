@@ -7,7 +7,7 @@
 #include <sstream>
 
 #include "host/journal.h"
-#include "tests/support/TemporaryDirectory.h"
+#include "testkit/TemporaryDirectory.h"
 
 namespace etmhost {
 namespace {

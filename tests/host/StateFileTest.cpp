@@ -6,7 +6,7 @@
 #include <thread>
 
 #include "host/host_error.h"
-#include "tests/support/TemporaryDirectory.h"
+#include "testkit/TemporaryDirectory.h"
 
 using ::testing::HasSubstr;
 using ::testing::ThrowsMessage;

@@ -21,9 +21,9 @@
 #include <thread>
 #include <unistd.h>
 
+#include "testkit/TemporaryDirectory.h"
 #include "tests/module/LoadedModule.h"
 #include "tests/module/QtUser.h"
-#include "tests/support/TemporaryDirectory.h"
 #include "toolkit/constants.h"
 
 /// For AddressSanitizer: that library copies texts of the X server, which bear no NUL.

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "host/module_session.h"
-#include "tests/support/RecordingHost.h"
+#include "testkit/RecordingHost.h"
 
 class LoadedModule {
     etmhost::LoadedModule m_Library{etmhost::ExecutableFile().replace_filename(

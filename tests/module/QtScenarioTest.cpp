@@ -4,10 +4,10 @@
 
 #include <QApplication>
 
+#include "testkit/TemporaryDirectory.h"
 #include "tests/module/LoadedModule.h"
 #include "tests/module/QtUser.h"
 #include "tests/scenarios/Scenarios.h"
-#include "tests/support/TemporaryDirectory.h"
 
 namespace {
 

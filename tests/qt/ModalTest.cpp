@@ -5,8 +5,8 @@
 #include <QScreen>
 #include <QTimer>
 
+#include "testkit/TemporaryDirectory.h"
 #include "tests/qt/QtTest.h"
-#include "tests/support/TemporaryDirectory.h"
 #include "toolkit/save_dialog.h"
 
 using namespace ::testing;

@@ -6,8 +6,8 @@
 
 #include "frame/slots.h"
 #include "pages/jStatusPage.h"
+#include "testkit/RecordingHost.h"
 #include "tests/qt/QtTest.h"
-#include "tests/support/RecordingHost.h"
 
 namespace {
 

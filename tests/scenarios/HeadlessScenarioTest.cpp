@@ -1,8 +1,8 @@
 // The stories on the headless display.
 
+#include "testkit/TemporaryDirectory.h"
 #include "tests/scenarios/Scenarios.h"
 #include "tests/support/Session.h"
-#include "tests/support/TemporaryDirectory.h"
 
 namespace {
 

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "testkit/RecordingHost.h"
 #include "tests/scenarios/User.h"
-#include "tests/support/RecordingHost.h"
 
 struct Scenario {
     const char* name;

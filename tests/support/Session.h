@@ -8,7 +8,7 @@
 #include "frame/interfaces/IOrnAPIBase.h"
 #include "frame/slots.h"
 #include "settings/jTraceSettings.h"
-#include "tests/support/RecordingHost.h"
+#include "testkit/RecordingHost.h"
 #include "toolkit/CWinApp.h"
 #include "toolkit/headless/HeadlessDisplay.h"
 

@@ -10,7 +10,7 @@
 #include <sstream>
 
 #include "platform/paths.h"
-#include "tests/support/TemporaryDirectory.h"
+#include "testkit/TemporaryDirectory.h"
 #include "text/jString.h"
 #include "text/shown_text.h"
 #include "text/text_tools.h"

@@ -9,8 +9,8 @@
 #include <random>
 
 #include "frame/interfaces/IOrnKVETMSupp.h"
+#include "testkit/TemporaryDirectory.h"
 #include "tests/support/Session.h"
-#include "tests/support/TemporaryDirectory.h"
 
 namespace {
 

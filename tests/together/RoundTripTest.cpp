@@ -8,7 +8,7 @@
 
 #include "frame/slots.h"
 #include "host/module_session.h"
-#include "tests/support/TemporaryDirectory.h"
+#include "testkit/TemporaryDirectory.h"
 #include "toolkit/CWinApp.h"
 #include "toolkit/headless/HeadlessDisplay.h"
 

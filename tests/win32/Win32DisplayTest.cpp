@@ -5,8 +5,8 @@
 
 #include "toolkit/constants.h"
 
+#include "testkit/TemporaryDirectory.h"
 #include "tests/module/LoadedModule.h"
-#include "tests/support/TemporaryDirectory.h"
 #include "tests/win32/Win32User.h"
 
 #include <commctrl.h>

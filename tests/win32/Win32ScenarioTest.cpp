@@ -2,9 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include "testkit/TemporaryDirectory.h"
 #include "tests/module/LoadedModule.h"
 #include "tests/scenarios/Scenarios.h"
-#include "tests/support/TemporaryDirectory.h"
 #include "tests/win32/Win32User.h"
 
 namespace {

@@ -1,4 +1,4 @@
-#include "tests/support/RecordingHost.h"
+#include "testkit/RecordingHost.h"
 
 #include <cstdio>
 #include <cstring>

@@ -24,22 +24,7 @@
 #include "frame/interfaces/IOrnVETMTrace.h"
 #include "frame/interfaces/IOrnXTrace.h"
 #include "frame/interfaces/IOrnXTraceClient.h"
-
-/// The six identity operations of a host object.
-template <class Interface> class HostObject : public Interface {
-public:
-    explicit HostObject(const char* name, int32_t version = 120)
-        : m_Name(name), m_Version(version) {}
-    const char* GetInterfaceName() override { return m_Name; }
-    int32_t GetInterfaceVersion() override { return m_Version; }
-    const char* GetComponentName() override { return "RecordingHost"; }
-    int32_t GetComponentVersion() override { return 1; }
-    IOrnInterface* GetInterface(const char*) override { return nullptr; }
-    void ReleaseInterface(IOrnInterface*) override {}
-
-    const char* m_Name;
-    int32_t m_Version;
-};
+#include "testkit/HostObject.h"
 
 class RecordingHost {
 public:
@@ -88,7 +73,7 @@ public:
     // --- The interfaces ---------------------------------------------------------------
 
     struct Trace final : HostObject<IOrnVETMTrace> {
-        explicit Trace(RecordingHost& host) : HostObject("IOrnVETMTrace"), m_Host(host) {}
+        explicit Trace(RecordingHost& host) : HostObject(ORN_VETM_TRACE), m_Host(host) {}
         const char* Command(const char* text, std::ostream* stream) override;
         const char* GetInfoText(uint32_t which) override {
             m_Host.Record("GetInfoText(" + std::to_string(which) + ")");
@@ -123,7 +108,7 @@ public:
     };
     struct XTraceClient final : HostObject<IOrnXTraceClient> {
         explicit XTraceClient(RecordingHost& host)
-            : HostObject("IOrnXTraceClient", 111), m_Host(host) {}
+            : HostObject(ORN_XTRACE_CLIENT, ORN_VERSION_WITH_HAS_COMMAND), m_Host(host) {}
         OrnBool HasCommand(const char* name) override {
             m_Host.Record(std::string("HasCommand(") + name + ")");
             return m_Host.offersExecuteCmd;
@@ -138,17 +123,17 @@ public:
         RecordingHost& m_Host;
     };
     struct TraceClient final : HostObject<IOrnTraceClient> {
-        explicit TraceClient(RecordingHost& host) : HostObject("IOrnTraceClient"), m_Host(host) {}
+        explicit TraceClient(RecordingHost& host) : HostObject(ORN_TRACE_CLIENT), m_Host(host) {}
         OrnBool Action(const char* action, const char* argument) override;
         RecordingHost& m_Host;
     };
 
-    HostObject<IOrnAPI> api{"IOrnAPI"};
+    HostObject<IOrnAPI> api{ORN_API};
     Trace trace{*this};
     TraceClient traceClient{*this};
     XTraceClient xTraceClient{*this};
-    HostObject<IOrnXTrace> xTrace{"IOrnXTrace"};
-    HostObject<IOrnEmu> emu{"IOrnEmu"};
+    HostObject<IOrnXTrace> xTrace{ORN_XTRACE};
+    HostObject<IOrnEmu> emu{ORN_EMU};
 
     std::vector<std::string> calls;
     /// Runs behind each recorded call, inside the module's call.
