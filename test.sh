@@ -21,8 +21,9 @@ stage "packages"
 . tools/packages.sh
 tools/install-packages "${BUILD_PACKAGES[@]}" "${TEST_PACKAGES[@]}" "${BENCH_PACKAGES[@]}"
 
-stage "format"
+stage "format and rooms"
 git ls-files '*.cpp' '*.h' | xargs -r clang-format --dry-run -Werror
+tools/check-rooms
 
 stage "g++: build and test"
 cmake --preset dev >/dev/null

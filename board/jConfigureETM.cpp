@@ -33,9 +33,9 @@ constexpr jConfigureETM::SettingRow jConfigureETM::s_Settings[7] = {
 
 void jConfigureETM::OnNotify(Notification& notification) {
     static constexpr MessageRow<jConfigureETM> rows[] = {
-        {1078, Event::SelectionChanged, &jConfigureETM::OnSelchangeBoardFile},
-        {1082, Event::Clicked, &jConfigureETM::OnCreateBoardFile},
-        {1056, Event::Clicked, &jConfigureETM::OnRestoreDefaults},
+        {1078, Event::SelectionChanged, &jConfigureETM::OnSelchangeBoardFile}, // Board File
+        {1082, Event::Clicked, &jConfigureETM::OnCreateBoardFile}, // Create New Board File
+        {1056, Event::Clicked, &jConfigureETM::OnRestoreDefaults}, // Restore Defaults
     };
     Dispatch(*this, rows, notification);
 }
@@ -48,20 +48,20 @@ jConfigureETM::~jConfigureETM() = default;
 
 void jConfigureETM::DoDataExchange(CDataExchange& exchange) {
     DDX_Control(exchange, 1065, m_PortSizeCombo);
-    DDX_CBIndex(exchange, 1065, m_PortSizeSel);
+    DDX_CBIndex(exchange, 1065, m_PortSizeSel); // Trace Port Size
     DDX_Control(exchange, 1068, m_PortModeCombo);
-    DDX_CBIndex(exchange, 1068, m_PortModeSel);
+    DDX_CBIndex(exchange, 1068, m_PortModeSel); // Trace Port Mode
     DDX_Control(exchange, 1078, m_BoardCombo);
-    DDX_CBIndex(exchange, 1078, m_BoardSel);
+    DDX_CBIndex(exchange, 1078, m_BoardSel); // Board File
     DDX_Control(exchange, 1080, m_CommandsEdit);
-    DDX_Text(exchange, 1080, m_Commands);
+    DDX_Text(exchange, 1080, m_Commands); // Board File Commands
     DDX_Control(exchange, 1070, m_CprtCombo);
-    DDX_CBIndex(exchange, 1070, m_CprtSel);
+    DDX_CBIndex(exchange, 1070, m_CprtSel); // CPRT mode, hidden
     DDX_Control(exchange, 1072, m_ContextIdCombo);
-    DDX_CBIndex(exchange, 1072, m_ContextIdSel);
-    DDX_Check(exchange, 1066, m_BranchOutputCheck);
-    DDX_Check(exchange, 1055, m_CycleAccurateCheck);
-    DDX_Check(exchange, 1060, m_StallCheck);
+    DDX_CBIndex(exchange, 1072, m_ContextIdSel);     // Context ID size, hidden
+    DDX_Check(exchange, 1066, m_BranchOutputCheck);  // Output All Branch Addresses, hidden
+    DDX_Check(exchange, 1055, m_CycleAccurateCheck); // Cycle Accurate Tracing, hidden
+    DDX_Check(exchange, 1060, m_StallCheck);         // Stall Processor, hidden
 }
 
 bool jConfigureETM::OnInitDialog() {

@@ -1,5 +1,6 @@
 #include "board/jSaveFileDialog.h"
 
+#include <cstring>
 #include <string>
 
 #include "toolkit/constants.h"
@@ -18,10 +19,13 @@ bool HasNewRecord() {
 
 jSaveFileDialog::jSaveFileDialog(CWnd* owner, const char* const* filters,
                                  const char* initialDirectory) {
+    SaveFileRecord record;
+    // Whoever asks adds the extension of the only filter.
+    const char* const pattern = filters[0] != nullptr && filters[2] == nullptr ? filters[1] : "";
+    if (std::strncmp(pattern, "*.", 2) == 0) record.extensionToCome = pattern + 2;
+
     std::string filterText; // its own terminator is the second NUL at the end
     for (; *filters != nullptr; ++filters) filterText.append(*filters).push_back('\0');
-
-    SaveFileRecord record;
     record.structSize = 76;
     record.owner = owner;
     record.filter = filterText.c_str();

@@ -12,7 +12,8 @@ class CWnd;
 class jSaveFileDialog {
 public:
     /// Shows `initialDirectory`. `filters` is a null-terminated array of texts, in
-    /// pairs of description and pattern.
+    /// pairs of description and pattern. With one pair, whose pattern is "*." and an
+    /// extension, the dialog asks about the file that a name will be with it added.
     jSaveFileDialog(CWnd* owner, const char* const* filters, const char* initialDirectory);
 
     char FileName[260] = {}; // full path

@@ -148,7 +148,7 @@ const char* jKVETMCtrl::GetComponentName() {
     return "KVETMControl";
 }
 int32_t jKVETMCtrl::GetComponentVersion() {
-    return 107;
+    return KVETM_COMPONENT_VERSION;
 }
 
 IOrnInterface* jKVETMCtrl::GetInterface(const char* name) {

@@ -74,34 +74,34 @@ jControlPage::~jControlPage() {
 
 void jControlPage::DoDataExchange(CDataExchange& exchange) {
     DDX_Control(exchange, 1007, m_Slider);
-    DDX_Check(exchange, 1000, m_Enable);
-    DDX_Check(exchange, 1002, m_Accumulate);
-    DDX_Check(exchange, 1009, m_ManualMode);
-    DDX_Check(exchange, 1004, m_TriggerPin);
-    DDX_Check(exchange, 1005, m_TriggerOnAddress);
-    DDX_Radio(exchange, 1061, m_StopMode);
-    DDX_Text(exchange, 1008, m_TriggerPositionText);
-    DDX_Text(exchange, 1077, m_TriggerAddressText);
+    DDX_Check(exchange, 1000, m_Enable);             // Enable ETM
+    DDX_Check(exchange, 1002, m_Accumulate);         // Accumulate
+    DDX_Check(exchange, 1009, m_ManualMode);         // Manual Start/Stop
+    DDX_Check(exchange, 1004, m_TriggerPin);         // Observe External Trigger Pin
+    DDX_Check(exchange, 1005, m_TriggerOnAddress);   // ETM Trigger on Address
+    DDX_Radio(exchange, 1061, m_StopMode);           // Stop Trace Capture
+    DDX_Text(exchange, 1008, m_TriggerPositionText); // position: edit
+    DDX_Text(exchange, 1077, m_TriggerAddressText);  // the address
 }
 
 void jControlPage::OnNotify(Notification& notification) {
     // No row for a change of 1077: typing an address alone does not call for Apply.
     static constexpr MessageRow<jControlPage> rows[] = {
-        {1000, Event::Clicked, &jControlPage::OnEnableEtm},
-        {1061, Event::Clicked, &jControlPage::OnStopModeChanged},
-        {1034, Event::Clicked, &jControlPage::OnStopModeChanged},
-        {1035, Event::Clicked, &jControlPage::OnStopModeChanged},
-        {1002, Event::Clicked, &jControlPage::OnAccumulate},
-        {1009, Event::Clicked, &jControlPage::OnManualMode},
-        {1004, Event::Clicked, &jControlPage::OnTriggerPin},
-        {1005, Event::Clicked, &jControlPage::OnTriggerOnAddress},
-        {1029, Event::Clicked, &jControlPage::OnConfigure},
-        {1030, Event::Clicked, &jControlPage::OnStart},
-        {1031, Event::Clicked, &jControlPage::OnStop},
-        {1006, Event::Clicked, &jControlPage::OnTriggerNow},
-        {1007, Event::CustomDraw, &jControlPage::OnSliderCustomDraw},
-        {1007, Event::ReleasedCapture, &jControlPage::OnSliderChanged},
-        {1008, Event::TextChanged, &jControlPage::OnPositionEditChanged},
+        {1000, Event::Clicked, &jControlPage::OnEnableEtm},        // Enable ETM
+        {1061, Event::Clicked, &jControlPage::OnStopModeChanged},  // stop only with the processor
+        {1034, Event::Clicked, &jControlPage::OnStopModeChanged},  // when the buffer is full
+        {1035, Event::Clicked, &jControlPage::OnStopModeChanged},  // after the trigger
+        {1002, Event::Clicked, &jControlPage::OnAccumulate},       // Accumulate
+        {1009, Event::Clicked, &jControlPage::OnManualMode},       // Manual Start/Stop
+        {1004, Event::Clicked, &jControlPage::OnTriggerPin},       // Observe External Trigger Pin
+        {1005, Event::Clicked, &jControlPage::OnTriggerOnAddress}, // ETM Trigger on Address
+        {1029, Event::Clicked, &jControlPage::OnConfigure},        // Configure ETM ...
+        {1030, Event::Clicked, &jControlPage::OnStart},            // Start
+        {1031, Event::Clicked, &jControlPage::OnStop},             // Stop
+        {1006, Event::Clicked, &jControlPage::OnTriggerNow},       // Trigger Now
+        {1007, Event::CustomDraw, &jControlPage::OnSliderCustomDraw},     // position: slider
+        {1007, Event::ReleasedCapture, &jControlPage::OnSliderChanged},   // position: slider
+        {1008, Event::TextChanged, &jControlPage::OnPositionEditChanged}, // position: edit
     };
     Dispatch(*this, rows, notification);
 }

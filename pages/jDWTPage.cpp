@@ -10,8 +10,8 @@ constexpr auto StartsOnEvent = [](const int32_t& mode) { return mode == 2 || mod
 constexpr auto StopsOnEvent = [](const int32_t& mode) { return mode == 3 || mode == 4; };
 
 constexpr EnableRule<int32_t> kRules[] = {
-    {1018, StartsOnEvent},
-    {1019, StopsOnEvent},
+    {1018, StartsOnEvent}, // Begin
+    {1019, StopsOnEvent},  // End
 };
 
 } // namespace
@@ -19,9 +19,9 @@ constexpr EnableRule<int32_t> kRules[] = {
 jDWTPage::jDWTPage() : CPropertyPage(1002) {}
 
 void jDWTPage::DoDataExchange(CDataExchange& exchange) {
-    DDX_Radio(exchange, 1014, m_PcTraceMode);
-    DDX_CBIndex(exchange, 1018, m_BeginComparator);
-    DDX_CBIndex(exchange, 1019, m_EndComparator);
+    DDX_Radio(exchange, 1014, m_PcTraceMode);       // PC Tracing Mode
+    DDX_CBIndex(exchange, 1018, m_BeginComparator); // Begin
+    DDX_CBIndex(exchange, 1019, m_EndComparator);   // End
 }
 
 bool jDWTPage::OnInitDialog() {
@@ -45,11 +45,11 @@ bool jDWTPage::OnKillActive() {
 
 void jDWTPage::OnNotify(Notification& notification) {
     static constexpr MessageRow<jDWTPage> rows[] = {
-        {1014, Event::Clicked, &jDWTPage::OnPcTraceModeChanged},
-        {1012, Event::Clicked, &jDWTPage::OnPcTraceModeChanged},
-        {1013, Event::Clicked, &jDWTPage::OnPcTraceModeChanged},
-        {1016, Event::Clicked, &jDWTPage::OnPcTraceModeChanged},
-        {1015, Event::Clicked, &jDWTPage::OnPcTraceModeChanged},
+        {1014, Event::Clicked, &jDWTPage::OnPcTraceModeChanged}, // No PC Trace
+        {1012, Event::Clicked, &jDWTPage::OnPcTraceModeChanged}, // Complete
+        {1013, Event::Clicked, &jDWTPage::OnPcTraceModeChanged}, // Start on Event
+        {1016, Event::Clicked, &jDWTPage::OnPcTraceModeChanged}, // Stop on Event
+        {1015, Event::Clicked, &jDWTPage::OnPcTraceModeChanged}, // Start/Stop
     };
     Dispatch(*this, rows, notification);
 }

@@ -28,9 +28,9 @@ TextMeasure MeasureOf(const CWnd* control) {
 jStatusPage::jStatusPage() : CPropertyPage(106) {}
 
 void jStatusPage::DoDataExchange(CDataExchange& exchange) {
-    DDX_Text(exchange, 1038, m_InfoText);
-    DDX_Text(exchange, 1063, m_ResourcesText);
-    DDX_Check(exchange, 1064, m_HiddenCheck);
+    DDX_Text(exchange, 1038, m_InfoText);      // Emulator/ETB Info
+    DDX_Text(exchange, 1063, m_ResourcesText); // ETM Resources
+    DDX_Check(exchange, 1064, m_HiddenCheck);  // out of sight
 }
 
 bool jStatusPage::OnInitDialog() {

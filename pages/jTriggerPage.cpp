@@ -74,16 +74,16 @@ constexpr auto CanLimit = [](const Selection& s) { return s.pairs && s.data; };
 constexpr auto NeedsDataRange = [](const Selection& s) { return s.data && s.limitToRange; };
 
 constexpr EnableRule<Selection> kPcModeRules[] = {
-    {1018, NeedsPcBegin},
-    {1019, NeedsPcEnd},
-    {1023, Advanced},
+    {1018, NeedsPcBegin}, // PC: Begin
+    {1019, NeedsPcEnd},   // End
+    {1023, Advanced},     // Advanced ...
 };
 constexpr int32_t kLastPcModeWithRules = PC_COMPLEX;
 
 constexpr EnableRule<Selection> kDataRules[] = {
-    {1075, CanLimit},
-    {1014, NeedsDataRange},
-    {1016, NeedsDataRange},
+    {1075, CanLimit},       // Limit to Range
+    {1014, NeedsDataRange}, // data: Begin
+    {1016, NeedsDataRange}, // End
 };
 
 } // namespace
@@ -91,32 +91,32 @@ constexpr EnableRule<Selection> kDataRules[] = {
 jTriggerPage::jTriggerPage() : CPropertyPage(108) {}
 
 void jTriggerPage::DoDataExchange(CDataExchange& exchange) {
-    DDX_Check(exchange, 1026, m_DataValues);
-    DDX_Check(exchange, 1027, m_DataAddresses);
-    DDX_Check(exchange, 1075, m_LimitToRange);
-    DDX_Text(exchange, 1014, m_DataBeginText);
-    DDX_Text(exchange, 1016, m_DataEndText);
-    DDX_Text(exchange, 1018, m_PcBeginText);
-    DDX_Text(exchange, 1019, m_PcEndText);
-    DDX_Radio(exchange, 1030, m_PcMode);
+    DDX_Check(exchange, 1026, m_DataValues);    // Capture Data Values
+    DDX_Check(exchange, 1027, m_DataAddresses); // Capture Data Addresses
+    DDX_Check(exchange, 1075, m_LimitToRange);  // Limit to Range
+    DDX_Text(exchange, 1014, m_DataBeginText);  // data: Begin
+    DDX_Text(exchange, 1016, m_DataEndText);    // End
+    DDX_Text(exchange, 1018, m_PcBeginText);    // PC: Begin
+    DDX_Text(exchange, 1019, m_PcEndText);      // End
+    DDX_Radio(exchange, 1030, m_PcMode);        // PC Tracing Mode
 }
 
 void jTriggerPage::OnNotify(Notification& notification) {
     // No row for 1023, which is never shown.
     static constexpr MessageRow<jTriggerPage> rows[] = {
-        {1030, Event::Clicked, &jTriggerPage::OnTraceOptionChanged},
-        {1012, Event::Clicked, &jTriggerPage::OnTraceOptionChanged},
-        {1013, Event::Clicked, &jTriggerPage::OnTraceOptionChanged},
-        {1015, Event::Clicked, &jTriggerPage::OnTraceOptionChanged},
-        {1017, Event::Clicked, &jTriggerPage::OnTraceOptionChanged},
-        {1022, Event::Clicked, &jTriggerPage::OnTraceOptionChanged},
-        {1026, Event::Clicked, &jTriggerPage::OnTraceOptionChanged},
-        {1027, Event::Clicked, &jTriggerPage::OnTraceOptionChanged},
-        {1075, Event::Clicked, &jTriggerPage::OnTraceOptionChanged},
-        {1014, Event::TextChanged, &jTriggerPage::OnAddressEditChanged},
-        {1016, Event::TextChanged, &jTriggerPage::OnAddressEditChanged},
-        {1018, Event::TextChanged, &jTriggerPage::OnAddressEditChanged},
-        {1019, Event::TextChanged, &jTriggerPage::OnAddressEditChanged},
+        {1030, Event::Clicked, &jTriggerPage::OnTraceOptionChanged},     // PC: none
+        {1012, Event::Clicked, &jTriggerPage::OnTraceOptionChanged},     // complete
+        {1013, Event::Clicked, &jTriggerPage::OnTraceOptionChanged},     // start at an address
+        {1015, Event::Clicked, &jTriggerPage::OnTraceOptionChanged},     // start and stop
+        {1017, Event::Clicked, &jTriggerPage::OnTraceOptionChanged},     // within a range
+        {1022, Event::Clicked, &jTriggerPage::OnTraceOptionChanged},     // advanced
+        {1026, Event::Clicked, &jTriggerPage::OnTraceOptionChanged},     // Capture Data Values
+        {1027, Event::Clicked, &jTriggerPage::OnTraceOptionChanged},     // Capture Data Addresses
+        {1075, Event::Clicked, &jTriggerPage::OnTraceOptionChanged},     // Limit to Range
+        {1014, Event::TextChanged, &jTriggerPage::OnAddressEditChanged}, // data: Begin
+        {1016, Event::TextChanged, &jTriggerPage::OnAddressEditChanged}, // End
+        {1018, Event::TextChanged, &jTriggerPage::OnAddressEditChanged}, // PC: Begin
+        {1019, Event::TextChanged, &jTriggerPage::OnAddressEditChanged}, // End
     };
     Dispatch(*this, rows, notification);
 }

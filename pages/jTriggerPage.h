@@ -27,6 +27,7 @@ public:
 protected:
     void DoDataExchange(CDataExchange& exchange) override;
     bool OnInitDialog() override;
+    /// What OK means for a page alone. The sheet calls OnApply, whose base would come here.
     void OnOK() override;
     void OnCancel() override;
     void OnNotify(Notification& notification) override;

@@ -106,18 +106,24 @@ void CDialog::Notify(Notification& notification) {
         OnNotify(notification);
 }
 
-void CDialog::CheckRadioButton(CButton& radio) {
-    // The group runs from the last control with the group style up to the next one.
-    size_t at = 0;
-    while (at < m_Controls.size() && m_Controls[at].get() != &radio) ++at;
-    size_t first = at;
-    while (first > 0 && (m_Controls[first]->GetStyle() & style::Group) == 0) --first;
-    for (size_t i = first; i < m_Controls.size(); ++i) {
-        if (i > first && (m_Controls[i]->GetStyle() & style::Group) != 0) break;
-        if (m_Controls[i]->GetKind() != ControlKind::RadioButton) continue;
-        auto& button = static_cast<CButton&>(*m_Controls[i]);
-        button.SetCheck(&button == &radio);
+std::vector<CButton*> CDialog::GetRadioGroup(const CWnd& control) const {
+    std::vector<CButton*> group;
+    bool found = false;
+    for (const auto& next : m_Controls) {
+        if ((next->GetStyle() & style::Group) != 0) {
+            if (found) break;
+            group.clear();
+        }
+        found = found || next.get() == &control;
+        if (next->GetKind() == ControlKind::RadioButton)
+            group.push_back(static_cast<CButton*>(next.get()));
     }
+    if (!found) group.clear();
+    return group;
+}
+
+void CDialog::CheckRadioButton(CButton& radio) {
+    for (CButton* button : GetRadioGroup(radio)) button->SetCheck(button == &radio);
 }
 
 void CDialog::OnClose() {

@@ -62,6 +62,9 @@ public:
     /// The frame's close button or Escape: as if Cancel had been pressed.
     void OnClose();
 
+    /// The radio buttons of the group that `control` stands in, hidden ones too, in tab
+    /// order. A group begins at a control with the group style and ends before the next.
+    std::vector<CButton*> GetRadioGroup(const CWnd& control) const;
     /// Unchecks the other radio buttons of the group and checks this one.
     void CheckRadioButton(CButton& radio);
 

@@ -11,21 +11,17 @@ void DDX_Check(CDataExchange& exchange, int id, int32_t& value) {
 }
 
 void DDX_Radio(CDataExchange& exchange, int id, int32_t& value) {
-    const auto& controls = exchange.GetDialog().GetControls();
-    size_t at = 0;
-    while (at < controls.size() && controls[at]->GetDlgCtrlID() != id) ++at;
-    if (at == controls.size()) return;
+    const CWnd* first = exchange.GetDialog().GetDlgItem(id);
+    if (first == nullptr) return;
     if (exchange.FromControls()) value = -1;
     int32_t index = 0;
-    do {
-        if (controls[at]->GetKind() != ControlKind::RadioButton) continue;
-        auto& radio = static_cast<CButton&>(*controls[at]);
+    for (CButton* radio : exchange.GetDialog().GetRadioGroup(*first)) {
         if (!exchange.FromControls())
-            radio.SetCheck(index == value);
-        else if (radio.GetCheck())
+            radio->SetCheck(index == value);
+        else if (radio->GetCheck())
             value = index;
         ++index;
-    } while (++at < controls.size() && (controls[at]->GetStyle() & style::Group) == 0);
+    }
 }
 
 void DDX_Text(CDataExchange& exchange, int id, std::string& value) {

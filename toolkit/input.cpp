@@ -1,5 +1,7 @@
 #include "toolkit/input.h"
 
+#include <utility>
+
 #include "toolkit/CWinApp.h"
 #include "toolkit/CallDepth.h"
 #include "toolkit/focus.h"
@@ -102,6 +104,15 @@ void Slide(CSliderCtrl& slider, int position) {
 }
 
 void Paint(CSliderCtrl& slider) {
+    // A handler may change the slider, which paints it again, at once on some displays:
+    // the edit beside it follows the thumb, not itself.
+    static const CSliderCtrl* painting = nullptr;
+    if (painting == &slider) return;
+    struct Painting {
+        const CSliderCtrl* outer;
+        explicit Painting(const CSliderCtrl& now) : outer(std::exchange(painting, &now)) {}
+        ~Painting() { painting = outer; }
+    } const guard(slider);
     Handle(slider, [&] {
         auto* dialog = dynamic_cast<CDialog*>(slider.GetParent());
         if (dialog == nullptr || !slider.IsCreated() || LoopIsOver(*dialog)) return;

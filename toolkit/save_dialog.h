@@ -22,6 +22,9 @@ struct SaveFileRecord {
     const char* defaultExtension = nullptr; // null: none is added
     uint32_t flags = 0;                     // OFN_ values
     uint32_t flagsEx = 0;
+    // What the caller will add to a name without an extension, or null: the dialog adds
+    // none for it, but asks about the file that will be written.
+    const char* extensionToCome = nullptr;
 };
 
 /// Shows a directory, lets the person type or pick a name, asks before an existing

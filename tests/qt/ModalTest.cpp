@@ -63,6 +63,7 @@ protected:
         SaveFileRecord record{88, nullptr, filter, 2, file, static_cast<uint32_t>(maxFile)};
         record.initialDirectory = path.c_str();
         record.flags = OFN_OVERWRITEPROMPT;
+        record.extensionToCome = filter == kOneFilter ? "mac" : nullptr;
         EXPECT_TRUE(GetSaveFileName(record) || *file == '\0');
         return file;
     }
@@ -90,7 +91,7 @@ TEST_F(SaveDialog, ShowsBoardsAndRefusesAPathThatDoesNotFit) {
     EXPECT_EQ(Ask(kTwoFilters), "");
 }
 
-TEST_F(SaveDialog, AsksBeforeReplacingAndAddsTheExtensionOfItsOnlyFilter) {
+TEST_F(SaveDialog, AsksBeforeReplacingAndAddsTheExtensionToCome) {
     struct {
         const char *filter, *typed, *file;
         bool asks;

@@ -14,15 +14,6 @@ namespace qt {
 
 namespace {
 
-/// True once the dialog of a control, or the sheet around it, has ended.
-bool HasEnded(const CWnd& control) {
-    for (const CWnd* window = control.GetParent(); window != nullptr; window = window->GetParent())
-        if (const auto* dialog = dynamic_cast<const CDialog*>(window);
-            dialog != nullptr && dialog->HasEnded())
-            return true;
-    return false;
-}
-
 class Slider : public QSlider {
 public:
     Slider(CSliderCtrl& model, QWidget* parent) : QSlider(Qt::Horizontal, parent), m_Model(model) {
@@ -31,11 +22,7 @@ public:
 
 protected:
     void paintEvent(QPaintEvent* event) override {
-        if (!m_Reporting && !HasEnded(m_Model)) {
-            m_Reporting = true; // what the report changes is not reported again
-            input::Paint(m_Model);
-            m_Reporting = false;
-        }
+        input::Paint(m_Model);
         QSlider::paintEvent(event);
     }
 
@@ -55,7 +42,6 @@ protected:
 
 private:
     CSliderCtrl& m_Model;
-    bool m_Reporting = false;
 };
 
 class SliderPeer : public QtPeer {

@@ -3,7 +3,6 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QListView>
-#include <QRegularExpression>
 #include <cstring>
 
 #include "toolkit/constants.h"
@@ -37,17 +36,6 @@ QStringList Filters(const char* pairs) {
     return filters;
 }
 
-/// The extension that a name without one is about to get: the caller adds that of its
-/// only filter. The dialog does so first, or it would not ask about the right file.
-QString Extension(const SaveFileRecord& record, const QStringList& filters) {
-    if (record.defaultExtension != nullptr) return FromModel(record.defaultExtension);
-    if (filters.size() != 1) return {};
-    // Of the pattern: its description may be in capitals.
-    const char* pattern = record.filter + std::strlen(record.filter) + 1;
-    static const QRegularExpression oneExtension(R"(^\*\.([^*?.; )]+)$)");
-    return oneExtension.match(FromModel(pattern)).captured(1);
-}
-
 /// Copies `text` if it fits with its NUL.
 bool CopyIfItFits(char* buffer, uint32_t size, const QByteArray& text) {
     if (buffer == nullptr || static_cast<size_t>(text.size()) >= size) return false;
@@ -61,7 +49,10 @@ void SetUp(QFileDialog& dialog, const SaveFileRecord& record, const QStringList&
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setFileMode(QFileDialog::AnyFile);
     if (record.title != nullptr) dialog.setWindowTitle(FromModel(record.title));
-    dialog.setDefaultSuffix(Extension(record, filters));
+    // With the suffix the dialog asks about the right file.
+    const char* const extension =
+        record.defaultExtension != nullptr ? record.defaultExtension : record.extensionToCome;
+    if (extension != nullptr) dialog.setDefaultSuffix(FromModel(extension));
     if (!filters.isEmpty()) {
         dialog.setNameFilters(filters);
         dialog.selectNameFilter(

@@ -139,23 +139,15 @@ OPENFILENAMEA Request(HWND owner, const SaveFileRecord& record, char* file) {
     return request;
 }
 
-/// What the caller is about to add to a name without an extension: that of its only
-/// filter. Empty if the filter is another kind.
-std::string ExtensionToCome(const SaveFileRecord& record) {
-    if (record.filter == nullptr || record.defaultExtension != nullptr) return "";
-    const std::string pattern = record.filter + std::strlen(record.filter) + 1;
-    const bool only = record.filter[std::strlen(record.filter) + pattern.size() + 2] == '\0';
-    return only && pattern.starts_with("*.") ? pattern.substr(1) : "";
-}
-
 /// The system asks about the name as it was typed. Asks about the file that will be
 /// written, if that is another one.
 bool MayReplace(HWND owner, const SaveFileRecord& record, const std::string& name) {
     const size_t start = name.find_last_of("\\/") + 1;
-    if ((record.flags & OFN_OVERWRITEPROMPT) == 0 || name.find('.', start) != std::string::npos)
+    if ((record.flags & OFN_OVERWRITEPROMPT) == 0 || record.extensionToCome == nullptr ||
+        name.find('.', start) != std::string::npos)
         return true;
-    const std::string path = name + ExtensionToCome(record);
-    if (path == name || GetFileAttributesA(path.c_str()) == INVALID_FILE_ATTRIBUTES) return true;
+    const std::string path = name + '.' + record.extensionToCome;
+    if (GetFileAttributesA(path.c_str()) == INVALID_FILE_ATTRIBUTES) return true;
     const std::string question =
         path.substr(start) + " already exists.\nDo you want to replace it?";
     return ShowMessageBox(owner, question.c_str(), "Confirm Save As",
