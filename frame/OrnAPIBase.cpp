@@ -9,14 +9,17 @@
 namespace {
 
 IOrnInterface* CreateCtrl() {
-    return GuardedEntry<IOrnInterface*>(nullptr, [] { return new jKVETMCtrl; });
+    return GuardedEntry<IOrnInterface*>(
+        nullptr, [] { return new jKVETMCtrl; });
 }
 
 void DestroyCtrl(IOrnInterface* object) {
-    GuardedEntry(0, [object] {
-        jKVETMCtrl::Destroy(static_cast<jKVETMCtrl*>(object));
-        return 0;
-    });
+    GuardedEntry(
+        0,
+        [object] {
+            jKVETMCtrl::Destroy(static_cast<jKVETMCtrl*>(object));
+            return 0;
+        });
 }
 
 } // namespace
@@ -67,10 +70,12 @@ void OrnAPIBase::DestroyRowObject(int32_t row, IOrnInterface* object) {
 }
 
 void OrnAPIBase::SetModulePath(const char* path) {
-    GuardedEntry(0, [&] {
-        ModulePath = path != nullptr ? path : "";
-        return 0;
-    });
+    GuardedEntry(
+        0,
+        [&] {
+            ModulePath = path != nullptr ? path : "";
+            return 0;
+        });
 }
 
 const char* OrnAPIBase::GetModulePath() {
@@ -78,9 +83,11 @@ const char* OrnAPIBase::GetModulePath() {
 }
 
 void OrnAPIBase::SetAPI(IOrnInterface* api) {
-    GuardedEntry(0, [&] {
-        if (api == nullptr || CompareNoCase(api->GetInterfaceName(), ORN_API) == 0)
-            g_HostAPI = static_cast<IOrnAPI*>(api);
-        return 0;
-    });
+    GuardedEntry(
+        0,
+        [&] {
+            if (api == nullptr || CompareNoCase(api->GetInterfaceName(), ORN_API) == 0)
+                g_HostAPI = static_cast<IOrnAPI*>(api);
+            return 0;
+        });
 }

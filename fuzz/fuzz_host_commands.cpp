@@ -53,9 +53,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         const Refusal refusal = language.Execute(command, &stream);
         CheckRefusal(command, refusal);
         // One line, unless a board file was run, which may have gone a part of its way.
-        if (refusal && target.state.macro.empty()) {
+        if (refusal && target.state.macro.empty())
             Require(target.state == before && refusal->find('\n') == refusal->npos);
-        }
     }
     Fill(board, text);
     const std::string macro = "macro /proc/self/fd/" + std::to_string(board);

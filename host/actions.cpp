@@ -13,9 +13,7 @@ namespace {
 // Prints each line of `text` behind two blanks.
 void PrintIndented(std::ostream& out, const std::string& text) {
     std::istringstream in(text);
-    for (std::string line; std::getline(in, line);) {
-        out << "  " << line << '\n';
-    }
+    for (std::string line; std::getline(in, line);) out << "  " << line << '\n';
 }
 
 const char* DescribeState(const Capture& capture) {
@@ -25,9 +23,8 @@ const char* DescribeState(const Capture& capture) {
 } // namespace
 
 Status ShowChips(std::ostream& out) {
-    for (const Chip& chip : Chips()) {
+    for (const Chip& chip : Chips())
         out << std::left << std::setw(11) << chip.name << chip.description << '\n';
-    }
     return kDone;
 }
 
@@ -37,9 +34,7 @@ Status ShowTarget(const SimulatedHost& host, std::ostream& out) {
     out << chip.name << ": " << chip.description << "\n\nETM Resources\n";
     PrintIndented(out, CapabilityReport(chip));
     out << "\nTrace settings\n";
-    for (const std::string& line : host.target.SettingsLines()) {
-        PrintIndented(out, line);
-    }
+    for (const std::string& line : host.target.SettingsLines()) PrintIndented(out, line);
     out << "\nControl word " << Hex(state.control) << '\n';
     PrintIndented(out, DescribeControlWord(state.control));
     out << "\nCapture\n  " << DescribeState(state.capture) << ", state word "
@@ -48,11 +43,9 @@ Status ShowTarget(const SimulatedHost& host, std::ostream& out) {
         << " words to capture behind the trigger\n  " << chip.info << '\n';
     out << "\nBoard\n  trace pins are " << (state.pinsReady ? "switched on" : "off")
         << "\n  last macro: " << (state.macro.empty() ? "none" : state.macro) << '\n';
-    for (const auto& [section, keys] : host.settings) {
-        for (const auto& [key, value] : keys) {
+    for (const auto& [section, keys] : host.settings)
+        for (const auto& [key, value] : keys)
             out << "  setting " << section << '/' << key << " = " << Quote(value.c_str()) << '\n';
-        }
-    }
     return kDone;
 }
 
@@ -76,9 +69,7 @@ Status OpenDialog(ModuleSession& session, SimulatedHost& host, std::ostream& err
     host.journal.Step("Open");
     const bool shown = session.control().Open();
     host.journal.Step("Open gave " + YesNo(shown));
-    if (!shown) {
-        PrintRefusal(errors, kProgram, "the dialog did not open: " + session.LastError());
-    }
+    if (!shown) PrintRefusal(errors, kProgram, "the dialog did not open: " + session.LastError());
     return shown ? kDone : kFailed;
 }
 
@@ -109,9 +100,7 @@ Status InitBoardFile(ModuleSession& session, SimulatedHost& host, const std::str
     const std::string unopened = session.LastError();
     out << "result: " << YesNo(settled) << "\nmode: " << mode << "\nvalue: " << value
         << "\nerror: " << (unopened.empty() ? error : unopened) << '\n';
-    if (!unopened.empty()) {
-        PrintRefusal(errors, kProgram, "the dialog did not open: " + unopened);
-    }
+    if (!unopened.empty()) PrintRefusal(errors, kProgram, "the dialog did not open: " + unopened);
     return settled ? kDone : kFailed;
 }
 

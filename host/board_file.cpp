@@ -27,20 +27,15 @@ Refusal RunBoardFile(const std::string& path,
     std::error_code ignored;
     std::ifstream file;
     // Only regular files: a pipe of that name would keep the host waiting for ever.
-    if (native && std::filesystem::is_regular_file(*native, ignored)) {
+    if (native && std::filesystem::is_regular_file(*native, ignored))
         file.open(*native, std::ios::binary);
-    }
-    if (!file.is_open()) {
-        return "Cannot open macro file \"" + Escape(path) + "\"";
-    }
+    if (!file.is_open()) return "Cannot open macro file \"" + Escape(path) + "\"";
     std::string problems;
     int count = 0;
     std::string text;
     for (int number = 1; std::getline(file, text); ++number) {
         const std::string_view line = WithoutSpace(text);
-        if (line.empty() || line.front() == ';') {
-            continue;
-        }
+        if (line.empty() || line.front() == ';') continue;
         const Refusal refusal = execute(line);
         if (refusal && ++count <= kMostReports) {
             problems +=
@@ -51,9 +46,7 @@ Refusal RunBoardFile(const std::string& path,
         problems +=
             (problems.empty() ? "" : "\n") + ("Cannot read macro file \"" + Escape(path) + "\"");
     }
-    if (count > kMostReports) {
-        problems += "\nand " + std::to_string(count - kMostReports) + " more";
-    }
+    if (count > kMostReports) problems += "\nand " + std::to_string(count - kMostReports) + " more";
     return problems.empty() ? Refusal() : problems;
 }
 

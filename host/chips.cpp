@@ -38,11 +38,8 @@ std::span<const Chip> Chips() {
 }
 
 const Chip* FindChip(const std::string& name) {
-    for (const Chip& chip : kChips) {
-        if (EqualNoCase(chip.name, name)) {
-            return &chip;
-        }
-    }
+    for (const Chip& chip : kChips)
+        if (EqualNoCase(chip.name, name)) return &chip;
     return nullptr;
 }
 
@@ -79,11 +76,8 @@ EtmResources DecodeRegisters(const Chip& chip) {
 
 std::vector<uint32_t> PortSizes(const Chip& chip) {
     std::vector<uint32_t> sizes;
-    for (uint32_t bit = 0; bit < 32; ++bit) {
-        if ((chip.portSizeMask >> bit & 1) != 0) {
-            sizes.push_back(bit + 1);
-        }
-    }
+    for (uint32_t bit = 0; bit < 32; ++bit)
+        if ((chip.portSizeMask >> bit & 1) != 0) sizes.push_back(bit + 1);
     return sizes;
 }
 

@@ -30,53 +30,40 @@ Refusal ExpectEnd(std::string_view rest) {
 Refusal CommandLanguage::Execute(std::string_view text, std::ostream* stream) {
     std::string_view rest = text;
     const std::string_view word = TakeWord(rest);
-    if (EqualNoCase(word, "etm")) {
-        return Etm(rest);
-    }
-    if (EqualNoCase(word, "macro")) {
-        return Macro(rest);
-    }
+    if (EqualNoCase(word, "etm")) return Etm(rest);
+    if (EqualNoCase(word, "macro")) return Macro(rest);
     if (EqualNoCase(word, "capability") && rest.empty()) {
-        if (stream == nullptr) {
-            return "capability needs a stream to write to";
-        }
-        *stream << CapabilityReport(target_.chip()) << '\0';
+        if (stream == nullptr) return "capability needs a stream to write to";
+        *stream << CapabilityReport(m_Target.chip()) << '\0';
         return {};
     }
     const std::string_view line = Trim(text);
-    if (EqualNoCase(line, "start")) {
-        return target_.Start();
-    }
-    if (EqualNoCase(line, "stop")) {
-        return target_.Stop();
-    }
-    if (EqualNoCase(word, "trigger") && EqualNoCase(Trim(rest), "force")) {
-        return target_.ForceTrigger();
-    }
-    const uint32_t control = target_.state.control;
+    if (EqualNoCase(line, "start")) return m_Target.Start();
+    if (EqualNoCase(line, "stop")) return m_Target.Stop();
+    if (EqualNoCase(word, "trigger") && EqualNoCase(Trim(rest), "force"))
+        return m_Target.ForceTrigger();
+    const uint32_t control = m_Target.state.control;
     if (EqualNoCase(line, "enable")) {
-        target_.SetControl(control | ORN_CONTROL_ENABLE);
+        m_Target.SetControl(control | ORN_CONTROL_ENABLE);
         return {};
     }
     if (EqualNoCase(line, "disable")) {
-        target_.SetControl(control & ~ORN_CONTROL_ENABLE);
+        m_Target.SetControl(control & ~ORN_CONTROL_ENABLE);
         return {};
     }
     return UnknownCommand(line);
 }
 
 Refusal CommandLanguage::Macro(std::string_view value) {
-    if (value.empty()) {
-        value = ORN_BOARD_NONE;
-    }
+    if (value.empty()) value = ORN_BOARD_NONE;
     if (EqualNoCase(value, ORN_BOARD_NONE) || EqualNoCase(value, ORN_BOARD_STARTUP)) {
-        target_.state.pinsReady = EqualNoCase(value, ORN_BOARD_STARTUP);
-        target_.state.macro = value;
+        m_Target.state.pinsReady = EqualNoCase(value, ORN_BOARD_STARTUP);
+        m_Target.state.macro = value;
         return {};
     }
-    target_.state.pinsReady = false;
-    target_.state.macro = value;
-    return RunBoardFile(target_.state.macro,
+    m_Target.state.pinsReady = false;
+    m_Target.state.macro = value;
+    return RunBoardFile(m_Target.state.macro,
                         [this](std::string_view line) { return BoardLine(line); });
 }
 
@@ -86,25 +73,20 @@ Refusal CommandLanguage::BoardLine(std::string_view line) {
     if (EqualNoCase(word, "trace")) {
         std::string_view behind = rest;
         const std::string_view verb = TakeWord(behind);
-        if (EqualNoCase(verb, "etm")) {
-            return Etm(behind);
-        }
+        if (EqualNoCase(verb, "etm")) return Etm(behind);
         if (EqualNoCase(rest, "clear")) {
-            target_.state.capture.captured = 0;
+            m_Target.state.capture.captured = 0;
             return {};
         }
         if (EqualNoCase(rest, "enable")) {
-            target_.state.pinsReady = true;
+            m_Target.state.pinsReady = true;
             return {};
         }
-        if (EqualNoCase(rest, "update")) {
+        if (EqualNoCase(rest, "update"))
             return {}; // the simulated target takes each setting at once
-        }
         return UnknownCommand(line);
     }
-    if (EqualNoCase(word, "mem_init")) {
-        return CheckAddress(rest);
-    }
+    if (EqualNoCase(word, "mem_init")) return CheckAddress(rest);
     if (EqualNoCase(word, "mem_write")) {
         const Refusal address = CheckAddress(TakeWord(rest));
         return address ? address : CheckAddress(rest);
@@ -115,60 +97,41 @@ Refusal CommandLanguage::BoardLine(std::string_view line) {
 Refusal CommandLanguage::Etm(std::string_view text) {
     std::string_view rest = text;
     const std::string_view key = TakeWord(rest, "=");
-    if (EqualNoCase(key, "trigger")) {
-        return Trigger(rest);
-    }
+    if (EqualNoCase(key, "trigger")) return Trigger(rest);
     if (EqualNoCase(key, "complex")) {
-        if (const Refusal refusal = ExpectEnd(rest)) {
-            return refusal;
-        }
-        target_.state.trace.pc = PcTrace::Complex;
+        if (const Refusal refusal = ExpectEnd(rest)) return refusal;
+        m_Target.state.trace.pc = PcTrace::Complex;
         return {};
     }
-    if (rest.empty() || rest.front() != '=') {
-        return UnknownCommand("etm " + std::string(text));
-    }
+    if (rest.empty() || rest.front() != '=') return UnknownCommand("etm " + std::string(text));
     rest.remove_prefix(1);
     const std::string_view value = Trim(rest);
     const std::string_view word = TakeWord(rest);
-    if (EqualNoCase(key, "pc")) {
-        return Pc(word, rest);
-    }
-    if (EqualNoCase(key, "data")) {
-        return Data(word, rest);
-    }
-    if (EqualNoCase(key, "portsize")) {
-        return PortSize(value);
-    }
-    if (EqualNoCase(key, "halfrate")) {
-        return HalfRate(value);
-    }
+    if (EqualNoCase(key, "pc")) return Pc(word, rest);
+    if (EqualNoCase(key, "data")) return Data(word, rest);
+    if (EqualNoCase(key, "portsize")) return PortSize(value);
+    if (EqualNoCase(key, "halfrate")) return HalfRate(value);
     return UnknownCommand("etm " + std::string(text));
 }
 
 Refusal CommandLanguage::Pc(std::string_view word, std::string_view address) {
-    TraceSettings& trace = target_.state.trace;
+    TraceSettings& trace = m_Target.state.trace;
     if (EqualNoCase(word, "none") || EqualNoCase(word, "all")) {
-        if (const Refusal refusal = ExpectEnd(address)) {
-            return refusal;
-        }
+        if (const Refusal refusal = ExpectEnd(address)) return refusal;
         trace.pc = EqualNoCase(word, "all") ? PcTrace::All : PcTrace::None;
         return {};
     }
     const bool start = EqualNoCase(word, "start");
     const bool from = EqualNoCase(word, "from");
     const bool range = from || EqualNoCase(word, "to");
-    if (!start && !range && !EqualNoCase(word, "stop")) {
+    if (!start && !range && !EqualNoCase(word, "stop"))
         return "Unknown PC trace mode " + Quoted(word);
-    }
-    const EtmResources& etm = target_.etm();
+    const EtmResources& etm = m_Target.etm();
     const bool comparators = etm.addressPairs > 0 && etm.archMajor * 10 + etm.archMinor >= 12;
-    if (!comparators && (range || !target_.chip().cortexM3)) {
+    if (!comparators && (range || !m_Target.chip().cortexM3))
         return "This chip cannot limit PC trace by addresses";
-    }
-    if (const Refusal refusal = comparators ? CheckAddress(address) : CheckComparator(address)) {
+    if (const Refusal refusal = comparators ? CheckAddress(address) : CheckComparator(address))
         return refusal;
-    }
     const PcTrace mode = range ? PcTrace::Range : PcTrace::StartStop;
     // "start" alone traces from there on, so it takes back a stop; "stop", "from" and "to" join the
     // other address of their own mode.
@@ -182,47 +145,33 @@ Refusal CommandLanguage::Pc(std::string_view word, std::string_view address) {
 }
 
 Refusal CommandLanguage::Data(std::string_view word, std::string_view address) {
-    TraceSettings& trace = target_.state.trace;
-    const EtmResources& etm = target_.etm();
+    TraceSettings& trace = m_Target.state.trace;
+    const EtmResources& etm = m_Target.etm();
     constexpr DataTrace kKinds[] = {DataTrace::None, DataTrace::Addresses, DataTrace::Values,
                                     DataTrace::All};
     for (const DataTrace kind : kKinds) {
-        if (!EqualNoCase(word, DataTraceName(kind))) {
-            continue;
-        }
-        if (const Refusal refusal = ExpectEnd(address)) {
-            return refusal;
-        }
-        if (kind != DataTrace::None && etm.dataComparators == 0 && etm.addressPairs == 0) {
+        if (!EqualNoCase(word, DataTraceName(kind))) continue;
+        if (const Refusal refusal = ExpectEnd(address)) return refusal;
+        if (kind != DataTrace::None && etm.dataComparators == 0 && etm.addressPairs == 0)
             return "This chip has no data trace";
-        }
         trace.data = kind; // the kind stands for all data until a range follows
         trace.dataBegin.clear();
         trace.dataEnd.clear();
         return {};
     }
     const bool from = EqualNoCase(word, "from");
-    if (!from && !EqualNoCase(word, "to")) {
-        return "Unknown data trace mode " + Quoted(word);
-    }
-    if (etm.addressPairs == 0) {
-        return "This chip has no address comparators for a data range";
-    }
-    if (const Refusal refusal = CheckAddress(address)) {
-        return refusal;
-    }
+    if (!from && !EqualNoCase(word, "to")) return "Unknown data trace mode " + Quoted(word);
+    if (etm.addressPairs == 0) return "This chip has no address comparators for a data range";
+    if (const Refusal refusal = CheckAddress(address)) return refusal;
     (from ? trace.dataBegin : trace.dataEnd) = address;
     return {};
 }
 
 Refusal CommandLanguage::Trigger(std::string_view address) {
-    if (target_.etm().addressPairs == 0) {
+    if (m_Target.etm().addressPairs == 0)
         return "This chip has no address comparators for a trigger";
-    }
-    if (const Refusal refusal = CheckAddress(address)) {
-        return refusal;
-    }
-    target_.state.trace.trigger = address;
+    if (const Refusal refusal = CheckAddress(address)) return refusal;
+    m_Target.state.trace.trigger = address;
     return {};
 }
 
@@ -230,12 +179,10 @@ Refusal CommandLanguage::PortSize(std::string_view value) {
     uint32_t size = 0;
     const char* end = value.data() + value.size();
     const auto [last, error] = std::from_chars(value.data(), end, size);
-    if (error != std::errc() || last != end) {
-        return "Port size expected, not " + Quoted(value);
-    }
-    for (const uint32_t width : PortSizes(target_.chip())) {
+    if (error != std::errc() || last != end) return "Port size expected, not " + Quoted(value);
+    for (const uint32_t width : PortSizes(m_Target.chip())) {
         if (width == size) {
-            target_.state.trace.portSize = size;
+            m_Target.state.trace.portSize = size;
             return {};
         }
     }
@@ -244,23 +191,20 @@ Refusal CommandLanguage::PortSize(std::string_view value) {
 
 Refusal CommandLanguage::HalfRate(std::string_view value) {
     const bool on = EqualNoCase(value, "on");
-    if (!on && !EqualNoCase(value, "off")) {
+    if (!on && !EqualNoCase(value, "off"))
         return "\"on\" or \"off\" expected, not " + Quoted(value);
-    }
-    if (on && !target_.etm().halfRate) {
-        return "This chip has no half-rate clocking";
-    }
-    target_.state.trace.halfRate = on;
+    if (on && !m_Target.etm().halfRate) return "This chip has no half-rate clocking";
+    m_Target.state.trace.halfRate = on;
     return {};
 }
 
 Refusal CommandLanguage::CheckAddress(std::string_view address) const {
-    const Evaluation result = Evaluate(address, symbols_);
+    const Evaluation result = Evaluate(address, m_Symbols);
     return result.error.empty() ? Refusal() : "Bad address: " + result.ErrorText();
 }
 
 Refusal CommandLanguage::CheckComparator(std::string_view address) const {
-    const Evaluation result = Evaluate(address, symbols_);
+    const Evaluation result = Evaluate(address, m_Symbols);
     return result.error.empty() && result.value <= 3
                ? Refusal()
                : "DWT comparator 0 to 3 expected, not " + Quoted(address);

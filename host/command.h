@@ -32,7 +32,8 @@ namespace etmhost {
 class CommandLanguage {
 public:
     /// `target` and `symbols` must outlive the object.
-    CommandLanguage(Target& target, const Symbols& symbols) : target_(target), symbols_(symbols) {}
+    CommandLanguage(Target& target, const Symbols& symbols)
+        : m_Target(target), m_Symbols(symbols) {}
 
     /// Carries out `text`. `stream` receives the report of "capability" with a NUL behind it; all
     /// other commands leave it alone, and "capability" is refused without one.
@@ -50,8 +51,8 @@ private:
     Refusal CheckAddress(std::string_view address) const;
     Refusal CheckComparator(std::string_view address) const;
 
-    Target& target_;
-    const Symbols& symbols_;
+    Target& m_Target;
+    const Symbols& m_Symbols;
 };
 
 } // namespace etmhost

@@ -18,79 +18,71 @@ const char* OrEmpty(const char* text) {
 
 HostVETMTrace::HostVETMTrace(Target& target, const Symbols& symbols, const Transaction& transaction,
                              Journal& journal)
-    : JournalledObject(ORN_VETM_TRACE, 100, journal), target_(target), transaction_(transaction),
-      language_(target, symbols) {}
+    : JournalledObject(ORN_VETM_TRACE, 100, journal), m_Target(target), m_Transaction(transaction),
+      m_Language(target, symbols) {}
 
 const char* HostVETMTrace::Command(const char* text, std::ostream* stream) {
     Refusal refusal;
-    transaction_([&] { refusal = language_.Execute(OrEmpty(text), stream); });
-    refusal_ = refusal.value_or("");
-    journal_.Call("Command " + Quote(text), refusal ? Quote(refusal_.c_str()) : "ok");
-    if (!refusal) {
-        return nullptr;
-    }
-    journal_.Refused(OrEmpty(text), refusal_);
-    return refusal_.c_str();
+    m_Transaction([&] { refusal = m_Language.Execute(OrEmpty(text), stream); });
+    m_Refusal = refusal.value_or("");
+    m_Journal.Call("Command " + Quote(text), refusal ? Quote(m_Refusal.c_str()) : "ok");
+    if (!refusal) return nullptr;
+    m_Journal.Refused(OrEmpty(text), m_Refusal);
+    return m_Refusal.c_str();
 }
 
 const char* HostVETMTrace::GetInfoText(uint32_t which) {
-    const char* text = which == 0 ? target_.chip().info : nullptr;
-    journal_.Call("GetInfoText " + std::to_string(which), Quote(text));
+    const char* text = which == 0 ? m_Target.chip().info : nullptr;
+    m_Journal.Call("GetInfoText " + std::to_string(which), Quote(text));
     return text;
 }
 
 uint32_t HostVETMTrace::GetTraceState(uint32_t* detail) {
-    transaction_([this] { target_.Step(); });
-    const uint32_t state = target_.StateWord();
-    if (detail != nullptr) {
-        *detail = target_.state.capture.captured;
-    }
+    m_Transaction([this] { m_Target.Step(); });
+    const uint32_t state = m_Target.StateWord();
+    if (detail != nullptr) *detail = m_Target.state.capture.captured;
     // The dialog polls by its clock. Only news goes into the journal, so that it does not depend on
     // how fast the machine and its user are.
-    if (!stateKnown_ || state != lastState_) {
-        journal_.Call("GetTraceState", Hex(state));
-    }
-    stateKnown_ = true;
-    lastState_ = state;
+    if (!m_StateKnown || state != m_LastState) m_Journal.Call("GetTraceState", Hex(state));
+    m_StateKnown = true;
+    m_LastState = state;
     return state;
 }
 
 OrnBool HostVETMTrace::HasFeature(uint32_t feature) {
-    const Chip& chip = target_.chip();
+    const Chip& chip = m_Target.chip();
     const bool has = (feature == ORN_FEATURE_ETB && chip.path == TracePath::Etb) ||
                      (feature == ORN_FEATURE_TPIU && chip.path == TracePath::Tpiu) ||
                      (feature == ORN_FEATURE_CORTEX_M3 && chip.cortexM3);
-    journal_.Call("HasFeature " + Hex(feature), YesNo(has));
+    m_Journal.Call("HasFeature " + Hex(feature), YesNo(has));
     return has;
 }
 
 OrnBool HostVETMTrace::SetValue(uint32_t id, uint32_t value) {
     Refusal refusal = "There is no such value to set";
     if (id == ORN_VALUE_CONTROL || id == ORN_VALUE_TRIGGER_COUNT) {
-        transaction_([&] {
-            refusal = id == ORN_VALUE_CONTROL ? target_.SetControl(value)
-                                              : target_.SetTriggerCount(value);
+        m_Transaction([&] {
+            refusal = id == ORN_VALUE_CONTROL ? m_Target.SetControl(value)
+                                              : m_Target.SetTriggerCount(value);
         });
     }
     const std::string call = "SetValue " + Hex(id) + " " + Hex(value);
-    journal_.Call(call, refusal ? "refused" : "ok");
-    if (refusal) {
-        journal_.Refused(call, *refusal);
-    }
+    m_Journal.Call(call, refusal ? "refused" : "ok");
+    if (refusal) m_Journal.Refused(call, *refusal);
     return !refusal;
 }
 
 bool HostVETMTrace::Read(uint32_t id, uint32_t& value) const {
-    const Chip& chip = target_.chip();
+    const Chip& chip = m_Target.chip();
     switch (id) {
     case ORN_VALUE_CONTROL:
-        value = target_.state.control;
+        value = m_Target.state.control;
         return true;
     case ORN_VALUE_BUFFER_SIZE:
         value = chip.bufferSize;
         return true;
     case ORN_VALUE_TRIGGER_COUNT:
-        value = target_.state.triggerCount;
+        value = m_Target.state.triggerCount;
         return true;
     case ORN_VALUE_PORT_SIZES:
         value = chip.portSizeMask;
@@ -112,30 +104,24 @@ bool HostVETMTrace::Read(uint32_t id, uint32_t& value) const {
 OrnBool HostVETMTrace::GetValue(uint32_t id, uint32_t* value) {
     uint32_t read = 0;
     const bool known = value != nullptr && Read(id, read);
-    if (known) {
-        *value = read;
-    }
+    if (known) *value = read;
     const std::string call = "GetValue " + Hex(id);
-    journal_.Call(call, known ? Hex(read) : "refused");
-    if (!known) {
-        journal_.Refused(call, "There is no such value to read");
-    }
+    m_Journal.Call(call, known ? Hex(read) : "refused");
+    if (!known) m_Journal.Refused(call, "There is no such value to read");
     return known;
 }
 
 const char* HostVETMTrace::GetSettingsLine(uint32_t index) {
-    if (index == 0) {
-        lines_ = target_.SettingsLines();
-    }
-    const char* line = index < lines_.size() ? lines_[index].c_str() : nullptr;
-    journal_.Call("GetSettingsLine " + std::to_string(index), Quote(line));
+    if (index == 0) m_Lines = m_Target.SettingsLines();
+    const char* line = index < m_Lines.size() ? m_Lines[index].c_str() : nullptr;
+    m_Journal.Call("GetSettingsLine " + std::to_string(index), Quote(line));
     return line;
 }
 
 // --- IOrnTraceClient -----------------------------------------------------------------
 
 HostTraceClient::HostTraceClient(const Symbols& symbols, Journal& journal)
-    : JournalledObject(ORN_TRACE_CLIENT, 100, journal), symbols_(symbols) {}
+    : JournalledObject(ORN_TRACE_CLIENT, 100, journal), m_Symbols(symbols) {}
 
 OrnBool HostTraceClient::Action(const char* action, const char* argument) {
     std::string_view expression = OrEmpty(action);
@@ -147,15 +133,13 @@ OrnBool HostTraceClient::Action(const char* action, const char* argument) {
         refusal.reset(); // a question, to which no is an answer
         done = EqualNoCase(OrEmpty(argument), "Eval");
     } else if (EqualNoCase(word, "Eval")) {
-        const Evaluation result = Evaluate(expression, symbols_);
+        const Evaluation result = Evaluate(expression, m_Symbols);
         refused = Trim(expression).empty() ? refused : Trim(expression);
         refusal = result.where == refused ? result.error : result.ErrorText();
         done = result.error.empty();
     }
-    journal_.Call("Action " + Quote(action) + " " + Quote(argument), YesNo(done));
-    if (!done && refusal) {
-        journal_.Refused(refused, *refusal);
-    }
+    m_Journal.Call("Action " + Quote(action) + " " + Quote(argument), YesNo(done));
+    if (!done && refusal) m_Journal.Refused(refused, *refusal);
     return done;
 }
 
@@ -164,41 +148,37 @@ OrnBool HostTraceClient::Action(const char* action, const char* argument) {
 HostXTraceClient::HostXTraceClient(NamedSettings& settings, const Transaction& transaction,
                                    Journal& journal)
     : JournalledObject(ORN_XTRACE_CLIENT, ORN_VERSION_WITH_HAS_COMMAND, journal),
-      settings_(settings), transaction_(transaction) {}
+      m_Settings(settings), m_Transaction(transaction) {}
 
 OrnBool HostXTraceClient::HasCommand(const char* name) {
     const bool has = EqualNoCase(OrEmpty(name), "ExecuteCmd");
-    journal_.Call("HasCommand " + Quote(name), YesNo(has));
+    m_Journal.Call("HasCommand " + Quote(name), YesNo(has));
     return has;
 }
 
 OrnBool HostXTraceClient::WriteSetting(const char* section, const char* key, const char* value) {
     const bool complete = section != nullptr && key != nullptr && value != nullptr;
-    if (complete) {
-        transaction_([&] { settings_[section][key] = value; });
-    }
+    if (complete) m_Transaction([&] { m_Settings[section][key] = value; });
     const std::string call =
         "WriteSetting " + Quote(section) + " " + Quote(key) + " " + Quote(value);
-    journal_.Call(call, complete ? "ok" : "refused");
-    if (!complete) {
-        journal_.Refused(call, "A section, a key and a value are needed");
-    }
+    m_Journal.Call(call, complete ? "ok" : "refused");
+    if (!complete) m_Journal.Refused(call, "A section, a key and a value are needed");
     return complete;
 }
 
 OrnBool HostXTraceClient::ReadSetting(const char* section, const char* key, int32_t size,
                                       char* buffer) {
-    const auto group = settings_.find(OrEmpty(section));
+    const auto group = m_Settings.find(OrEmpty(section));
     bool found = false;
-    if (group != settings_.end() && size > 0 && buffer != nullptr) {
+    if (group != m_Settings.end() && size > 0 && buffer != nullptr) {
         if (const auto entry = group->second.find(OrEmpty(key)); entry != group->second.end()) {
             const size_t length = entry->second.copy(buffer, static_cast<size_t>(size) - 1);
             buffer[length] = '\0';
             found = true;
         }
     }
-    journal_.Call("ReadSetting " + Quote(section) + " " + Quote(key) + " " + std::to_string(size),
-                  found ? Quote(buffer) : "none");
+    m_Journal.Call("ReadSetting " + Quote(section) + " " + Quote(key) + " " + std::to_string(size),
+                   found ? Quote(buffer) : "none");
     return found;
 }
 
@@ -220,11 +200,8 @@ IOrnInterface* SimulatedHost::Find(const std::string& name) {
                       {ORN_XTRACE_CLIENT, &xTraceClient},
                       {ORN_XTRACE, &xTrace},
                       {ORN_EMU, &emu}};
-    for (const auto& entry : interfaces) {
-        if (name == entry.name) {
-            return entry.object;
-        }
-    }
+    for (const auto& entry : interfaces)
+        if (name == entry.name) return entry.object;
     return nullptr;
 }
 

@@ -31,20 +31,20 @@ using Transaction = std::function<void(const std::function<void()>& change)>;
 template <class Interface> class JournalledObject : public HostObject<Interface> {
 public:
     JournalledObject(const char* name, int32_t version, Journal& journal)
-        : HostObject<Interface>(name, version, "etmhost", 100), journal_(journal) {}
+        : HostObject<Interface>(name, version, "etmhost", 100), m_Journal(journal) {}
 
     const char* GetInterfaceName() override {
-        journal_.Call(this->m_Name + std::string(".GetInterfaceName"), Quote(this->m_Name));
+        m_Journal.Call(this->m_Name + std::string(".GetInterfaceName"), Quote(this->m_Name));
         return this->m_Name;
     }
     int32_t GetInterfaceVersion() override {
-        journal_.Call(this->m_Name + std::string(".GetInterfaceVersion"),
-                      std::to_string(this->m_Version));
+        m_Journal.Call(this->m_Name + std::string(".GetInterfaceVersion"),
+                       std::to_string(this->m_Version));
         return this->m_Version;
     }
 
 protected:
-    Journal& journal_;
+    Journal& m_Journal;
 };
 
 class HostVETMTrace final : public JournalledObject<IOrnVETMTrace> {
@@ -63,13 +63,13 @@ public:
 private:
     bool Read(uint32_t id, uint32_t& value) const;
 
-    Target& target_;
-    const Transaction& transaction_;
-    CommandLanguage language_;
-    std::string refusal_;            // keeps the text that Command returned
-    std::vector<std::string> lines_; // of the pass that runs
-    bool stateKnown_ = false;
-    uint32_t lastState_ = 0; // the answer that the journal showed last
+    Target& m_Target;
+    const Transaction& m_Transaction;
+    CommandLanguage m_Language;
+    std::string m_Refusal;            // keeps the text that Command returned
+    std::vector<std::string> m_Lines; // of the pass that runs
+    bool m_StateKnown = false;
+    uint32_t m_LastState = 0; // the answer that the journal showed last
 };
 
 class HostTraceClient final : public JournalledObject<IOrnTraceClient> {
@@ -79,7 +79,7 @@ public:
     OrnBool Action(const char* action, const char* argument) override;
 
 private:
-    const Symbols& symbols_;
+    const Symbols& m_Symbols;
 };
 
 class HostXTraceClient final : public JournalledObject<IOrnXTraceClient> {
@@ -91,8 +91,8 @@ public:
     OrnBool ReadSetting(const char* section, const char* key, int32_t size, char* buffer) override;
 
 private:
-    NamedSettings& settings_;
-    const Transaction& transaction_;
+    NamedSettings& m_Settings;
+    const Transaction& m_Transaction;
 };
 
 /// A debugger host with one target. The interfaces borrow its members and live as long as it.

@@ -8,21 +8,16 @@
 namespace etmhost {
 
 void Journal::Call(const std::string& call, const std::string& answer) {
-    if (out_ != nullptr) { // flushed, so that the dialog and its journal can be watched together
-        *out_ << call << " -> " << answer << std::endl;
-    }
+    if (m_Out != nullptr) // flushed, so that the dialog and its journal can be watched together
+        *m_Out << call << " -> " << answer << std::endl;
 }
 
 void Journal::Refused(std::string_view command, std::string_view reasons) {
-    if (refusals_ != nullptr) {
-        PrintRefusal(*refusals_, command, reasons);
-    }
+    if (m_Refusals != nullptr) PrintRefusal(*m_Refusals, command, reasons);
 }
 
 void Journal::Step(const std::string& text) {
-    if (out_ != nullptr) {
-        *out_ << "-- " << text << std::endl;
-    }
+    if (m_Out != nullptr) *m_Out << "-- " << text << std::endl;
 }
 
 std::string Quote(const char* text) {

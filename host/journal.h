@@ -14,9 +14,9 @@ public:
     /// Writes calls and steps to `out` and refusals to `refusals`, which must outlive the journal;
     /// null: they are not written.
     explicit Journal(std::ostream* out = nullptr, std::ostream* refusals = nullptr)
-        : out_(out), refusals_(refusals) {}
+        : m_Out(out), m_Refusals(refusals) {}
 
-    bool enabled() const { return out_ != nullptr; }
+    bool enabled() const { return m_Out != nullptr; }
 
     /// A call of the module to the host with the host's answer: "call -> answer".
     void Call(const std::string& call, const std::string& answer);
@@ -28,8 +28,8 @@ public:
     void Step(const std::string& text);
 
 private:
-    std::ostream* out_;
-    std::ostream* refusals_;
+    std::ostream* m_Out;
+    std::ostream* m_Refusals;
 };
 
 /// Returns `text` in double quotes, on one line: quotes, backslashes and bytes below 32 are

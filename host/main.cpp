@@ -25,44 +25,32 @@ struct Options {
 };
 
 std::filesystem::path ToPath(const std::string& text) {
-    if (const auto path = NativePath(text)) {
-        return *path;
-    }
+    if (const auto path = NativePath(text)) return *path;
     throw HostError("\"" + text + "\" is no file name");
 }
 
 std::filesystem::path ModuleFile(const Options& options) {
-    if (!options.module.empty()) {
-        return ToPath(options.module);
-    }
+    if (!options.module.empty()) return ToPath(options.module);
     return ExecutableFile().replace_filename(std::string("KVETMControl") + LibraryExtension());
 }
 
 Status RunWithModule(const std::string& command, const Options& options, SimulatedHost& host) {
     Screen screen;
-    if (command == "tour") {
+    if (command == "tour")
         screen = PrepareTour(options.tour);
-    } else if (options.tour.dark) {
+    else if (options.tour.dark)
         screen = PrepareDarkScreen();
-    }
     LoadedModule module(ModuleFile(options));
     ModuleSession session(module.object(), module.path(), host);
-    if (command == "apply") {
-        return Apply(session, host, std::cout, std::cerr);
-    }
-    if (command == "init-board") {
+    if (command == "apply") return Apply(session, host, std::cout, std::cerr);
+    if (command == "init-board")
         return InitBoardFile(session, host, options.directory, std::cout, std::cerr);
-    }
-    if (command == "tour") {
-        return Tour(session, host, options.tour, std::cerr);
-    }
+    if (command == "tour") return Tour(session, host, options.tour, std::cerr);
     return OpenDialog(session, host, std::cerr);
 }
 
 Status Run(const std::string& command, const Options& options) {
-    if (command == "chips") {
-        return ShowChips(std::cout);
-    }
+    if (command == "chips") return ShowChips(std::cout);
     const Chip* chip = FindChip(options.chip);
     if (chip == nullptr) {
         throw HostError("there is no chip \"" + options.chip +
@@ -89,15 +77,12 @@ Status Run(const std::string& command, const Options& options) {
             }
         };
     }
-    if (command == "show") {
-        return ShowTarget(host, std::cout);
-    }
+    if (command == "show") return ShowTarget(host, std::cout);
     Status status = kDone;
-    if (command == "run") {
+    if (command == "run")
         status = RunCommands(host, options.commands, std::cout);
-    } else {
+    else
         status = RunWithModule(command, options, host);
-    }
     host.transaction([] {}); // the last try to keep what could not be kept before
     return failure.empty() ? status : kBadInput;
 }
@@ -161,17 +146,13 @@ Status Main(int argc, char** argv) {
             throw HostError("there is no " + std::string(first[0] == '-' ? "option" : "command") +
                             " \"" + first + "\"; \"etmhost --help\" lists those there are");
         }
-        if (error.get_exit_code() != 0) {
-            throw HostError(error.what());
-        }
+        if (error.get_exit_code() != 0) throw HostError(error.what());
         app.exit(error); // help was asked for
         return kDone;
     }
     const Status status = Run(app.get_subcommands().front()->get_name(), options);
     std::cout.flush();
-    if (!std::cout) {
-        throw HostError("cannot write to the standard output");
-    }
+    if (!std::cout) throw HostError("cannot write to the standard output");
     return status;
 }
 

@@ -19,15 +19,15 @@ public:
     /// Loads the library `file`. Throws HostError if there is none or it is no module.
     explicit LoadedModule(const std::filesystem::path& file);
 
-    IOrnAPIBase& object() { return *object_; }
+    IOrnAPIBase& object() { return *m_Object; }
 
     /// Returns the full path of the module's file as text.
-    std::string path() const { return PathText(file_); }
+    std::string path() const { return PathText(m_File); }
 
 private:
-    std::filesystem::path file_;
-    Library library_;
-    IOrnAPIBase* object_;
+    std::filesystem::path m_File;
+    Library m_Library;
+    IOrnAPIBase* m_Object;
 };
 
 /// One control component of a module, from its creation to its destruction, attached to a host.
@@ -44,7 +44,7 @@ public:
     ModuleSession(const ModuleSession&) = delete;
     ModuleSession& operator=(const ModuleSession&) = delete;
 
-    IOrnKVETMCtrl& control() { return *control_; }
+    IOrnKVETMCtrl& control() { return *m_Control; }
 
     /// Returns the text of the last failure of the control component.
     std::string LastError();
@@ -56,10 +56,10 @@ private:
     void Attach();
     void TearDown();
 
-    IOrnAPIBase& module_;
-    SimulatedHost& host_;
-    int32_t row_ = 0;
-    IOrnKVETMCtrl* control_ = nullptr;
+    IOrnAPIBase& m_Module;
+    SimulatedHost& m_Host;
+    int32_t m_Row = 0;
+    IOrnKVETMCtrl* m_Control = nullptr;
 };
 
 } // namespace etmhost

@@ -47,11 +47,8 @@ std::string DescribeControlWord(uint32_t word) {
         {9, "capture stops after a trigger from an address"},
     };
     std::string text = (word & 1) != 0 ? "trace is enabled\n" : "trace is disabled\n";
-    for (const Meaning& meaning : kMeanings) {
-        if ((word >> meaning.bit & 1) != 0) {
-            text += std::string(meaning.text) + "\n";
-        }
-    }
+    for (const Meaning& meaning : kMeanings)
+        if ((word >> meaning.bit & 1) != 0) text += std::string(meaning.text) + "\n";
     return text;
 }
 

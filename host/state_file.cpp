@@ -33,29 +33,23 @@ Json FromText(const std::string& text) {
 }
 
 std::string ToText(const Json& value) {
-    if (!value.is_array()) {
-        return value.get<std::string>();
-    }
+    if (!value.is_array()) return value.get<std::string>();
     std::string text;
-    for (const Json& byte : value) {
-        text += static_cast<char>(byte.get<unsigned char>());
-    }
+    for (const Json& byte : value) text += static_cast<char>(byte.get<unsigned char>());
     return text;
 }
 
 // A number of 32 bits: `get` alone would cut what does not fit.
 uint32_t ToWord(const Json& value) {
-    if (!value.is_number_unsigned() || value.get<uint64_t>() > UINT32_MAX) {
+    if (!value.is_number_unsigned() || value.get<uint64_t>() > UINT32_MAX)
         throw HostError("\"" + value.dump() + "\" is no 32-bit number");
-    }
     return value.get<uint32_t>();
 }
 
 template <class Enum> Enum ToEnum(const Json& value, Enum last) {
     const uint32_t number = ToWord(value);
-    if (number > static_cast<uint32_t>(last)) {
+    if (number > static_cast<uint32_t>(last))
         throw HostError("no choice has the number " + std::to_string(number));
-    }
     return static_cast<Enum>(number);
 }
 
@@ -113,21 +107,15 @@ TargetState ToTarget(const Json& json) {
 
 NamedSettings ToSettings(const Json& json) {
     NamedSettings settings;
-    for (const auto& [section, keys] : json.items()) {
-        for (const auto& [key, value] : keys.items()) {
-            settings[section][key] = ToText(value);
-        }
-    }
+    for (const auto& [section, keys] : json.items())
+        for (const auto& [key, value] : keys.items()) settings[section][key] = ToText(value);
     return settings;
 }
 
 Json FromHost(const SimulatedHost& host) {
     Json settings = Json::object();
-    for (const auto& [section, keys] : host.settings) {
-        for (const auto& [key, value] : keys) {
-            settings[section][key] = FromText(value);
-        }
-    }
+    for (const auto& [section, keys] : host.settings)
+        for (const auto& [key, value] : keys) settings[section][key] = FromText(value);
     return {{"target", FromTarget(host.target.state)}, {"settings", settings}};
 }
 
@@ -139,11 +127,10 @@ void Merge(Json& file, const Json& base, const Json& own) {
     }
     for (const auto& [key, value] : own.items()) {
         const Json before = base.is_object() ? base.value(key, Json()) : Json();
-        if (!file.contains(key)) {
+        if (!file.contains(key))
             file[key] = value;
-        } else if (before != value) {
+        else if (before != value)
             Merge(file[key], before, value);
-        }
     }
 }
 
@@ -160,27 +147,20 @@ template <class Read> auto Undamaged(const std::filesystem::path& file, Read rea
 Json ReadRoot(const std::filesystem::path& file) {
     std::error_code error;
     const std::filesystem::file_status status = std::filesystem::status(file, error);
-    if (status.type() == std::filesystem::file_type::not_found) {
+    if (status.type() == std::filesystem::file_type::not_found)
         return {{"format", kFormat}, {"targets", Json::object()}, {"settings", Json::object()}};
-    }
     std::ifstream in;
-    if (status.type() == std::filesystem::file_type::regular) {
-        in.open(file, std::ios::binary);
-    }
-    if (!in.is_open()) {
-        throw HostError("cannot read state file \"" + PathText(file) + "\"");
-    }
+    if (status.type() == std::filesystem::file_type::regular) in.open(file, std::ios::binary);
+    if (!in.is_open()) throw HostError("cannot read state file \"" + PathText(file) + "\"");
     return Undamaged(file, [&in] {
         Json root = Json::parse(in, [](int depth, Json::parse_event_t, const Json&) {
-            if (depth > kDeepest) { // what is kept unread is still copied, level by level
+            if (depth > kDeepest) // what is kept unread is still copied, level by level
                 throw HostError("it is nested too deep");
-            }
             return true;
         });
         if (!root.is_object() || root.value("format", "") != kFormat ||
-            !root.at("targets").is_object() || !root.at("settings").is_object()) {
+            !root.at("targets").is_object() || !root.at("settings").is_object())
             throw HostError("it is no state of etmhost");
-        }
         return root;
     });
 }
@@ -207,85 +187,80 @@ std::filesystem::path LockOf(std::filesystem::path file) {
 } // namespace
 
 StateFile::StateFile(std::filesystem::path file)
-    : file_(std::move(file)), document_(std::make_unique<Document>()) {
+    : m_File(std::move(file)), m_Document(std::make_unique<Document>()) {
     namespace fs = std::filesystem;
     std::error_code error;
     // A link stays a link: its file is what gets replaced.
-    if (const fs::path target = fs::weakly_canonical(fs::absolute(file_), error); !error) {
-        file_ = target;
-    }
-    if (!fs::exists(file_, error) && !fs::is_directory(file_.parent_path(), error)) {
-        throw HostError("state file \"" + PathText(file_) + "\": there is no such directory");
-    }
-    document_->root = ReadRoot(file_);
+    if (const fs::path target = fs::weakly_canonical(fs::absolute(m_File), error); !error)
+        m_File = target;
+    if (!fs::exists(m_File, error) && !fs::is_directory(m_File.parent_path(), error))
+        throw HostError("state file \"" + PathText(m_File) + "\": there is no such directory");
+    m_Document->root = ReadRoot(m_File);
 }
 
 StateFile::~StateFile() = default;
 
 void StateFile::Load(SimulatedHost& host) {
-    Undamaged(file_, [this, &host] {
-        const Json& targets = document_->root.at("targets");
+    Undamaged(m_File, [this, &host] {
+        const Json& targets = m_Document->root.at("targets");
         const auto target = targets.find(host.target.chip().name);
-        NamedSettings settings = ToSettings(document_->root.at("settings"));
-        if (target != targets.end()) {
-            host.target.state = ToTarget(*target);
-        }
+        NamedSettings settings = ToSettings(m_Document->root.at("settings"));
+        if (target != targets.end()) host.target.state = ToTarget(*target);
         host.settings = std::move(settings);
     });
-    document_->base = FromHost(host);
+    m_Document->base = FromHost(host);
 }
 
 void StateFile::Update(SimulatedHost& host, const std::function<void()>& change) {
     std::optional<FileLock> lock;
     std::optional<std::string> problem;
     try {
-        lock.emplace(LockOf(file_));
-        document_->root = ReadRoot(file_);
+        lock.emplace(LockOf(m_File));
+        m_Document->root = ReadRoot(m_File);
         Pull(host);
     } catch (const HostError& error) {
         problem = error.what();
     }
     change();
-    if (!problem) {
+    if (!problem)
         Push(host);
-    } else if (FromHost(host) != document_->base) {
+    else if (FromHost(host) != m_Document->base)
         throw HostError(*problem);
-    }
 }
 
 // Takes over what others have written, but for what this host has not been able to write.
 void StateFile::Pull(SimulatedHost& host) {
     const std::string chip = host.target.chip().name;
     const Json own = FromHost(host);
-    Json agreed = {{"target", document_->root["targets"].value(chip, own["target"])},
-                   {"settings", document_->root["settings"]}};
+    Json agreed = {{"target", m_Document->root["targets"].value(chip, own["target"])},
+                   {"settings", m_Document->root["settings"]}};
     Json merged = agreed;
-    Merge(merged, document_->base, own);
+    Merge(merged, m_Document->base, own);
     if (merged != own) {
-        Undamaged(file_, [&] {
-            const TargetState state = ToTarget(merged["target"]);
-            host.settings = ToSettings(merged["settings"]);
-            host.target.state = state;
-        });
+        Undamaged(
+            m_File,
+            [&] {
+                const TargetState state = ToTarget(merged["target"]);
+                host.settings = ToSettings(merged["settings"]);
+                host.target.state = state;
+            });
     }
-    document_->base = std::move(agreed);
+    m_Document->base = std::move(agreed);
 }
 
 void StateFile::Push(const SimulatedHost& host) {
     const Json own = FromHost(host);
-    Json root = document_->root;
+    Json root = m_Document->root;
     Json& targets = root["targets"];
     const char* chip = host.target.chip().name;
-    Merge(targets[chip], document_->base["target"], own["target"]);
-    Merge(root["settings"], document_->base["settings"], own["settings"]);
-    if (root == document_->root) {
-        return;
-    }
-    if (!Replace(file_, root.dump(2) + "\n")) {
-        throw HostError("cannot write state file \"" + PathText(file_) +
+    Merge(targets[chip], m_Document->base["target"], own["target"]);
+    Merge(root["settings"], m_Document->base["settings"], own["settings"]);
+    if (root == m_Document->root) return;
+    if (!Replace(m_File, root.dump(2) + "\n")) {
+        throw HostError("cannot write state file \"" + PathText(m_File) +
                         "\"; it is as it was before");
     }
-    document_->base = own;
+    m_Document->base = own;
 }
 
 } // namespace etmhost

@@ -40,8 +40,8 @@ private:
     void Pull(SimulatedHost& host);
     void Push(const SimulatedHost& host);
 
-    std::filesystem::path file_;
-    std::unique_ptr<Document> document_;
+    std::filesystem::path m_File;
+    std::unique_ptr<Document> m_Document;
 };
 
 } // namespace etmhost

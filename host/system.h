@@ -36,11 +36,11 @@ public:
     FileLock& operator=(const FileLock&) = delete;
 
 private:
-    const std::filesystem::path file_;
+    const std::filesystem::path m_File;
 #ifdef _WIN32
-    void* handle_;
+    void* m_Handle;
 #else
-    int handle_;
+    int m_Handle;
 #endif
 };
 
@@ -57,7 +57,7 @@ public:
     void* Find(const char* name) const;
 
 private:
-    void* handle_;
+    void* m_Handle;
 };
 
 } // namespace etmhost

@@ -16,7 +16,7 @@ constexpr uint32_t kTriggerStep = 4;
 
 } // namespace
 
-Target::Target(const Chip& chip) : chip_(&chip), etm_(DecodeRegisters(chip)) {
+Target::Target(const Chip& chip) : m_Chip(&chip), m_Etm(DecodeRegisters(chip)) {
     state.triggerCount = chip.bufferSize / 2;
     state.trace.portSize = PortSizes(chip).back();
 }
@@ -56,38 +56,29 @@ std::vector<std::string> Target::SettingsLines() const {
     address("DATA = to ", trace.dataEnd);
     address("TRIGGER ", trace.trigger);
     line("PORTSIZE = ", std::to_string(trace.portSize));
-    if (etm_.halfRate) { // a chip without the choice has nothing to report
+    if (m_Etm.halfRate) // a chip without the choice has nothing to report
         line("HALFRATE = ", trace.halfRate ? "on" : "off");
-    }
     return lines;
 }
 
 Refusal Target::SetControl(uint32_t word) {
-    if ((word & ~kControlBits) != 0) {
-        return "The control word has bits that the target lacks";
-    }
+    if ((word & ~kControlBits) != 0) return "The control word has bits that the target lacks";
     state.control = word;
-    if ((word & ORN_CONTROL_ENABLE) == 0) {
-        state.capture.running = false;
-    }
+    if ((word & ORN_CONTROL_ENABLE) == 0) state.capture.running = false;
     return {};
 }
 
 Refusal Target::SetTriggerCount(uint32_t count) {
-    if (count > chip_->bufferSize) {
-        return "The trace buffer has only " + std::to_string(chip_->bufferSize) + " words";
-    }
-    if (chip_->path == TracePath::Etb && state.capture.running) {
+    if (count > m_Chip->bufferSize)
+        return "The trace buffer has only " + std::to_string(m_Chip->bufferSize) + " words";
+    if (m_Chip->path == TracePath::Etb && state.capture.running)
         return "The trigger count of an ETB cannot be changed while it captures";
-    }
     state.triggerCount = count;
     return {};
 }
 
 Refusal Target::Start() {
-    if ((state.control & ORN_CONTROL_ENABLE) == 0) {
-        return "Trace is not enabled";
-    }
+    if ((state.control & ORN_CONTROL_ENABLE) == 0) return "Trace is not enabled";
     if (!state.capture.running) {
         const uint32_t kept =
             (state.control & ORN_CONTROL_ACCUMULATE) != 0 ? state.capture.captured : 0;
@@ -102,15 +93,10 @@ Refusal Target::Stop() {
 }
 
 Refusal Target::ForceTrigger() {
-    if (chip_->path == TracePath::Tpiu) {
-        return "A TPIU has no trigger that could be forced";
-    }
-    if (chip_->path == TracePath::Etb) {
+    if (m_Chip->path == TracePath::Tpiu) return "A TPIU has no trigger that could be forced";
+    if (m_Chip->path == TracePath::Etb)
         return "The trigger of an ETB comes from the ETM and cannot be forced";
-    }
-    if (!state.capture.running) {
-        return "Capture is not running";
-    }
+    if (!state.capture.running) return "Capture is not running";
     Trigger();
     return {};
 }
@@ -124,24 +110,19 @@ void Target::Trigger() {
 
 void Target::Step() {
     Capture& capture = state.capture;
-    if (!capture.running) {
-        return;
-    }
-    const uint32_t size = chip_->bufferSize;
+    if (!capture.running) return;
+    const uint32_t size = m_Chip->bufferSize;
     const uint32_t amount = std::max<uint32_t>(size / kStepsToFill, 1);
     capture.steps += 1;
     capture.captured =
         static_cast<uint32_t>(std::min<uint64_t>(uint64_t{capture.captured} + amount, size));
-    if (capture.triggered) {
-        capture.remaining -= std::min(capture.remaining, amount);
-    }
-    if (capture.steps == kTriggerStep && chip_->path != TracePath::Tpiu &&
-        (state.control & ORN_CONTROL_TRIGGER_ADDRESS) != 0 && !state.trace.trigger.empty()) {
+    if (capture.triggered) capture.remaining -= std::min(capture.remaining, amount);
+    if (capture.steps == kTriggerStep && m_Chip->path != TracePath::Tpiu &&
+        (state.control & ORN_CONTROL_TRIGGER_ADDRESS) != 0 && !state.trace.trigger.empty())
         Trigger();
-    }
     const bool full = (state.control & ORN_CONTROL_STOP_WHEN_FULL) != 0 &&
                       capture.captured == size &&
-                      chip_->path != TracePath::Etb; // an on-chip buffer goes round and round
+                      m_Chip->path != TracePath::Etb; // an on-chip buffer goes round and round
     const bool behindTrigger =
         (state.control & (ORN_CONTROL_TRIGGER_PIN | ORN_CONTROL_TRIGGER_ADDRESS)) != 0 &&
         capture.triggered && capture.remaining == 0;

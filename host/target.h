@@ -57,8 +57,8 @@ public:
     /// A target fresh from reset. `chip` must outlive it.
     explicit Target(const Chip& chip);
 
-    const Chip& chip() const { return *chip_; }
-    const EtmResources& etm() const { return etm_; }
+    const Chip& chip() const { return *m_Chip; }
+    const EtmResources& etm() const { return m_Etm; }
 
     TargetState state;
 
@@ -87,8 +87,8 @@ public:
 private:
     void Trigger();
 
-    const Chip* chip_;
-    EtmResources etm_;
+    const Chip* m_Chip;
+    EtmResources m_Etm;
 };
 
 /// Returns the word that commands and settings lines use for `data`.

@@ -26,8 +26,9 @@ bool IsLetter(char c) {
 }
 
 bool EqualNoCase(std::string_view a, std::string_view b) {
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                      [](char x, char y) { return Lower(x) == Lower(y); });
+    return std::equal(
+        a.begin(), a.end(), b.begin(), b.end(),
+        [](char x, char y) { return Lower(x) == Lower(y); });
 }
 
 std::string_view SkipBlanks(std::string_view text) {
@@ -37,9 +38,7 @@ std::string_view SkipBlanks(std::string_view text) {
 
 std::string_view Trim(std::string_view text) {
     text = SkipBlanks(text);
-    while (!text.empty() && IsBlank(text.back())) {
-        text.remove_suffix(1);
-    }
+    while (!text.empty() && IsBlank(text.back())) text.remove_suffix(1);
     return text;
 }
 
@@ -47,9 +46,8 @@ std::string_view TakeWord(std::string_view& text, std::string_view stops) {
     text = SkipBlanks(text);
     size_t end = 0;
     while (end < text.size() && !IsBlank(text[end]) &&
-           stops.find(text[end]) == std::string_view::npos) {
+           stops.find(text[end]) == std::string_view::npos)
         ++end;
-    }
     const std::string_view word = text.substr(0, end);
     text = SkipBlanks(text.substr(end));
     return word;

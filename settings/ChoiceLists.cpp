@@ -56,9 +56,8 @@ int32_t jTraceSettings::GetChoiceCount(int32_t id) {
     if (id != TA_PORT_SIZE) return -1;
 
     const int32_t count = CountBits(Snapshot.PortSizeMask);
-    for (jTraceAttribute& row : Attributes) {
+    for (jTraceAttribute& row : Attributes)
         if (row.Id == TA_PORT_SIZE && count > 0) row.Max = row.Default = count - 1;
-    }
     return count;
 }
 

@@ -66,9 +66,8 @@ bool TakeNumber(const char*& text, int32_t& number) {
     if (*text == '-' || *text == '+') ++text;
     if (*text < '0' || *text > '9') return false;
     int64_t magnitude = 0;
-    for (; *text >= '0' && *text <= '9'; ++text) {
+    for (; *text >= '0' && *text <= '9'; ++text)
         magnitude = std::min<int64_t>(magnitude * 10 + (*text - '0'), int64_t{1} << 32);
-    }
     number = To32Bits(negative ? -magnitude : magnitude);
     return true;
 }
@@ -113,7 +112,6 @@ void ReadCapabilities(jTraceState& state) {
     std::ostringstream stream;
     if (g_VETMTrace->Command("capability", &stream)) return;
     const std::string report = std::move(stream).str();
-    for (const Label& label : kLabels) {
+    for (const Label& label : kLabels)
         label.Scan(report.c_str(), label.Text, &(state.*label.Value));
-    }
 }

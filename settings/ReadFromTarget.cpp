@@ -50,9 +50,8 @@ struct Form {
 template <size_t N> const Form* TakeForm(TxtScan& scanner, const Form (&forms)[N]) {
     if (!TakeEqualSign(scanner)) return nullptr;
     scanner.GetToken();
-    for (const Form& form : forms) {
+    for (const Form& form : forms)
         if (IsWord(scanner, form.Word)) return &form;
-    }
     return nullptr;
 }
 

@@ -62,9 +62,8 @@ constexpr struct {
 
 /// Returns the field behind an attribute; null if it has none.
 Field FieldOf(int32_t id) {
-    for (const auto& row : kFields) {
+    for (const auto& row : kFields)
         if (row.Id == id) return row.Value;
-    }
     return nullptr;
 }
 

@@ -47,9 +47,8 @@ static double BeyondRange(const char* number, const char* behind) {
         const bool negative = number[1] == '-';
         const char* const digits = number + (IsDigit(number[1]) ? 1 : 2);
         int32_t exponent = 0;
-        if (std::from_chars(digits, behind, exponent).ec != std::errc()) {
+        if (std::from_chars(digits, behind, exponent).ec != std::errc())
             exponent = std::numeric_limits<int32_t>::max();
-        }
         power += negative ? -int64_t{exponent} : int64_t{exponent};
     }
     return power > 0 ? HUGE_VAL : 0.0;
@@ -185,10 +184,9 @@ int32_t TxtScan::ScanDecimal() {
     const char* const behindInteger = at;
 
     bool isFloat = *at == '.';
-    if (isFloat) {
-        do text.Add(*at++);
+    if (isFloat) do
+            text.Add(*at++);
         while (IsDigit(*at));
-    }
     if (IsLetterOf(*at, 'e')) {
         text.Add(*at++);
         if (*at == '+' || *at == '-') text.Add(*at++);

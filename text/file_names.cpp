@@ -20,9 +20,8 @@ static const char* FindPoint(const char* path) {
 std::string WithDefaultExt(std::string name, const char* ext) {
     if (name.empty()) return name;
     const char quote = name.front();
-    if (name.size() > 1 && name.back() == quote && (quote == '"' || quote == '\'')) {
+    if (name.size() > 1 && name.back() == quote && (quote == '"' || quote == '\''))
         name = name.substr(1, name.size() - 2);
-    }
     if (!HasExtension(name.c_str())) name.append(".").append(ext);
     return name;
 }

@@ -14,9 +14,8 @@ char* CopyBounded(char* dst, size_t size, const char* src) {
 const char* FindNoCase(const char* text, const char* pattern) {
     if (!text || !pattern || *pattern == '\0') return nullptr;
     const size_t length = std::strlen(pattern);
-    for (; *text != '\0'; ++text) {
+    for (; *text != '\0'; ++text)
         if (CompareNoCaseN(text, pattern, length) == 0) return text;
-    }
     return nullptr;
 }
 

@@ -28,8 +28,10 @@ template <class Result, class Work> Result Guarded(Result fallback, Work&& work)
 
 /// The same for work without a result.
 template <class Work> void Guarded(Work&& work) noexcept {
-    Guarded(0, [&] {
-        std::forward<Work>(work)();
-        return 0;
-    });
+    Guarded(
+        0,
+        [&] {
+            std::forward<Work>(work)();
+            return 0;
+        });
 }

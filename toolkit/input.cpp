@@ -50,13 +50,15 @@ template <class Work> void Handle(const CWnd& window, Work&& work) {
 /// takes no input now, shows its present state again.
 template <class Work>
 void Report(CWnd& control, Change shown, Event event, unsigned drawStage, Work&& change) {
-    Handle(control, [&] {
-        CDialog* dialog = DialogTakingInput(control);
-        if (dialog == nullptr) return Refresh(control, shown);
-        change(*dialog);
-        Notification notification{control.GetDlgCtrlID(), event, drawStage};
-        dialog->Notify(notification);
-    });
+    Handle(
+        control,
+        [&] {
+            CDialog* dialog = DialogTakingInput(control);
+            if (dialog == nullptr) return Refresh(control, shown);
+            change(*dialog);
+            Notification notification{control.GetDlgCtrlID(), event, drawStage};
+            dialog->Notify(notification);
+        });
 }
 
 } // namespace
@@ -64,13 +66,15 @@ void Report(CWnd& control, Change shown, Event event, unsigned drawStage, Work&&
 namespace input {
 
 void Click(CWnd& button) {
-    Report(button, Change::Checked, Event::Clicked, 0, [&](CDialog& dialog) {
-        auto* model = dynamic_cast<CButton*>(&button);
-        if (model == nullptr) return;
-        if (button.GetKind() == ControlKind::CheckBox) model->SetCheck(!model->GetCheck());
-        if (button.GetKind() == ControlKind::RadioButton) dialog.CheckRadioButton(*model);
-        Refresh(button, Change::Checked); // in case the display went ahead of the model
-    });
+    Report(
+        button, Change::Checked, Event::Clicked, 0,
+        [&](CDialog& dialog) {
+            auto* model = dynamic_cast<CButton*>(&button);
+            if (model == nullptr) return;
+            if (button.GetKind() == ControlKind::CheckBox) model->SetCheck(!model->GetCheck());
+            if (button.GetKind() == ControlKind::RadioButton) dialog.CheckRadioButton(*model);
+            Refresh(button, Change::Checked); // in case the display went ahead of the model
+        });
 }
 
 void Type(CWnd& edit, std::string_view text) {
@@ -95,12 +99,14 @@ void Select(CWnd& list, int index) {
 }
 
 void Slide(CSliderCtrl& slider, int position) {
-    Handle(slider, [&] {
-        if (DialogTakingInput(slider) != nullptr)
-            slider.SetPos(position);
-        else
-            Refresh(slider, Change::Position);
-    });
+    Handle(
+        slider,
+        [&] {
+            if (DialogTakingInput(slider) != nullptr)
+                slider.SetPos(position);
+            else
+                Refresh(slider, Change::Position);
+        });
 }
 
 void Paint(CSliderCtrl& slider) {
@@ -122,21 +128,26 @@ void Paint(CSliderCtrl& slider) {
 }
 
 void Release(CSliderCtrl& slider) {
-    Report(slider, Change::Position, Event::ReleasedCapture, 0, [](CDialog&) {});
+    Report(
+        slider, Change::Position, Event::ReleasedCapture, 0, [](CDialog&) {});
 }
 
 void Close(CDialog& dialog) {
-    Handle(dialog, [&] {
-        if (dialog.IsCreated() && !dialog.HasEnded()) dialog.OnClose();
-    });
+    Handle(
+        dialog,
+        [&] {
+            if (dialog.IsCreated() && !dialog.HasEnded()) dialog.OnClose();
+        });
 }
 
 void Tick(CWnd& window, unsigned id) {
-    Handle(window, [&] {
-        const auto* dialog = dynamic_cast<CDialog*>(&window);
-        if (!window.IsCreated() || (dialog != nullptr && LoopIsOver(*dialog))) return;
-        window.OnTimer(id);
-    });
+    Handle(
+        window,
+        [&] {
+            const auto* dialog = dynamic_cast<CDialog*>(&window);
+            if (!window.IsCreated() || (dialog != nullptr && LoopIsOver(*dialog))) return;
+            window.OnTimer(id);
+        });
 }
 
 } // namespace input

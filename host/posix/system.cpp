@@ -46,15 +46,12 @@ enum class Attempt { Locked, Busy, Failed };
 // only on the file that bears the name.
 Attempt TryLock(const char* file, int& handle) {
     handle = open(file, O_RDWR | O_CREAT | O_CLOEXEC, 0666);
-    if (handle < 0) {
-        return Attempt::Failed;
-    }
+    if (handle < 0) return Attempt::Failed;
     struct stat opened, named;
     if (flock(handle, LOCK_EX | LOCK_NB) == 0) {
         if (fstat(handle, &opened) == 0 && stat(file, &named) == 0 &&
-            opened.st_dev == named.st_dev && opened.st_ino == named.st_ino) {
+            opened.st_dev == named.st_dev && opened.st_ino == named.st_ino)
             return Attempt::Locked;
-        }
         errno = EWOULDBLOCK;
     }
     const bool busy = errno == EWOULDBLOCK || errno == EINTR;
@@ -64,29 +61,28 @@ Attempt TryLock(const char* file, int& handle) {
 
 } // namespace
 
-FileLock::FileLock(const std::filesystem::path& file) : file_(file), handle_(-1) {
+FileLock::FileLock(const std::filesystem::path& file) : m_File(file), m_Handle(-1) {
     using namespace std::chrono;
     const auto deadline = steady_clock::now() + seconds(10);
     Attempt attempt;
-    while ((attempt = TryLock(file_.c_str(), handle_)) == Attempt::Busy &&
-           steady_clock::now() < deadline) {
+    while ((attempt = TryLock(m_File.c_str(), m_Handle)) == Attempt::Busy &&
+           steady_clock::now() < deadline)
         std::this_thread::sleep_for(milliseconds(1));
-    }
     if (attempt != Attempt::Locked) {
         throw HostError(attempt == Attempt::Busy
-                            ? "another program keeps the lock file \"" + PathText(file_) + "\""
-                            : "cannot write lock file \"" + PathText(file_) + "\"");
+                            ? "another program keeps the lock file \"" + PathText(m_File) + "\""
+                            : "cannot write lock file \"" + PathText(m_File) + "\"");
     }
 }
 
 FileLock::~FileLock() {
-    unlink(file_.c_str()); // ahead of the release, so that nobody locks a file without a name
-    close(handle_);
+    unlink(m_File.c_str()); // ahead of the release, so that nobody locks a file without a name
+    close(m_Handle);
 }
 
 Library::Library(const std::filesystem::path& file)
-    : handle_(dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL)) {
-    if (handle_ == nullptr) {
+    : m_Handle(dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL)) {
+    if (m_Handle == nullptr) {
         const char* reason = dlerror();
         throw HostError("cannot load the module: " +
                         (reason != nullptr ? std::string(reason) : file.string()));
@@ -94,11 +90,11 @@ Library::Library(const std::filesystem::path& file)
 }
 
 Library::~Library() {
-    dlclose(handle_);
+    dlclose(m_Handle);
 }
 
 void* Library::Find(const char* name) const {
-    return dlsym(handle_, name);
+    return dlsym(m_Handle, name);
 }
 
 } // namespace etmhost

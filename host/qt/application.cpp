@@ -41,26 +41,19 @@ QPalette DarkPalette() {
 // Qt ends the program where it finds no X server, so look for one first.
 bool HasScreen() {
     const QByteArray platform = qgetenv("QT_QPA_PLATFORM");
-    if (!platform.isEmpty() && !platform.startsWith("xcb")) {
-        return true;
-    }
+    if (!platform.isEmpty() && !platform.startsWith("xcb")) return true;
     if (platform.isEmpty() && qgetenv("XDG_SESSION_TYPE") == "wayland" &&
-        qEnvironmentVariableIsSet("WAYLAND_DISPLAY")) {
+        qEnvironmentVariableIsSet("WAYLAND_DISPLAY"))
         return true;
-    }
     void* library = dlopen("libxcb.so.1", RTLD_NOW | RTLD_LOCAL);
-    if (library == nullptr) {
-        return false;
-    }
+    if (library == nullptr) return false;
     using Connect = void* (*)(const char*, int*);
     using HasError = int (*)(void*);
     using Disconnect = void (*)(void*);
     const auto connect = reinterpret_cast<Connect>(dlsym(library, "xcb_connect"));
     const auto hasError = reinterpret_cast<HasError>(dlsym(library, "xcb_connection_has_error"));
     const auto disconnect = reinterpret_cast<Disconnect>(dlsym(library, "xcb_disconnect"));
-    if (connect == nullptr || hasError == nullptr || disconnect == nullptr) {
-        return false;
-    }
+    if (connect == nullptr || hasError == nullptr || disconnect == nullptr) return false;
     void* connection = connect(nullptr, nullptr);
     const bool connected = hasError(connection) == 0;
     disconnect(connection);
@@ -82,9 +75,7 @@ std::shared_ptr<QApplication> MakeApplication(bool dark) {
 }
 
 Screen PrepareDarkScreen() {
-    if (!HasScreen()) {
-        throw HostError("there is no screen to show the dialog on");
-    }
+    if (!HasScreen()) throw HostError("there is no screen to show the dialog on");
     return MakeApplication(true);
 }
 

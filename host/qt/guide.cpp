@@ -19,11 +19,11 @@ constexpr int kPatience = 10 * 1000; // for one stop, in ms
 } // namespace
 
 void Guide::Add(QString what, std::function<QWidget*()> find, std::function<void(QWidget*)> act) {
-    stops_.push_back({std::move(what), std::move(find), std::move(act)});
+    m_Stops.push_back({std::move(what), std::move(find), std::move(act)});
 }
 
 void Guide::Start() {
-    waiting_.start();
+    m_Waiting.start();
     Schedule();
 }
 
@@ -33,47 +33,43 @@ void Guide::Schedule() {
 }
 
 void Guide::Fail(const QString& reason) {
-    if (failure_.isEmpty()) {
-        failure_ = reason;
-        waiting_.restart();
+    if (m_Failure.isEmpty()) {
+        m_Failure = reason;
+        m_Waiting.restart();
     }
 }
 
 void Guide::Tick() {
     Schedule();
-    if (const auto* box = qobject_cast<QMessageBox*>(ModalWindow())) {
+    if (const auto* box = qobject_cast<QMessageBox*>(ModalWindow()))
         Fail("a box \"" + box->windowTitle() + "\" came up: " + box->text());
-    }
-    if (!failure_.isEmpty()) {
+    if (!m_Failure.isEmpty()) {
         CloseTopWindow();
         return;
     }
-    QWidget* widget = arrived() ? nullptr : stops_[next_].find();
+    QWidget* widget = arrived() ? nullptr : m_Stops[m_Next].find();
     if (widget != nullptr) {
-        waiting_.restart();
-        const Stop& stop = stops_[next_];
-        ++next_; // ahead of the act, which may not return before later stops are made
+        m_Waiting.restart();
+        const Stop& stop = m_Stops[m_Next];
+        ++m_Next; // ahead of the act, which may not return before later stops are made
         stop.act(widget);
-    } else if (waiting_.elapsed() > kPatience) {
-        Fail(arrived() ? "the dialog did not close" : "did not find " + stops_[next_].what);
+    } else if (m_Waiting.elapsed() > kPatience) {
+        Fail(arrived() ? "the dialog did not close" : "did not find " + m_Stops[m_Next].what);
     }
 }
 
 void Guide::CloseTopWindow() {
     QWidget* window = ModalWindow();
-    if (window == nullptr) {
-        return;
-    }
-    if (waiting_.elapsed() > kPatience) {
+    if (window == nullptr) return;
+    if (m_Waiting.elapsed() > kPatience) {
         PrintRefusal(std::cerr, kProgram,
-                     "tour: " + failure_.toStdString() + "\na window cannot be closed");
+                     "tour: " + m_Failure.toStdString() + "\na window cannot be closed");
         std::_Exit(1);
     }
-    if (auto* box = qobject_cast<QMessageBox*>(window)) {
+    if (auto* box = qobject_cast<QMessageBox*>(window))
         box->buttons().last()->click(); // a box without a Cancel button ignores close
-    } else {
+    else
         window->close();
-    }
 }
 
 QWidget* ModalWindow(const QString& name) {

@@ -34,20 +34,20 @@ public:
     void Fail(const QString& reason);
 
     /// Returns why the trip ended early; empty if it went well so far.
-    const QString& failure() const { return failure_; }
+    const QString& failure() const { return m_Failure; }
 
     /// Returns true iff every stop has been made.
-    bool arrived() const { return next_ == stops_.size(); }
+    bool arrived() const { return m_Next == m_Stops.size(); }
 
 private:
     void Schedule();
     void Tick();
     void CloseTopWindow();
 
-    std::vector<Stop> stops_;
-    size_t next_ = 0;
-    QElapsedTimer waiting_;
-    QString failure_;
+    std::vector<Stop> m_Stops;
+    size_t m_Next = 0;
+    QElapsedTimer m_Waiting;
+    QString m_Failure;
 };
 
 /// Returns the modal window in front if its object name is `name`; null otherwise. An empty name

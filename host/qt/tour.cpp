@@ -43,9 +43,7 @@ QWidget* EnabledOnPage(const char* page, const char* control) {
 }
 
 void Click(QWidget* widget) {
-    if (auto* button = qobject_cast<QAbstractButton*>(widget)) {
-        button->click();
-    }
+    if (auto* button = qobject_cast<QAbstractButton*>(widget)) button->click();
 }
 
 void SelectTab(QTabWidget* tabs, int index) {
@@ -66,24 +64,22 @@ QString FileName(QString title) {
 class Route {
 public:
     Route(Guide& guide, Journal& journal, const TourOptions& options)
-        : guide_(guide), journal_(journal),
-          directory_(QFile::decodeName(options.directory.c_str())) {}
+        : m_Guide(guide), m_Journal(journal),
+          m_Directory(QFile::decodeName(options.directory.c_str())) {}
 
     void Plan() {
         EnableTrace();
-        for (int index = 0; index < kTabs; ++index) {
-            VisitTab(index);
-        }
+        for (int index = 0; index < kTabs; ++index) VisitTab(index);
         VisitConfiguration();
         Capture();
-        guide_.Add(
+        m_Guide.Add(
             "the OK button",
             []() -> QWidget* {
                 QTabWidget* tabs = Tabs();
                 return tabs != nullptr ? tabs->window()->findChild<QWidget*>("1") : nullptr;
             },
             [this](QWidget* ok) {
-                journal_.Step("click OK");
+                m_Journal.Step("click OK");
                 Click(ok);
             });
     }
@@ -92,15 +88,15 @@ private:
     // Trace has to be on for the pages to show what they have. Where no board file is known yet,
     // that brings up the ETM Configuration dialog.
     void EnableTrace() {
-        guide_.Add(
+        m_Guide.Add(
             "the check box Enable ETM", [] { return OnPage("107", "1000"); },
             [this](QWidget* box) {
                 if (!qobject_cast<QAbstractButton*>(box)->isChecked()) {
-                    journal_.Step("click Enable ETM");
+                    m_Journal.Step("click Enable ETM");
                     Click(box);
                 }
             });
-        guide_.Add(
+        m_Guide.Add(
             "trace enabled",
             [] {
                 QWidget* dialog = ModalWindow("1001");
@@ -110,14 +106,14 @@ private:
     }
 
     void VisitTab(int index) {
-        guide_.Add(
+        m_Guide.Add(
             "the tabs", [] { return Tabs(); },
             [this, index](QWidget* widget) {
                 auto* tabs = static_cast<QTabWidget*>(widget);
-                journal_.Step("tab " + tabs->tabText(index).toStdString());
+                m_Journal.Step("tab " + tabs->tabText(index).toStdString());
                 SelectTab(tabs, index);
             });
-        guide_.Add(
+        m_Guide.Add(
             "tab " + QString::number(index + 1),
             [index]() -> QWidget* {
                 QTabWidget* tabs = Tabs();
@@ -130,65 +126,63 @@ private:
     }
 
     void VisitConfiguration() {
-        guide_.Add(
+        m_Guide.Add(
             "the tabs", [] { return Tabs(); },
             [](QWidget* tabs) { SelectTab(static_cast<QTabWidget*>(tabs), 0); });
-        guide_.Add(
+        m_Guide.Add(
             "the button Configure ETM", [] { return EnabledOnPage("107", "1029"); },
             [this](QWidget* button) {
-                if (!configurationSeen_) {
-                    journal_.Step("click Configure ETM");
+                if (!m_ConfigurationSeen) {
+                    m_Journal.Step("click Configure ETM");
                     Click(button);
                 }
             });
-        guide_.Add(
+        m_Guide.Add(
             "the ETM Configuration dialog",
-            [this]() -> QWidget* { return configurationSeen_ ? Tabs() : ModalWindow("1001"); },
+            [this]() -> QWidget* { return m_ConfigurationSeen ? Tabs() : ModalWindow("1001"); },
             [this](QWidget* widget) { AcceptConfiguration(widget); });
     }
 
     void Capture() {
-        guide_.Add(
+        m_Guide.Add(
             "the button Start", [] { return EnabledOnPage("107", "1030"); },
             [this](QWidget* start) {
-                journal_.Step("click Start");
+                m_Journal.Step("click Start");
                 Click(start);
             });
-        guide_.Add(
+        m_Guide.Add(
             "the button Stop", [] { return EnabledOnPage("107", "1031"); },
             [this](QWidget* stop) {
                 TakePicture(stop->window(), kTabs + 2, "capture");
-                journal_.Step("click Stop");
+                m_Journal.Step("click Stop");
                 Click(stop);
             });
-        guide_.Add(
+        m_Guide.Add(
             "the button Start", [] { return EnabledOnPage("107", "1030"); }, [](QWidget*) {});
     }
 
     // `widget` is anything else where the dialog is not up.
     void AcceptConfiguration(QWidget* widget) {
-        if (widget->objectName() != "1001") {
-            return;
-        }
-        configurationSeen_ = true;
+        if (widget->objectName() != "1001") return;
+        m_ConfigurationSeen = true;
         TakePicture(widget, kTabs + 1, FileName(widget->windowTitle()));
-        journal_.Step("click OK of " + widget->windowTitle().toStdString());
+        m_Journal.Step("click OK of " + widget->windowTitle().toStdString());
         Click(widget->findChild<QWidget*>("1"));
     }
 
     void TakePicture(QWidget* window, int number, const QString& name) {
         const QString file = QString::number(number) + "-" + name + ".png";
-        if (!window->grab().save(QDir(directory_).filePath(file))) {
-            guide_.Fail("cannot write the picture " + file);
+        if (!window->grab().save(QDir(m_Directory).filePath(file))) {
+            m_Guide.Fail("cannot write the picture " + file);
             return;
         }
-        journal_.Step("picture " + file.toStdString());
+        m_Journal.Step("picture " + file.toStdString());
     }
 
-    Guide& guide_;
-    Journal& journal_;
-    const QString directory_;
-    bool configurationSeen_ = false;
+    Guide& m_Guide;
+    Journal& m_Journal;
+    const QString m_Directory;
+    bool m_ConfigurationSeen = false;
 };
 
 } // namespace
@@ -196,21 +190,17 @@ private:
 Screen PrepareTour(const TourOptions& options) {
     const QString directory = QFile::decodeName(options.directory.c_str());
     QFile probe(QDir(directory).filePath(".etmhost-probe"));
-    if (!QDir().mkpath(directory) || !probe.open(QIODevice::WriteOnly)) {
+    if (!QDir().mkpath(directory) || !probe.open(QIODevice::WriteOnly))
         throw HostError("tour: cannot write into directory \"" + options.directory + "\"");
-    }
     probe.remove();
     qputenv("QT_QPA_PLATFORM", "offscreen");
     qputenv("QT_LOGGING_RULES", "default.warning=false"); // about what offscreen cannot do
-    if (options.scale != 1.0) {
-        qputenv("QT_SCALE_FACTOR", QByteArray::number(options.scale));
-    }
+    if (options.scale != 1.0) qputenv("QT_SCALE_FACTOR", QByteArray::number(options.scale));
     const std::shared_ptr<QApplication> application = MakeApplication(options.dark);
     if (!options.font.empty()) {
         const QString font = QString::fromLocal8Bit(options.font.c_str());
-        if (!QFontDatabase::families().contains(font, Qt::CaseInsensitive)) {
+        if (!QFontDatabase::families().contains(font, Qt::CaseInsensitive))
             throw HostError("there is no font \"" + options.font + "\"");
-        }
         QFont chosen = QApplication::font();
         chosen.setFamilies({font});
         QApplication::setFont(chosen);
@@ -225,9 +215,8 @@ Status Tour(ModuleSession& session, SimulatedHost& host, const TourOptions& opti
     route.Plan();
     guide.Start();
     const Status status = OpenDialog(session, host, errors);
-    if (status == kDone && guide.failure().isEmpty() && !guide.arrived()) {
+    if (status == kDone && guide.failure().isEmpty() && !guide.arrived())
         guide.Fail("the dialog closed early");
-    }
     if (!guide.failure().isEmpty()) {
         PrintRefusal(errors, kProgram, "tour: " + guide.failure().toStdString());
         return kFailed;

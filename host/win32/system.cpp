@@ -26,9 +26,7 @@ std::optional<std::filesystem::path> NativePath(const std::string& text) {
     const int size = static_cast<int>(text.size());
     const int length =
         MultiByteToWideChar(CP_ACP, MB_ERR_INVALID_CHARS, text.data(), size, nullptr, 0);
-    if (length == 0 && size != 0) {
-        return std::nullopt;
-    }
+    if (length == 0 && size != 0) return std::nullopt;
     std::wstring wide(static_cast<size_t>(length), L'\0');
     MultiByteToWideChar(CP_ACP, MB_ERR_INVALID_CHARS, text.data(), size, wide.data(), length);
     return std::filesystem::path(wide);
@@ -57,27 +55,21 @@ ULONGLONG Patience(DWORD error) {
 bool MoveOver(const std::filesystem::path& from, const std::filesystem::path& to) {
     const ULONGLONG start = GetTickCount64();
     for (;;) { // a program that reads the file keeps it for a moment
-        if (MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING)) {
-            return true;
-        }
-        if (GetTickCount64() - start >= Patience(GetLastError())) {
-            return false;
-        }
+        if (MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING)) return true;
+        if (GetTickCount64() - start >= Patience(GetLastError())) return false;
         Sleep(1);
     }
 }
 
-FileLock::FileLock(const std::filesystem::path& file) : file_(file) {
+FileLock::FileLock(const std::filesystem::path& file) : m_File(file) {
     const ULONGLONG start = GetTickCount64();
     for (;;) { // the system removes the file with its handle
-        handle_ = CreateFileW(file_.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
-                              FILE_ATTRIBUTE_NORMAL | FILE_FLAG_DELETE_ON_CLOSE, nullptr);
-        if (handle_ != INVALID_HANDLE_VALUE) {
-            return;
-        }
+        m_Handle = CreateFileW(m_File.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
+                               FILE_ATTRIBUTE_NORMAL | FILE_FLAG_DELETE_ON_CLOSE, nullptr);
+        if (m_Handle != INVALID_HANDLE_VALUE) return;
         const DWORD error = GetLastError();
         if (GetTickCount64() - start >= Patience(error)) {
-            throw HostError("cannot write lock file \"" + PathText(file_) + "\": system error " +
+            throw HostError("cannot write lock file \"" + PathText(m_File) + "\": system error " +
                             std::to_string(error));
         }
         Sleep(1);
@@ -85,24 +77,24 @@ FileLock::FileLock(const std::filesystem::path& file) : file_(file) {
 }
 
 FileLock::~FileLock() {
-    CloseHandle(handle_);
+    CloseHandle(m_Handle);
 }
 
 Library::Library(const std::filesystem::path& file) {
     SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX); // no boxes: the text below tells
-    handle_ = LoadLibraryW(file.c_str());
-    if (handle_ == nullptr) {
+    m_Handle = LoadLibraryW(file.c_str());
+    if (m_Handle == nullptr) {
         throw HostError("cannot load the module: \"" + PathText(file) + "\": system error " +
                         std::to_string(GetLastError()));
     }
 }
 
 Library::~Library() {
-    FreeLibrary(static_cast<HMODULE>(handle_));
+    FreeLibrary(static_cast<HMODULE>(m_Handle));
 }
 
 void* Library::Find(const char* name) const {
-    return reinterpret_cast<void*>(GetProcAddress(static_cast<HMODULE>(handle_), name));
+    return reinterpret_cast<void*>(GetProcAddress(static_cast<HMODULE>(m_Handle), name));
 }
 
 } // namespace etmhost

@@ -86,13 +86,14 @@ TEST(StateFile, SeveralProgramsLoseNothing) {
         programs.emplace_back([&path, place] {
             LoadedHost program("arm926", path);
             TargetState& state = program.host.target.state;
-            for (uint32_t time = 0; time < kTimes; ++time) {
-                program.file.Update(program.host, [&] {
-                    ++(state.capture.*place);
-                    ++state.triggerCount;
-                    program.host.settings["times"][std::to_string(time)] = "counted";
-                });
-            }
+            for (uint32_t time = 0; time < kTimes; ++time)
+                program.file.Update(
+                    program.host,
+                    [&] {
+                        ++(state.capture.*place);
+                        ++state.triggerCount;
+                        program.host.settings["times"][std::to_string(time)] = "counted";
+                    });
         });
     }
     const uint32_t before = one.host.target.state.triggerCount;

@@ -37,18 +37,20 @@ TEST_F(OtherPages, TheDwtPageOffersTheComparatorsOfItsMode) {
 }
 
 TEST_F(OtherPages, AToolTipNeedsAControlAndAText) {
-    Open(0, [&] {
-        CWnd& edit = display.Control(1077);
-        CEdit orphan;
-        jToolTip tips;
-        EXPECT_FALSE(tips.AddWindowTool(&edit, 3)) << "not created yet";
-        tips.Create(display.Front());
-        tips.Activate(true);
-        EXPECT_TRUE(tips.AddWindowTool(&edit, 3));
-        EXPECT_TRUE(tips.AddWindowTool(&orphan, 6));
-        EXPECT_FALSE(tips.AddWindowTool(&edit, 7));
-        EXPECT_FALSE(tips.AddWindowTool(nullptr, 1));
-    });
+    Open(
+        0,
+        [&] {
+            CWnd& edit = display.Control(1077);
+            CEdit orphan;
+            jToolTip tips;
+            EXPECT_FALSE(tips.AddWindowTool(&edit, 3)) << "not created yet";
+            tips.Create(display.Front());
+            tips.Activate(true);
+            EXPECT_TRUE(tips.AddWindowTool(&edit, 3));
+            EXPECT_TRUE(tips.AddWindowTool(&orphan, 6));
+            EXPECT_FALSE(tips.AddWindowTool(&edit, 7));
+            EXPECT_FALSE(tips.AddWindowTool(nullptr, 1));
+        });
 }
 
 } // namespace

@@ -10,14 +10,16 @@ namespace {
 using Keyboard = QtTest;
 
 TEST_F(Keyboard, TabGoesThroughTheTemplate) {
-    Run(dialog, [&] {
-        for (const int id : {11, 12, 13, 20, 30, 32, 50, 40, 1, 2, 11}) {
-            EXPECT_EQ(Focus(), id);
-            Press(Qt::Key_Tab);
-        }
-        PressOn(11, Qt::Key_Backtab);
-        EXPECT_EQ(Focus(), 2);
-    });
+    Run(
+        dialog,
+        [&] {
+            for (const int id : {11, 12, 13, 20, 30, 32, 50, 40, 1, 2, 11}) {
+                EXPECT_EQ(Focus(), id);
+                Press(Qt::Key_Tab);
+            }
+            PressOn(11, Qt::Key_Backtab);
+            EXPECT_EQ(Focus(), 2);
+        });
 }
 
 TEST_F(Keyboard, ARadioGroupIsOneStopWithArrowsInside) {

@@ -21,14 +21,16 @@ TEST_F(Modal, WhatLiesOverADialogHoldsItsEndBackAndLetsItsTicksThrough) {
     dialog.onTick = [&] {
         if (++ticks == 4) dialog.KillTimer(1);
         if (ticks > 1) return;
-        Run(inner, [&] {
-            EXPECT_TRUE(QTest::qWaitFor([&] { return ticks == 4; }));
-            const QWidget* window = QtUser::Window();
-            dialog.EndDialog(IDOK);
-            user.Wait(50);
-            EXPECT_EQ(QtUser::Window(), window);
-            user.Click(IDOK);
-        });
+        Run(
+            inner,
+            [&] {
+                EXPECT_TRUE(QTest::qWaitFor([&] { return ticks == 4; }));
+                const QWidget* window = QtUser::Window();
+                dialog.EndDialog(IDOK);
+                user.Wait(50);
+                EXPECT_EQ(QtUser::Window(), window);
+                user.Click(IDOK);
+            });
         user.Answer(IDYES);
         EXPECT_EQ(dialog.MessageBox("Text\r\nnext", "Title", MB_YESNO), IDYES);
     };

@@ -241,8 +241,8 @@ void HeadlessDisplay::StartTimer(CWnd& window, unsigned id, unsigned millisecond
 }
 
 void HeadlessDisplay::StopTimer(CWnd& window, unsigned id) {
-    std::erase_if(m_Timers,
-                  [&](const Timer& timer) { return timer.window == &window && timer.id == id; });
+    std::erase_if(
+        m_Timers, [&](const Timer& timer) { return timer.window == &window && timer.id == id; });
 }
 
 bool HeadlessDisplay::MeasureTabbedText(const CWnd&, std::string_view text, int& width) {

@@ -65,8 +65,9 @@ class ButtonPeer : public QtPeer {
 public:
     ButtonPeer(CWnd& model, QAbstractButton* button, QObject* reports)
         : QtPeer(model, button), m_Button(button) {
-        QObject::connect(button, &QAbstractButton::clicked, reports,
-                         [this] { Guarded([this] { input::Click(m_Model); }); });
+        QObject::connect(
+            button, &QAbstractButton::clicked, reports,
+            [this] { Guarded([this] { input::Click(m_Model); }); });
     }
 
     void Refresh(Change what) override {

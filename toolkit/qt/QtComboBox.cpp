@@ -52,12 +52,14 @@ class ComboBoxPeer : public QtPeer {
 public:
     ComboBoxPeer(CComboBox& model, ComboBox* combo, QObject* reports)
         : QtPeer(model, combo), m_List(model), m_Combo(combo) {
-        QObject::connect(combo, &QComboBox::currentIndexChanged, reports, [this](int index) {
-            Guarded([&] {
-                input::Select(m_Model, index);
-                Refresh(Change::Selection);
+        QObject::connect(
+            combo, &QComboBox::currentIndexChanged, reports,
+            [this](int index) {
+                Guarded([&] {
+                    input::Select(m_Model, index);
+                    Refresh(Change::Selection);
+                });
             });
-        });
     }
 
     void Refresh(Change what) override {

@@ -20,7 +20,8 @@ namespace qt {
 namespace {
 
 bool OnlyDigits(const QString& text) {
-    return std::ranges::all_of(text, [](QChar c) { return c >= u'0' && c <= u'9'; });
+    return std::ranges::all_of(
+        text, [](QChar c) { return c >= u'0' && c <= u'9'; });
 }
 
 bool IsReadOnly(const CWnd& model) {
@@ -128,8 +129,9 @@ class TextEditPeer : public QtPeer {
 public:
     TextEditPeer(CWnd& model, TextEdit* edit, QObject* reports)
         : QtPeer(model, edit), m_Edit(edit) {
-        QObject::connect(edit, &QPlainTextEdit::textChanged, reports,
-                         [this] { Guarded([this] { ReportText(); }); });
+        QObject::connect(
+            edit, &QPlainTextEdit::textChanged, reports,
+            [this] { Guarded([this] { ReportText(); }); });
     }
 
     void Refresh(Change what) override {

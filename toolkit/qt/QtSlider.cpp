@@ -50,12 +50,14 @@ public:
         : QtPeer(model, slider), m_Range(model), m_Slider(slider) {
         if ((model.GetStyle() & style::TicksBothSides) != 0)
             m_Slider->setTickPosition(QSlider::TicksBothSides);
-        QObject::connect(slider, &QSlider::valueChanged, reports, [this](int position) {
-            Guarded([&] {
-                input::Slide(m_Range, position);
-                Refresh(Change::Position);
+        QObject::connect(
+            slider, &QSlider::valueChanged, reports,
+            [this](int position) {
+                Guarded([&] {
+                    input::Slide(m_Range, position);
+                    Refresh(Change::Position);
+                });
             });
-        });
         QObject::connect(slider, &QSlider::sliderReleased, reports,
                          [this] { input::Release(m_Range); });
     }
