@@ -79,11 +79,15 @@ bool jKVETMSupp::SettleSelection(const char* directory) {
     return AskUser();
 }
 
-static bool OpenWindow() {
+namespace {
+
+bool OpenWindow() {
     if (g_SheetOpen != 0) return g_Ctrl->Open();
     const calls::Waiting waiting; // this call needs nothing of the host meanwhile
     return g_Ctrl->Open();
 }
+
+} // namespace
 
 bool jKVETMSupp::AskUser() {
     if (g_SheetOpen == 0) g_BoardQueryPending = 1;

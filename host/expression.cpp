@@ -82,7 +82,7 @@ private:
         bool negative = false;
         SkipSpace();
         while (Peek() == '+' || Peek() == '-') {
-            negative ^= Peek() == '-';
+            if (Peek() == '-') negative = !negative;
             ++m_Position;
             SkipSpace();
         }

@@ -55,7 +55,7 @@ OrnBool HostVETMTrace::HasFeature(uint32_t feature) {
                      (feature == ORN_FEATURE_TPIU && chip.path == TracePath::Tpiu) ||
                      (feature == ORN_FEATURE_CORTEX_M3 && chip.cortexM3);
     m_Journal.Call("HasFeature " + Hex(feature), YesNo(has));
-    return has;
+    return static_cast<OrnBool>(has);
 }
 
 OrnBool HostVETMTrace::SetValue(uint32_t id, uint32_t value) {
@@ -69,7 +69,7 @@ OrnBool HostVETMTrace::SetValue(uint32_t id, uint32_t value) {
     const std::string call = "SetValue " + Hex(id) + " " + Hex(value);
     m_Journal.Call(call, refusal ? "refused" : "ok");
     if (refusal) m_Journal.Refused(call, *refusal);
-    return !refusal;
+    return static_cast<OrnBool>(!refusal);
 }
 
 bool HostVETMTrace::Read(uint32_t id, uint32_t& value) const {
@@ -108,7 +108,7 @@ OrnBool HostVETMTrace::GetValue(uint32_t id, uint32_t* value) {
     const std::string call = "GetValue " + Hex(id);
     m_Journal.Call(call, known ? Hex(read) : "refused");
     if (!known) m_Journal.Refused(call, "There is no such value to read");
-    return known;
+    return static_cast<OrnBool>(known);
 }
 
 const char* HostVETMTrace::GetSettingsLine(uint32_t index) {
@@ -140,7 +140,7 @@ OrnBool HostTraceClient::Action(const char* action, const char* argument) {
     }
     m_Journal.Call("Action " + Quote(action) + " " + Quote(argument), YesNo(done));
     if (!done && refusal) m_Journal.Refused(refused, *refusal);
-    return done;
+    return static_cast<OrnBool>(done);
 }
 
 // --- IOrnXTraceClient ----------------------------------------------------------------
@@ -153,7 +153,7 @@ HostXTraceClient::HostXTraceClient(NamedSettings& settings, const Transaction& t
 OrnBool HostXTraceClient::HasCommand(const char* name) {
     const bool has = EqualNoCase(OrEmpty(name), "ExecuteCmd");
     m_Journal.Call("HasCommand " + Quote(name), YesNo(has));
-    return has;
+    return static_cast<OrnBool>(has);
 }
 
 OrnBool HostXTraceClient::WriteSetting(const char* section, const char* key, const char* value) {
@@ -163,7 +163,7 @@ OrnBool HostXTraceClient::WriteSetting(const char* section, const char* key, con
         "WriteSetting " + Quote(section) + " " + Quote(key) + " " + Quote(value);
     m_Journal.Call(call, complete ? "ok" : "refused");
     if (!complete) m_Journal.Refused(call, "A section, a key and a value are needed");
-    return complete;
+    return static_cast<OrnBool>(complete);
 }
 
 OrnBool HostXTraceClient::ReadSetting(const char* section, const char* key, int32_t size,
@@ -179,7 +179,7 @@ OrnBool HostXTraceClient::ReadSetting(const char* section, const char* key, int3
     }
     m_Journal.Call("ReadSetting " + Quote(section) + " " + Quote(key) + " " + std::to_string(size),
                    found ? Quote(buffer) : "none");
-    return found;
+    return static_cast<OrnBool>(found);
 }
 
 // --- The host --------------------------------------------------------------------------

@@ -4,7 +4,7 @@
 #include "frame/slots.h"
 
 bool HasFeature(uint32_t feature) {
-    return g_VETMTrace != nullptr && g_VETMTrace->HasFeature(feature);
+    return g_VETMTrace != nullptr && g_VETMTrace->HasFeature(feature) != 0;
 }
 
 uint32_t GetTraceState() {

@@ -12,10 +12,14 @@
 #include "settings/jTraceSettings.h"
 #include "toolkit/CWnd.h"
 
+namespace {
+
 /// Returns true iff the host took the command.
-static bool Send(const std::string& command) {
+bool Send(const std::string& command) {
     return g_VETMTrace->Command(command.c_str(), nullptr) == nullptr;
 }
+
+} // namespace
 
 bool jTraceSettings::IsModified() const {
     return ControlChanged() || TriggerPositionChanged() || PortChanged() || TraceChanged();
@@ -53,7 +57,7 @@ bool jTraceSettings::TraceChanged() const {
 }
 
 bool jTraceSettings::ApplyToTarget() {
-    if (!g_VETMTrace) return false;
+    if (g_VETMTrace == nullptr) return false;
     // Decided once: a host may answer a command with an apply of its own, which makes
     // the images equal while this one is half done.
     const bool boardDiffers = Working.BoardFile != Snapshot.BoardFile;
@@ -77,11 +81,11 @@ bool jTraceSettings::ApplyToTarget() {
 
 /// Returns false if the host refused "enable".
 bool jTraceSettings::SwitchTrace(bool wasEnabled) {
-    if (!Working.Enable && wasEnabled) Send("disable");
-    if (!Working.Enable || wasEnabled) return true;
+    if (Working.Enable == 0 && wasEnabled) Send("disable");
+    if (Working.Enable == 0 || wasEnabled) return true;
 
     const char* const refusal = g_VETMTrace->Command("enable", nullptr);
-    if (!refusal) return true;
+    if (refusal == nullptr) return true;
     // A copy: timers call the host while the box is open, and its text may go.
     const std::string reason = refusal;
     MessageBoxWithoutOwner(reason.c_str(), "Cannot enable trace", MB_OK | MB_ICONHAND);
@@ -99,18 +103,18 @@ bool jTraceSettings::ApplyPort() {
     if (width > 0) Send("etm portsize=" + std::to_string(width));
 
     // The half-rate entries: the first of the normal format, and the one behind them.
-    const bool normal = Snapshot.NormalFormatSupported;
-    const int32_t normalEntries = !normal ? 0 : Snapshot.HalfRateSupported ? 2 : 1;
+    const bool normal = Snapshot.NormalFormatSupported != 0;
+    const int32_t normalEntries = !normal ? 0 : Snapshot.HalfRateSupported != 0 ? 2 : 1;
     const bool halfRate =
-        Snapshot.HalfRateSupported &&
+        (Snapshot.HalfRateSupported != 0) &&
         ((normal && Working.PortModeIndex == 0) ||
-         (Snapshot.DemultiplexedFormatSupported && Working.PortModeIndex == normalEntries));
+         (Snapshot.DemultiplexedFormatSupported != 0 && Working.PortModeIndex == normalEntries));
     const bool taken = Send(halfRate ? "etm halfrate=on" : "etm halfrate=off");
 
     const char* board = Working.BoardFile.c_str();
     const BoardSelection kind = KindOfBoard(board);
     if (kind == BoardSelection::Empty) board = ORN_BOARD_NONE;
-    if (g_XTraceClient && kind != BoardSelection::Unknown)
+    if (g_XTraceClient != nullptr && kind != BoardSelection::Unknown)
         g_XTraceClient->WriteSetting(ORN_SETTING_SECTION, ORN_SETTING_BOARD_FILE, board);
     return taken;
 }
@@ -149,6 +153,6 @@ bool jTraceSettings::ApplyTrace() {
         send("etm data=from " + wanted.DataBegin);
         send("etm data=to " + wanted.DataEnd);
     }
-    if (taken && wanted.TriggerOnAddress) send("etm trigger " + wanted.TriggerAddress);
+    if (taken && wanted.TriggerOnAddress != 0) send("etm trigger " + wanted.TriggerAddress);
     return taken;
 }

@@ -40,8 +40,8 @@ int32_t FillPortModes(const jTraceState& chip) {
     g_PortModes.fill({});
     if (chip.ArchVersion >= 30) {
         add("Half-rate clocking", kHalfRateBit);
-    } else if (chip.NormalFormatSupported) {
-        if (chip.HalfRateSupported) add("Normal, Half-rate clocking", kHalfRateBit);
+    } else if (chip.NormalFormatSupported != 0) {
+        if (chip.HalfRateSupported != 0) add("Normal, Half-rate clocking", kHalfRateBit);
         add("Normal, no Half-rate clocking", 0);
     }
     return count;

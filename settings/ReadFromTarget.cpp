@@ -15,29 +15,29 @@
 #include "settings/jTraceSettings.h"
 #include "text/TxtScan.h"
 
+namespace {
+
 // Far more than any host prints. One that never ends its text must not hang the
 // debugger.
-static constexpr uint32_t kMaxSettingsLines = 1000000;
+constexpr uint32_t kMaxSettingsLines = 1000000;
 
-static bool IsWord(const TxtScan& scanner, const char* word) {
+bool IsWord(const TxtScan& scanner, const char* word) {
     return CompareNoCase(scanner.Text, word) == 0;
 }
 
-static bool TakeName(TxtScan& scanner) {
+bool TakeName(TxtScan& scanner) {
     return scanner.GetToken() == TK_IDENT;
 }
 
-static bool TakeEqualSign(TxtScan& scanner) {
+bool TakeEqualSign(TxtScan& scanner) {
     return scanner.GetToken() == TK_PUNCT && IsWord(scanner, "=");
 }
 
 /// Returns the line from the next token on.
-static const char* TakeRest(TxtScan& scanner) {
+const char* TakeRest(TxtScan& scanner) {
     scanner.GetToken();
     return scanner.TokenStart;
 }
-
-namespace {
 
 /// What may stand behind the "=" of a PC or DATA line.
 struct Form {
@@ -58,15 +58,15 @@ template <size_t N> const Form* TakeForm(TxtScan& scanner, const Form (&forms)[N
 } // namespace
 
 bool jTraceSettings::ReadFromTarget() {
-    if (!g_VETMTrace) return false;
+    if (g_VETMTrace == nullptr) return false;
     ReadIdentification();
 
     uint32_t control = 0;
     uint32_t size = 0;
     uint32_t count = 0;
-    const bool controlRead = g_VETMTrace->GetValue(ORN_VALUE_CONTROL, &control);
-    const bool sizeRead = g_VETMTrace->GetValue(ORN_VALUE_BUFFER_SIZE, &size);
-    const bool countRead = g_VETMTrace->GetValue(ORN_VALUE_TRIGGER_COUNT, &count);
+    const bool controlRead = g_VETMTrace->GetValue(ORN_VALUE_CONTROL, &control) != 0;
+    const bool sizeRead = g_VETMTrace->GetValue(ORN_VALUE_BUFFER_SIZE, &size) != 0;
+    const bool countRead = g_VETMTrace->GetValue(ORN_VALUE_TRIGGER_COUNT, &count) != 0;
     if (sizeRead) BufferSize = size;
 
     const bool linesRead = ReadSettingsLines();
@@ -81,9 +81,9 @@ bool jTraceSettings::ReadFromTarget() {
 
 void jTraceSettings::ReadIdentification() {
     uint32_t word = 0;
-    if (!g_VETMTrace->GetValue(ORN_VALUE_ETMCCR, &word)) return;
+    if (g_VETMTrace->GetValue(ORN_VALUE_ETMCCR, &word) == 0) return;
     Snapshot.ConfigCode = word;
-    if (!g_VETMTrace->GetValue(ORN_VALUE_ETMSCR, &word)) return;
+    if (g_VETMTrace->GetValue(ORN_VALUE_ETMSCR, &word) == 0) return;
     Snapshot.SystemConfig = word;
 
     Snapshot.EtmId = 0;
@@ -103,7 +103,7 @@ bool jTraceSettings::ReadSettingsLines() {
     }
     for (uint32_t index = 0; index < kMaxSettingsLines; ++index) {
         const char* const line = g_VETMTrace->GetSettingsLine(index);
-        if (!line) break;
+        if (line == nullptr) break;
         scanner->Init(line, -1);
         ParseSettingsLine(*scanner);
     }
@@ -137,8 +137,8 @@ bool jTraceSettings::ParsePcLine(TxtScan& scanner) {
         {"stop", PC_START_STOP, &jTraceState::PcEnd},
     };
     const Form* const form = TakeForm(scanner, kForms);
-    if (!form) return false;
-    if (form->Address) Snapshot.*form->Address = TakeRest(scanner);
+    if (form == nullptr) return false;
+    if (form->Address != nullptr) Snapshot.*form->Address = TakeRest(scanner);
     Snapshot.PcMode = form->Mode;
     return true;
 }
@@ -153,8 +153,8 @@ bool jTraceSettings::ParseDataLine(TxtScan& scanner) {
         {"to", DATA_IN_RANGE, &jTraceState::DataEnd},
     };
     const Form* const form = TakeForm(scanner, kForms);
-    if (!form) return false;
-    if (!form->Address) {
+    if (form == nullptr) return false;
+    if (form->Address == nullptr) {
         Snapshot.DataMode = form->Mode;
         return true;
     }
@@ -186,9 +186,9 @@ void jTraceSettings::DecodeTriggerCount(uint32_t count) {
 
 void jTraceSettings::ReadBoardFile() {
     char buffer[ORN_SETTING_LENGTH + 1] = "";
-    const bool stored =
-        g_XTraceClient && g_XTraceClient->ReadSetting(ORN_SETTING_SECTION, ORN_SETTING_BOARD_FILE,
-                                                      sizeof buffer, buffer);
+    const bool stored = g_XTraceClient != nullptr &&
+                        (g_XTraceClient->ReadSetting(ORN_SETTING_SECTION, ORN_SETTING_BOARD_FILE,
+                                                     sizeof buffer, buffer) != 0);
     buffer[sizeof buffer - 1] = '\0';
     Snapshot.BoardFile = stored ? buffer : ORN_BOARD_UNKNOWN;
 }

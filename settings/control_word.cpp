@@ -11,9 +11,9 @@ void DecodeControlWord(uint32_t word, jTraceState& state) {
     state.Accumulate = has(ORN_CONTROL_ACCUMULATE);
     state.ManualMode = has(ORN_CONTROL_MANUAL);
     state.ControlSpareBits = static_cast<int32_t>(word & ORN_CONTROL_KEPT);
-    if (has(ORN_CONTROL_STOP_WHEN_FULL))
+    if (has(ORN_CONTROL_STOP_WHEN_FULL) != 0)
         state.StopMode = STOP_WHEN_FULL;
-    else if (state.TriggerPin || state.TriggerOnAddress)
+    else if (state.TriggerPin != 0 || state.TriggerOnAddress != 0)
         state.StopMode = STOP_AFTER_TRIGGER;
     else
         state.StopMode = STOP_WITH_PROCESSOR;
@@ -22,11 +22,11 @@ void DecodeControlWord(uint32_t word, jTraceState& state) {
 uint32_t EncodeControlWord(const jTraceState& state) {
     const bool afterTrigger = state.StopMode == STOP_AFTER_TRIGGER;
     auto word = static_cast<uint32_t>(state.ControlSpareBits);
-    if (state.Enable) word |= ORN_CONTROL_ENABLE;
+    if (state.Enable != 0) word |= ORN_CONTROL_ENABLE;
     if (state.StopMode == STOP_WHEN_FULL) word |= ORN_CONTROL_STOP_WHEN_FULL;
-    if (afterTrigger && state.TriggerPin) word |= ORN_CONTROL_TRIGGER_PIN;
-    if (afterTrigger && state.TriggerOnAddress) word |= ORN_CONTROL_TRIGGER_ADDRESS;
-    if (state.Accumulate) word |= ORN_CONTROL_ACCUMULATE;
-    if (state.ManualMode) word |= ORN_CONTROL_MANUAL;
+    if (afterTrigger && state.TriggerPin != 0) word |= ORN_CONTROL_TRIGGER_PIN;
+    if (afterTrigger && state.TriggerOnAddress != 0) word |= ORN_CONTROL_TRIGGER_ADDRESS;
+    if (state.Accumulate != 0) word |= ORN_CONTROL_ACCUMULATE;
+    if (state.ManualMode != 0) word |= ORN_CONTROL_MANUAL;
     return word;
 }

@@ -84,12 +84,12 @@ bool jTraceSettings::GetAttributeInfo(int32_t id, jTraceAttribute& row) const {
 
 int32_t jTraceSettings::GetAttribute(int32_t id) const {
     const Field field = FieldOf(id);
-    return field ? Working.*field : -1;
+    return field != nullptr ? Working.*field : -1;
 }
 
 bool jTraceSettings::SetAttribute(int32_t id, int32_t value) {
     const Field field = FieldOf(id);
-    if (!field) return false;
+    if (field == nullptr) return false;
     Working.*field = value;
     return true;
 }
@@ -108,7 +108,7 @@ bool jTraceSettings::GetTextAttribute(int32_t id, char* buffer, size_t size) {
 }
 
 bool jTraceSettings::SetTextAttribute(int32_t id, const char* text) {
-    if (!text) text = "";
+    if (text == nullptr) text = "";
     if (id == TA_BOARD_FILE) {
         Working.BoardFile = text;
         return true;
@@ -127,5 +127,5 @@ void jTraceSettings::DiscardChanges() {
 
 void jTraceSettings::DeriveBoardDirectory() {
     const char* const module = ModulePath();
-    BoardDirectory = DirectoryOf(module ? module : "").substr(0, kMaxDirectory);
+    BoardDirectory = DirectoryOf(module != nullptr ? module : "").substr(0, kMaxDirectory);
 }

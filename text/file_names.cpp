@@ -9,13 +9,17 @@
 #include "text/jString.h"
 #include "text/text_tools.h"
 
+namespace {
+
 // Points at the point of the last part's extension; null if that part has none.
-static const char* FindPoint(const char* path) {
-    if (!path || *path == '\0') return nullptr;
+const char* FindPoint(const char* path) {
+    if (path == nullptr || *path == '\0') return nullptr;
     const char* at = path + std::strlen(path) - 1;
-    while (at != path && !std::strchr(".\\/:", *at)) --at;
+    while (at != path && (std::strchr(".\\/:", *at) == nullptr)) --at;
     return *at == '.' ? at : nullptr;
 }
+
+} // namespace
 
 std::string WithDefaultExt(std::string name, const char* ext) {
     if (name.empty()) return name;
@@ -28,8 +32,8 @@ std::string WithDefaultExt(std::string name, const char* ext) {
 
 const char* AddDefaultExt(const char* name, const char* ext) {
     static char result[260];
-    if (!name) name = "";
-    if (!ext) ext = "";
+    if (name == nullptr) name = "";
+    if (ext == nullptr) ext = "";
     if (std::strlen(name) + std::strlen(ext) + 2 > sizeof result) return "BadFile.Ext";
     if (*name == '\0') return name;
     return CopyBounded(result, sizeof result, WithDefaultExt(name, ext).c_str());
@@ -41,20 +45,22 @@ bool HasExtension(const char* path) {
 
 const char* GetExtension(const char* path) {
     const char* const point = FindPoint(path);
-    return point && point[1] != '\0' ? point + 1 : nullptr;
+    return point != nullptr && point[1] != '\0' ? point + 1 : nullptr;
 }
 
 bool MatchFileName(const char* pattern, const char* name) {
-    if (!pattern || !name) return false;
+    if (pattern == nullptr || name == nullptr) return false;
     if (std::strcmp(pattern, "*.*") == 0) return true;
     if (std::strncmp(pattern, "*.", 2) == 0) {
         const char* const extension = GetExtension(name);
-        return extension && CompareNoCase(extension, pattern + 2) == 0;
+        return extension != nullptr && CompareNoCase(extension, pattern + 2) == 0;
     }
     return CompareNoCase(pattern, name) == 0;
 }
 
-static void AddListItem(jString& list, const std::string& item) {
+namespace {
+
+void AddListItem(jString& list, const std::string& item) {
     // Doubling keeps the gathering of thousands of names linear.
     const uint32_t needed = list.GetLength() + static_cast<uint32_t>(item.size()) + 1;
     if (list.Capacity <= needed) list.Reserve(2 * needed);
@@ -62,8 +68,10 @@ static void AddListItem(jString& list, const std::string& item) {
     list.Append(item.c_str());
 }
 
+} // namespace
+
 bool FindFiles(const char* dir, const char* pattern, bool recurse, jString& result) {
-    if (!dir || *dir == '\0') return false;
+    if (dir == nullptr || *dir == '\0') return false;
     Directory directory(dir);
     if (!directory.IsOpen()) return false;
 
@@ -82,11 +90,11 @@ bool FindFiles(const char* dir, const char* pattern, bool recurse, jString& resu
 }
 
 bool GetListItem(int32_t index, const char* list, jString& item) {
-    for (; list && index > 0; --index) {
+    for (; list != nullptr && index > 0; --index) {
         list = std::strchr(list, ';');
-        if (list) ++list;
+        if (list != nullptr) ++list;
     }
-    if (!list || *list == '\0') return false;
+    if (list == nullptr || *list == '\0') return false;
     const size_t length = std::strcspn(list, ";");
     item.Assign(nullptr);
     if (item.Capacity <= length) item.Reserve(static_cast<uint32_t>(length));

@@ -2,9 +2,13 @@
 
 #include <cstring>
 
-static uint32_t Round8(uint32_t value) {
+namespace {
+
+uint32_t Round8(uint32_t value) {
     return (value + 7) / 8 * 8;
 }
+
+} // namespace
 
 jString::jString() : Data(new char[Round8(9)]), Length(0), Capacity(Round8(9)) {
     Data[0] = '\0';
@@ -15,7 +19,7 @@ jString::~jString() {
 }
 
 void jString::Assign(const char* text) {
-    if (!text) text = "";
+    if (text == nullptr) text = "";
     const auto length = static_cast<uint32_t>(std::strlen(text));
     if (length >= Capacity) Reallocate(Round8(length + 9), 0);
     std::memcpy(Data, text, length + 1);
@@ -23,7 +27,7 @@ void jString::Assign(const char* text) {
 }
 
 jString& jString::Append(const char* text) {
-    if (!text) return *this;
+    if (text == nullptr) return *this;
     const uint32_t length = GetLength();
     const auto added = static_cast<uint32_t>(std::strlen(text));
     if (Capacity <= length + added) Reserve(length + added);

@@ -2,9 +2,13 @@
 
 #include <algorithm>
 
-static bool GoesOn(char byte) {
+namespace {
+
+bool GoesOn(char byte) {
     return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
 }
+
+} // namespace
 
 std::string_view FirstBytes(std::string_view text, size_t limit) {
     if (text.size() <= limit) return text;

@@ -5,14 +5,14 @@
 #include "platform/compare.h"
 
 char* CopyBounded(char* dst, size_t size, const char* src) {
-    if (!dst || size == 0) return dst;
-    std::strncpy(dst, src ? src : "", size - 1);
+    if (dst == nullptr || size == 0) return dst;
+    std::strncpy(dst, src != nullptr ? src : "", size - 1);
     dst[size - 1] = '\0';
     return dst;
 }
 
 const char* FindNoCase(const char* text, const char* pattern) {
-    if (!text || !pattern || *pattern == '\0') return nullptr;
+    if (text == nullptr || pattern == nullptr || *pattern == '\0') return nullptr;
     const size_t length = std::strlen(pattern);
     for (; *text != '\0'; ++text)
         if (CompareNoCaseN(text, pattern, length) == 0) return text;
@@ -20,6 +20,6 @@ const char* FindNoCase(const char* text, const char* pattern) {
 }
 
 void CutAtChar(char* text, char ch) {
-    if (!text) return;
+    if (text == nullptr) return;
     if (char* const found = std::strchr(text, ch)) *found = '\0';
 }
