@@ -29,5 +29,5 @@ public:
 
 private:
     FactoryTable m_Table;
-    std::string ModulePath;
+    std::string ModulePath; // the contract's own name
 };

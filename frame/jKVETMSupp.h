@@ -27,6 +27,7 @@ private:
     bool TakeFixedSelection(const char* selection);
     void Take(int32_t mode, const char* value);
 
+    // The contract's own names.
     std::string LastError;
     int32_t Mode = ORN_MODE_NONE; // what the last call made of the selection
     std::string Value;            // the selection that went with the last other mode

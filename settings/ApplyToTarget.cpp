@@ -102,7 +102,9 @@ bool jTraceSettings::ApplyPort() {
     const int32_t width = PortSizeFromIndex(Working.PortSizeIndex, Snapshot.PortSizeMask);
     if (width > 0) Send("etm portsize=" + std::to_string(width));
 
-    // The half-rate entries: the first of the normal format, and the one behind them.
+    // Half-rate clocking is one bit, but the list offers it by format. Its entries are the
+    // first one of the normal format and the one behind those of it, which stands for the
+    // demultiplexed format: the list does not show that one, a target may report it.
     const bool normal = Snapshot.NormalFormatSupported != 0;
     const int32_t normalEntries = !normal ? 0 : Snapshot.HalfRateSupported != 0 ? 2 : 1;
     const bool halfRate =

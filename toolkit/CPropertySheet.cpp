@@ -105,6 +105,7 @@ bool CPropertySheet::SetActivePage(int index) {
 }
 
 bool CPropertySheet::ApplyPages() {
+    // The page in front comes first: as long as it may refuse, nothing has been applied.
     if (m_Active != nullptr && !m_Active->OnKillActive()) return false;
     for (CPropertyPage* page : m_Pages) {
         if (!page->IsCreated() || page->OnApply()) continue;
