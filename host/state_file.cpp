@@ -1,9 +1,11 @@
 #include "host/state_file.h"
 
+#include <chrono>
 #include <fstream>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <random>
+#include <thread>
 
 #include "host/host_error.h"
 #include "host/system.h"
@@ -21,6 +23,8 @@ namespace {
 
 constexpr const char* kFormat = "etmhost state 1";
 constexpr int kDeepest = 16;
+constexpr int kReadTries = 20;
+constexpr std::chrono::milliseconds kReadPause(10);
 
 // JSON knows UTF-8 only. Text in any other encoding is kept as an array of its bytes.
 Json FromText(const std::string& text) {
@@ -145,12 +149,19 @@ template <class Read> auto Undamaged(const std::filesystem::path& file, Read rea
 
 // The content of `file`. A file that does not exist yet is one without content.
 Json ReadRoot(const std::filesystem::path& file) {
-    std::error_code error;
-    const std::filesystem::file_status status = std::filesystem::status(file, error);
-    if (status.type() == std::filesystem::file_type::not_found)
-        return {{"format", kFormat}, {"targets", Json::object()}, {"settings", Json::object()}};
     std::ifstream in;
-    if (status.type() == std::filesystem::file_type::regular) in.open(file, std::ios::binary);
+    // Where a rename is no single step, a file that another program just replaces can't be
+    // opened for a moment.
+    for (int left = kReadTries; left > 0 && !in.is_open(); --left) {
+        if (left < kReadTries) std::this_thread::sleep_for(kReadPause);
+        std::error_code error;
+        const std::filesystem::file_status status = std::filesystem::status(file, error);
+        if (status.type() == std::filesystem::file_type::not_found)
+            return {{"format", kFormat}, {"targets", Json::object()}, {"settings", Json::object()}};
+        const bool known = std::filesystem::status_known(status);
+        if (known && status.type() != std::filesystem::file_type::regular) break;
+        in.open(file, std::ios::binary);
+    }
     if (!in.is_open()) throw HostError("cannot read state file \"" + PathText(file) + "\"");
     return Undamaged(file, [&in] {
         Json root = Json::parse(in, [](int depth, Json::parse_event_t, const Json&) {
