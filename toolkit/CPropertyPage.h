@@ -9,6 +9,7 @@ class CPropertySheet;
 class CPropertyPage : public CDialog {
 public:
     explicit CPropertyPage(int dialogNumber);
+    const CPropertyPage* AsPage() const override { return this; }
 
     /// TRUE marks the page as changed and enables the sheet's Apply button; FALSE
     /// takes the mark back. Apply is enabled while any page is marked.

@@ -25,6 +25,7 @@ class CPropertySheet : public CDialog {
 public:
     /// `parent` may be null. `firstTab` counts from 0.
     CPropertySheet(const char* caption, CWnd* parent, int firstTab);
+    const CPropertySheet* AsSheet() const override { return this; }
 
     /// Appends a tab, titled with the caption of the page's dialog. The page must
     /// outlive the sheet's run and stays its owner's.

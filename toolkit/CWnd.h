@@ -21,6 +21,8 @@
 #include "toolkit/template.h"
 
 class CDialog;
+class CPropertyPage;
+class CPropertySheet;
 
 /// What a display keeps for one window; the window owns it.
 class DisplayPeer {
@@ -57,6 +59,11 @@ public:
     const ControlTemplate* GetTemplate() const { return m_Template; }
     /// The dialog of a control, the sheet of a page, the owner of a dialog; may be null.
     CWnd* GetParent() const { return m_Parent; }
+
+    // This window as a page or a sheet; null if it is none. For displays: they may lie in
+    // another library, without the type information that a dynamic_cast needs.
+    virtual const CPropertyPage* AsPage() const { return nullptr; }
+    virtual const CPropertySheet* AsSheet() const { return nullptr; }
 
     /// True from the creation of the window on the display to its destruction.
     bool IsCreated() const { return m_Created; }

@@ -19,7 +19,8 @@ WindowPeer* WindowOf(const CWnd& dialog) {
 
 /// The room for a page in its sheet's tab control, or null.
 QWidget* RoomOf(const CDialog& page) {
-    const auto* sheet = dynamic_cast<const CPropertySheet*>(page.GetParent());
+    const CPropertySheet* sheet =
+        page.GetParent() != nullptr ? page.GetParent()->AsSheet() : nullptr;
     TabsPeer* tabs = sheet != nullptr ? TabsOf(*sheet) : nullptr;
     if (tabs == nullptr) return nullptr;
     const auto& pages = sheet->GetPages();
@@ -77,7 +78,7 @@ void MakeControls(CDialog& dialog, const Surroundings& in) {
 /// tabs of its sheet.
 void OrderFocus(const CDialog& dialog) {
     QWidget* last = nullptr;
-    if (dynamic_cast<const CPropertyPage*>(&dialog) != nullptr)
+    if (dialog.AsPage() != nullptr)
         last = TabsOf(static_cast<CDialog&>(*dialog.GetParent()))->FocusWidget();
     for (const auto& control : dialog.GetControls()) {
         if (PeerOf(*control) == nullptr) continue;
@@ -125,8 +126,8 @@ QWidget* WindowPeer::FocusWidget() const {
 }
 
 bool MakeWindow(CDialog& dialog, const ModalStack& stack, QWidget* owner) {
-    const bool isPage = dynamic_cast<const CPropertyPage*>(&dialog) != nullptr;
-    const bool isSheet = dynamic_cast<const CPropertySheet*>(&dialog) != nullptr;
+    const bool isPage = dialog.AsPage() != nullptr;
+    const bool isSheet = dialog.AsSheet() != nullptr;
     QWidget* room = isPage ? RoomOf(dialog) : nullptr;
     if (isPage && room == nullptr) return false;
     QWidget* window = isPage ? new QWidget(room) : new TopWindow(dialog, stack, owner);
@@ -152,7 +153,7 @@ void LayOut(CDialog& dialog) {
     if (peer == nullptr || layout == nullptr) return;
     QWidget& window = *peer->Widget();
     const DialogUnits units(window.font());
-    const auto* sheet = dynamic_cast<const CPropertySheet*>(&dialog);
+    const CPropertySheet* sheet = dialog.AsSheet();
     const QSize growth = sheet != nullptr ? TabGrowth(*sheet, units) : QSize(0, 0);
     const QSize size = units.Size(layout->width, layout->height) + growth;
     window.setFixedSize(size);
