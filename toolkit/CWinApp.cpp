@@ -24,13 +24,18 @@ void CWinApp::AddClient() {
 }
 
 void CWinApp::RemoveClient() {
-    if (m_Clients > 0 && --m_Clients == 0) m_Own.reset();
+    if (m_Clients > 0 && --m_Clients == 0) DropDisplay();
 }
 
 Display& CWinApp::GetDisplay() {
     if (m_Other != nullptr) return *m_Other;
-    if (!m_Own) m_Own = MakeDisplay();
-    return *m_Own;
+    try {
+        if (!m_Own) m_Own = MakeDisplay();
+        return *m_Own;
+    } catch (const std::exception& error) {
+        m_None.SetReason(error.what());
+        return m_None;
+    }
 }
 
 void CWinApp::UseDisplay(Display* display) {
@@ -40,7 +45,7 @@ void CWinApp::UseDisplay(Display* display) {
 void CWinApp::CancelAll() {
     if (calls::Stack() == 0 && m_Running.empty()) return;
     m_Cancelling = true;
-    GetDisplay().CancelBoxes();
+    if (m_Own || m_Other != nullptr) GetDisplay().CancelBoxes(); // not to make one for that
     const std::vector<CDialog*> running = m_Running;
     for (auto dialog = running.rbegin(); dialog != running.rend(); ++dialog) {
         input::Close(**dialog);

@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "toolkit/display.h"
+#include "toolkit/NoDisplay.h"
 
 class CWinApp {
 public:
@@ -28,10 +28,13 @@ public:
     void AddClient();
     void RemoveClient();
 
-    /// The display, made on demand; never null.
+    /// The display, made on demand. As long as none can be made it is one that says so.
     Display& GetDisplay();
     /// Puts another display in its place, for tests; null: the linked one again.
     void UseDisplay(Display* display);
+
+    /// Destroys the display that was made on demand.
+    void DropDisplay() { m_Own.reset(); }
 
     /// Ends every modal loop that runs as if its Cancel had been pressed, the innermost
     /// first, message boxes and the save dialog included. Until all calls that are on
@@ -55,6 +58,7 @@ private:
     int m_Clients = 0;
     std::unique_ptr<Display> m_Own;
     Display* m_Other = nullptr;
+    NoDisplay m_None;
     std::vector<CDialog*> m_Running; // the innermost last
     bool m_Cancelling = false;
 };

@@ -84,6 +84,7 @@ public:
     virtual void Beep(unsigned flags) = 0;
 };
 
-/// Makes the display that the library was linked with. Each display's folder
-/// defines it once; a binary links one of them.
+/// Makes the display that the binary was linked with. Each display's folder defines it
+/// once, and so does library/ for one that lies in a library beside the module. Throws
+/// std::exception with a readable line if there is none now; may be tried again.
 std::unique_ptr<Display> MakeDisplay();

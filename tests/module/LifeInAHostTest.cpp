@@ -10,11 +10,13 @@
 #include <QLineEdit>
 #include <QTabBar>
 #include <QTimer>
-#include <algorithm>
 #include <clocale>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <deque>
+#include <dlfcn.h>
+#include <fstream>
 #include <optional>
 #include <sys/prctl.h>
 #include <sys/wait.h>
@@ -35,6 +37,8 @@ using ::testing::ElementsAre;
 using ::testing::ExitedWithCode;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+using ::testing::MatchesRegex;
+using ::testing::Not;
 using ::testing::StartsWith;
 
 namespace {
@@ -88,15 +92,20 @@ bool OpenAnd(LoadedModule& loaded, QtUser& user, User::Script script) {
     return opened;
 }
 
-TEST(ExportedNames, AreOrnDLLAlone) {
-    std::string names;
-    FILE* pipe = popen("nm -D --defined-only " MODULE_PATH, "r");
-    ASSERT_NE(pipe, nullptr);
+std::string OutputOf(const char* command) {
+    std::string output;
+    FILE* pipe = popen(command, "r");
     char line[512];
-    while (std::fgets(line, sizeof line, pipe) != nullptr) names += line;
-    ASSERT_EQ(pclose(pipe), 0) << names;
-    EXPECT_THAT(names, HasSubstr(" T OrnDLL\n"));
-    EXPECT_EQ(std::count(names.begin(), names.end(), '\n'), 1) << names;
+    while (std::fgets(line, sizeof line, pipe) != nullptr) output += line;
+    EXPECT_EQ(pclose(pipe), 0) << output;
+    return output;
+}
+
+TEST(EachLibrary, HasOneExportAndTheModuleNoWindowToolkit) {
+    EXPECT_THAT(OutputOf("nm -D --defined-only " MODULE_PATH), MatchesRegex("[^\n]* T OrnDLL\n"));
+    EXPECT_THAT(OutputOf("nm -D --defined-only " DISPLAY_PATH),
+                MatchesRegex("[^\n]* T KVETMDisplay\n"));
+    EXPECT_THAT(OutputOf("readelf -d " MODULE_PATH), Not(HasSubstr("libQt")));
 }
 
 TEST(HostWithAnApplication, KeepsItsOwnAndItsThread) {
@@ -225,6 +234,49 @@ void OpenAndCancel(LoadedModule& loaded) {
     EXPECT_TRUE(loaded.control->Init(0));
     QtUser user;
     EXPECT_TRUE(OpenAnd(loaded, user, [&](User&) { user.Click(IDCANCEL); }));
+}
+
+// --- Where the display lies -------------------------------------------------------------
+
+namespace fs = std::filesystem;
+
+std::string BytesOf(const char* file) {
+    std::ifstream in(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+}
+
+/// The display, had the sources of the toolkit had another hash.
+std::string AnotherBuild() {
+    std::string bytes = BytesOf(DISPLAY_PATH);
+    bytes[bytes.find(", compiler ") - 1] ^= 1;
+    return bytes;
+}
+
+TEST(TheDisplay, LiesBesideTheModule) {
+    const std::pair<std::string, const char*> rows[] = {
+        {"", "KVETMControlQt.so: cannot open"},
+        {"no library", "KVETMControlQt.so: "},
+        {BytesOf(MODULE_PATH), "KVETMControlQt.so is none."},
+        {AnotherBuild(), "KVETMControlQt.so is of another build."},
+        {BytesOf(DISPLAY_PATH), nullptr},
+    };
+    const fs::path before = fs::current_path();
+    std::deque<TemporaryDirectory>
+        directories; // until the end: the loader knows files by name and inode
+    for (const auto& [bytes, reason] : rows) {
+        const TemporaryDirectory& modules = directories.emplace_back();
+        const TemporaryDirectory& links = directories.emplace_back();
+        modules.Write("KVETMControl.so", BytesOf(MODULE_PATH));
+        if (!bytes.empty()) modules.Write("KVETMControlQt.so", bytes);
+        const std::string link = "./" + std::to_string(directories.size());
+        fs::create_symlink(modules.PathOf("KVETMControl.so"), links.PathOf(link));
+        fs::current_path(links.Path());
+        LoadedModule loaded("/opt/debugger", link);
+        fs::current_path(before);
+        if (reason != nullptr) ExpectRefused(loaded, reason);
+        if (bytes.empty()) modules.Write("KVETMControlQt.so", BytesOf(DISPLAY_PATH));
+        if (bytes.empty() || reason == nullptr) OpenAndCancel(loaded);
+    }
 }
 
 class XServer {
@@ -371,6 +423,26 @@ TEST(AHostThatDestroysTheComponent, EndsWhateverRuns) {
     std::exit(Status());
 }
 
+/// The host shows no window. The component may be destroyed from inside a call.
+[[noreturn]] void ShowNoWindow() {
+    LoadedModule loaded;
+    EXPECT_TRUE(loaded.control->Init(0));
+    EXPECT_TRUE(loaded.control->Apply());
+    IOrnKVETMCtrl* control = loaded.control;
+    loaded.host.onCall = [&](const std::string&) { loaded.Destroy(); };
+    control->Init(0);
+    EXPECT_EQ(loaded.control, nullptr);
+    EXPECT_EQ(dlopen(DISPLAY_PATH, RTLD_LAZY | RTLD_NOLOAD), nullptr);
+    std::exit(Status());
+}
+
+/// The host exits while the sheet is there.
+[[noreturn]] void ExitInside() {
+    LoadedModule loaded;
+    OpenAndGo(loaded, {Edit, [](User&) { std::exit(Status()); }});
+    std::abort();
+}
+
 /// The host is forked with an application of its own or with ours.
 [[noreturn]] void OpenInAForkedProcess(bool withOurs) {
     std::optional<LoadedModule> loaded(std::in_place);
@@ -394,6 +466,8 @@ TEST(AHostThatDestroysTheComponent, EndsWhateverRuns) {
 
 TEST(InAProcessOfItsOwn, TheHostComesThrough) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(ShowNoWindow(), ExitedWithCode(kFine), "");
+    EXPECT_EXIT(ExitInside(), ExitedWithCode(kFine), "");
     EXPECT_EXIT(LoseTheXServer({Edit}), ExitedWithCode(kFine), "");
     EXPECT_EXIT(LoseTheXServer({Edit, Configure}), ExitedWithCode(kFine), "");
     EXPECT_EXIT(LoseTheXServer({Edit, Start}), ExitedWithCode(kFine), "");

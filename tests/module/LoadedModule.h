@@ -1,4 +1,5 @@
-// LoadedModule: the built library beside the program, loaded by path as a host does it.
+// LoadedModule: the built library, that beside the program or another, loaded by path as a host
+// does it.
 
 #pragma once
 
@@ -6,12 +7,18 @@
 #include "testkit/RecordingHost.h"
 
 class LoadedModule {
-    etmhost::LoadedModule m_Library{etmhost::ExecutableFile().replace_filename(
-        std::string("KVETMControl") + etmhost::LibraryExtension())};
+    etmhost::Library m_Library;
+
+    static std::filesystem::path BesideTheProgram() {
+        return etmhost::ExecutableFile().replace_filename(std::string("KVETMControl") +
+                                                          etmhost::LibraryExtension());
+    }
 
 public:
     /// `boardDirectory` is where the module believes to lie.
-    explicit LoadedModule(const std::filesystem::path& boardDirectory = "/opt/debugger") {
+    explicit LoadedModule(const std::filesystem::path& boardDirectory = "/opt/debugger",
+                          const std::filesystem::path& file = BesideTheProgram())
+        : m_Library(file) {
         module.SetModulePath((boardDirectory / "KVETMControl.so").string().c_str());
         module.SetAPI(&host.api);
         host.Attach(*control);
@@ -28,6 +35,6 @@ public:
     std::string LastError() { return RecordingHost::LastError(*control); }
 
     RecordingHost host;
-    IOrnAPIBase& module = m_Library.object();
+    IOrnAPIBase& module = *reinterpret_cast<decltype(&OrnDLL)>(m_Library.Find("OrnDLL"))();
     IOrnKVETMCtrl* control = static_cast<IOrnKVETMCtrl*>(module.CreateRowObject(0));
 };

@@ -122,6 +122,10 @@ bool QtApplication::Prepare(const char* name, void (*cancel)(), std::string& rea
     return true;
 }
 
+void QtApplication::NoteForked(const void* application) {
+    if (application != nullptr) g_OfParent = static_cast<const QCoreApplication*>(application);
+}
+
 void QtApplication::Beep() {
     if (qobject_cast<QApplication*>(QCoreApplication::instance()) != nullptr) QApplication::beep();
 }

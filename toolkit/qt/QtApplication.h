@@ -40,6 +40,9 @@ public:
     /// our own gets `name`; should its X server go away, `cancel` has to end all loops.
     bool Prepare(const char* name, void (*cancel)(), std::string& reason);
 
+    /// `application` is that of the process that this one was forked from; null: none.
+    static void NoteForked(const void* application);
+
     /// An audible warning, if there is an application that can give one.
     static void Beep();
 
