@@ -6,35 +6,65 @@
 #include <cstring>
 #include <limits>
 
-#include "text/text_tools.h"
+namespace {
 
-static bool IsDigit(char ch) {
-    return ch >= '0' && ch <= '9';
+// What a byte can be; a byte of 0x80 or above is nothing of it.
+enum : uint8_t {
+    kDigit = 1,
+    kLetter = 2,
+    kHexDigit = 4,
+    kNamePart = 8, // of an identifier
+    kBlank = 16,   // all of them but the line feed
+};
+
+struct ByteClasses {
+    uint8_t Of[256] = {};
+
+    constexpr ByteClasses() {
+        const auto add = [this](char first, char last, int classes) {
+            for (int ch = first; ch <= last; ++ch) Of[ch] |= static_cast<uint8_t>(classes);
+        };
+        add('0', '9', kDigit | kHexDigit | kNamePart);
+        add('A', 'Z', kLetter | kNamePart);
+        add('a', 'z', kLetter | kNamePart);
+        add('A', 'F', kHexDigit);
+        add('a', 'f', kHexDigit);
+        add('_', '_', kNamePart);
+        for (const char blank : {' ', '\t', '\r'}) add(blank, blank, kBlank);
+    }
+};
+
+constexpr ByteClasses kClasses;
+
+bool Is(char ch, int classes) {
+    return (kClasses.Of[static_cast<unsigned char>(ch)] & classes) != 0;
 }
 
-static bool IsLetter(char ch) {
-    return (ch >= 'a' && ch <= 'z') || (ch >= 'A' && ch <= 'Z');
+bool IsDigit(char ch) {
+    return Is(ch, kDigit);
+}
+
+bool IsLetter(char ch) {
+    return Is(ch, kLetter);
+}
+
+bool IsHexDigit(char ch) {
+    return Is(ch, kHexDigit);
 }
 
 /// The value of a digit of a hexadecimal number; 16 for any other byte.
-static uint32_t DigitValue(char ch) {
-    if (IsDigit(ch)) return static_cast<uint32_t>(ch - '0');
-    if (ch >= 'a' && ch <= 'f') return static_cast<uint32_t>(ch - 'a' + 10);
-    if (ch >= 'A' && ch <= 'F') return static_cast<uint32_t>(ch - 'A' + 10);
-    return 16;
-}
-
-static bool IsHexDigit(char ch) {
-    return DigitValue(ch) < 16;
+uint32_t DigitValue(char ch) {
+    if (!IsHexDigit(ch)) return 16;
+    return static_cast<uint32_t>(ch & 0xF) + (IsDigit(ch) ? 0 : 9);
 }
 
 /// True for `ch` and its capital; `small` is a small letter.
-static bool IsLetterOf(char ch, char small) {
+bool IsLetterOf(char ch, char small) {
     return ch == small || ch == small - 'a' + 'A';
 }
 
 /// What a well-formed number that no double holds becomes: 0 or infinity.
-static double BeyondRange(const char* number, const char* behind) {
+double BeyondRange(const char* number, const char* behind) {
     int64_t power = 0; // of ten, of the first digit that is no zero
     bool point = false;
     bool significant = false;
@@ -53,6 +83,23 @@ static double BeyondRange(const char* number, const char* behind) {
     }
     return power > 0 ? HUGE_VAL : 0.0;
 }
+
+/// Copies `size` bytes. Most tokens are so short that a call would take longer than the copy.
+void CopyToken(char* to, const char* from, size_t size) {
+    if (size > 16) {
+        std::memcpy(to, from, size);
+    } else if (size >= 8) {
+        std::memcpy(to, from, 8);
+        std::memcpy(to + size - 8, from + size - 8, 8);
+    } else if (size >= 4) {
+        std::memcpy(to, from, 4);
+        std::memcpy(to + size - 4, from + size - 4, 4);
+    } else {
+        for (size_t i = 0; i < size; ++i) to[i] = from[i];
+    }
+}
+
+} // namespace
 
 /// Fills the buffer of a token. What does not fit is only counted.
 class TxtScan::TokenText {
@@ -99,46 +146,56 @@ void TxtScan::Init(const char* text, int32_t length) {
 
 int32_t TxtScan::GetToken() {
     SkipBlanksAndComments();
-    TokenStart = Cursor;
-    Text[0] = '\0';
-    if (Cursor >= End || *Cursor == '\0') return Kind = TK_END;
-
-    const char first = *Cursor;
-    if (IsLetter(first) || first == '_') return ScanIdentifier();
-    if (IsDigit(first)) return ScanNumber();
-    if (first == '$' && IsHexDigit(Cursor[1])) return ScanRadix(Cursor + 1, 4, false);
+    const char* const at = TokenStart = Cursor;
+    const char first = *at;
+    if (at >= End || first == '\0') {
+        Text[0] = '\0';
+        return Kind = TK_END;
+    }
+    if (Is(first, kNamePart)) return Is(first, kDigit) ? ScanNumber() : ScanIdentifier();
     if (first == '"' || first == '\'') return ScanQuoted();
-
-    TokenText text(Text);
-    text.Add(first);
-    return Accept(TK_PUNCT, Cursor + 1, text);
+    if (first == '$' && IsHexDigit(at[1])) return ScanRadix(at + 1, 4, false);
+    return Accept(TK_PUNCT, at, at + 1);
 }
 
 void TxtScan::SkipBlanksAndComments() {
-    while (Cursor < End) {
-        if (*Cursor == ' ' || *Cursor == '\t' || *Cursor == '\r') {
-            ++Cursor;
-            ++Column;
-        } else if (*Cursor == '\n') {
-            ++Cursor;
+    const char* const end = End;
+    const char* at = Cursor;
+    const char* counted = at; // Column tells where this is
+    int32_t column = Column;
+    while (at < end) {
+        if (Is(*at, kBlank)) {
+            ++at;
+        } else if (*at == '\n') {
+            counted = ++at;
             ++Line;
-            Column = 1;
-        } else if (*Cursor == '/' && Cursor[1] == '/') {
-            Cursor = std::find(Cursor, End, '\n');
+            column = 1;
+        } else if (*at == '/' && at[1] == '/') {
+            column += static_cast<int32_t>(at - counted);
+            counted = at = std::find(at, end, '\n');
         } else {
-            return;
+            break;
         }
     }
+    Cursor = at;
+    Column = column + static_cast<int32_t>(at - counted);
 }
 
 int32_t TxtScan::ScanIdentifier() {
-    TokenText text(Text);
-    const char* at = Cursor;
-    while (IsLetter(*at) || IsDigit(*at) || *at == '_') text.Add(*at++);
-    return Accept(TK_IDENT, at, text);
+    const char* at = Cursor + 1;
+    while (Is(*at, kNamePart)) ++at;
+    return Accept(TK_IDENT, Cursor, at);
 }
 
 int32_t TxtScan::ScanNumber() {
+    uint32_t value = 0;
+    const char* at = Cursor;
+    for (; IsDigit(*at); ++at) value = value * 10 + DigitValue(*at);
+    if (!Is(*at, kNamePart) && *at != '.') {
+        Value.Integer = static_cast<int32_t>(value);
+        return Accept(TK_DECIMAL, Cursor, at);
+    }
+
     const bool zero = *Cursor == '0';
     if (zero && IsLetterOf(Cursor[1], 'x')) return ScanRadix(Cursor + 2, 4, false);
 
@@ -253,6 +310,7 @@ const char* TxtScan::ApplyScale(const char* at, uint32_t& value) {
     return at + 1;
 }
 
+/// Ends the token that fills `text`, and moves behind it.
 int32_t TxtScan::Accept(TokenKind kind, const char* behind, TokenText& text) {
     if (!text.Terminate()) return Fail("Token too long");
     Column += static_cast<int32_t>(behind - Cursor);
@@ -260,7 +318,19 @@ int32_t TxtScan::Accept(TokenKind kind, const char* behind, TokenText& text) {
     return Kind = kind;
 }
 
+/// The same for a token whose text stands there as it is, from `begin` to `behind`.
+int32_t TxtScan::Accept(TokenKind kind, const char* begin, const char* behind) {
+    const auto size = static_cast<size_t>(behind - begin);
+    if (size >= kTextSize) return Fail("Token too long");
+    char* const text = Text;
+    CopyToken(text, begin, size);
+    text[size] = '\0';
+    Column += static_cast<int32_t>(behind - Cursor);
+    Cursor = behind;
+    return Kind = kind;
+}
+
 int32_t TxtScan::Fail(const char* message) {
-    CopyBounded(Text, kTextSize, message);
+    std::memcpy(Text, message, std::strlen(message) + 1);
     return Kind = TK_ERROR;
 }

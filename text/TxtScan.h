@@ -67,5 +67,6 @@ private:
     int32_t ScanQuoted();
     static const char* ApplyScale(const char* at, uint32_t& value);
     int32_t Accept(TokenKind kind, const char* behind, TokenText& text);
+    int32_t Accept(TokenKind kind, const char* begin, const char* behind);
     int32_t Fail(const char* message);
 };
