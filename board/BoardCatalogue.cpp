@@ -38,11 +38,10 @@ void jConfigureETM::ScanBoardFiles() {
     DirectoryEntry file;
     std::string title;
     while (files.Next(file)) {
-        if (file.IsDirectory || !CanBeBoardFile(directory, file.Name)) continue;
-        const std::string path = JoinPath(directory, file.Name);
-        const FilePointer opened = OpenForReading(path.c_str());
-        if (opened && ReadBoardTitle(opened.get(), title))
-            AddBoardEntry(path.c_str(), title.c_str());
+        if (!file.IsFile || !CanBeBoardFile(directory, file.Name)) continue;
+        InputFile opened(files, file.Name);
+        if (ReadBoardTitle(opened, title))
+            AddBoardEntry(JoinPath(directory, file.Name).c_str(), title.c_str());
     }
 }
 
@@ -90,10 +89,9 @@ const char* jConfigureETM::BoardFileFromSelection(int32_t index) const {
 }
 
 bool jConfigureETM::LoadBoardCommands(const char* path) {
-    const FilePointer file = OpenForReading(path);
-    BoardCommands commands;
-    if (file) commands = ReadBoardCommands(file.get());
+    InputFile file(path);
+    BoardCommands commands = ReadBoardCommands(file);
     m_Commands = std::move(commands.Text);
     m_CommandsAreCut = commands.IsCut;
-    return file != nullptr;
+    return file.IsOpen();
 }

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
-#include <filesystem>
+#include <iterator>
 
 #include "platform/compare.h"
 #include "platform/paths.h"
@@ -30,34 +30,53 @@ void CutLineEnd(char* line) {
     CutAtChar(line, '\n');
 }
 
-/// False for what is no file: a directory, a pipe or a device. A name that can't be
-/// asked about passes: opening it will tell.
-bool MayBeOpened(const char* path) {
-    namespace fs = std::filesystem;
-    try {
-        std::error_code ignored;
-        const fs::file_status status = fs::status(fs::path(path), ignored);
-        return !fs::status_known(status) || !fs::exists(status) || fs::is_regular_file(status);
-    } catch (const std::exception&) {
-        return true;
+/// Takes a file apart into lines, and each of those into pieces that fit its reader.
+class LinePieces {
+public:
+    explicit LinePieces(InputFile& file) : m_File(file) {
+        const std::string_view mark = kByteOrderMark;
+        while (m_End < m_Block + mark.size() && Fill()) continue;
+        if (std::string_view(m_Block, m_End).starts_with(mark)) m_Next += mark.size();
     }
-}
 
-/// Reads on from the start of `file` for `most` bytes.
-std::string ReadStart(std::FILE* file, size_t most) {
-    std::string bytes;
-    std::rewind(file);
-    char block[4096];
-    for (size_t count = 1; count > 0 && bytes.size() < most;) {
-        count = std::fread(block, 1, std::min(sizeof block, most - bytes.size()), file);
-        bytes.append(block, count);
+    /// Copies what follows, up to a line feed, which is copied too, or until the `size`
+    /// bytes at `piece` are full, and ends it by a NUL. Returns false at the end of the file.
+    bool Take(char* piece, size_t size) {
+        char* const begin = piece;
+        char* const limit = piece + size - 1;
+        while (piece != limit && (m_Next != m_End || Refill())) {
+            const auto most = static_cast<size_t>(std::min(limit - piece, m_End - m_Next));
+            const void* const found = std::memchr(m_Next, '\n', most);
+            const size_t count =
+                found != nullptr ? static_cast<size_t>(static_cast<const char*>(found) + 1 - m_Next)
+                                 : most;
+            std::memcpy(piece, m_Next, count);
+            piece += count;
+            m_Next += count;
+            if (found != nullptr) break;
+        }
+        *piece = '\0';
+        return piece != begin;
     }
-    return bytes;
-}
 
-void SkipByteOrderMark(std::FILE* file) {
-    if (ReadStart(file, std::strlen(kByteOrderMark)) != kByteOrderMark) std::rewind(file);
-}
+private:
+    /// Reads more behind what is there.
+    bool Fill() {
+        const size_t count = m_File.Read(m_End, static_cast<size_t>(std::end(m_Block) - m_End));
+        m_End += count;
+        return count > 0;
+    }
+    /// Reads more over what was taken.
+    bool Refill() {
+        m_Next = m_End = m_Block;
+        return Fill();
+    }
+
+    InputFile& m_File;
+    char m_Block[4096];
+    const char* m_Next = m_Block;
+    char* m_End = m_Block;
+};
 
 /// Cuts a file that is too long to be shown, behind a whole line if one ends near by.
 bool CutToShow(std::string& bytes) {
@@ -85,30 +104,32 @@ bool FindTitle(const char* text, std::string& title) {
 }
 
 bool CanBeBoardFile(const std::string& directory, const std::string& name) {
-    return MatchFileName("*.mac", name.c_str()) && name.find(';') == std::string::npos &&
-           JoinPath(directory, name).size() <= kMaxBoardPath;
+    if (!MatchFileName("*.mac", name.c_str()) || name.find(';') != std::string::npos) return false;
+    const size_t separator = 1; // most paths have room for one that they may not need
+    const size_t size = directory.size() + separator + name.size();
+    return size <= kMaxBoardPath || JoinPath(directory, name).size() <= kMaxBoardPath;
 }
 
-FilePointer OpenForReading(const char* path) {
-    if (!MayBeOpened(path)) return nullptr;
-    return FilePointer(std::fopen(path, "rb"));
-}
-
-bool ReadBoardTitle(std::FILE* file, std::string& title) {
+bool ReadBoardTitle(InputFile& file, std::string& title) {
+    LinePieces pieces(file);
     char first[254 + 1];
-    SkipByteOrderMark(file);
-    if (!std::fgets(first, sizeof first, file)) return false;
+    if (!pieces.Take(first, sizeof first)) return false;
     if (first[0] != ';' || !FindNoCase(first, kBoardMarker)) return false;
 
     char line[255 + 1];
-    while (std::fgets(line, sizeof line, file))
+    while (pieces.Take(line, sizeof line))
         if (line[0] == ';' && FindTitle(line, title)) return true;
     return false;
 }
 
-BoardCommands ReadBoardCommands(std::FILE* file) {
+BoardCommands ReadBoardCommands(InputFile& file) {
     BoardCommands commands;
-    std::string bytes = ReadStart(file, kMostShown + 1);
+    std::string bytes;
+    char block[4096];
+    for (size_t count = 1; count > 0 && bytes.size() <= kMostShown;) {
+        count = file.Read(block, std::min(sizeof block, kMostShown + 1 - bytes.size()));
+        bytes.append(block, count);
+    }
     commands.IsCut = CutToShow(bytes);
     size_t next = bytes.starts_with(kByteOrderMark) ? std::strlen(kByteOrderMark) : 0;
     while (next < bytes.size()) {

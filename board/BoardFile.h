@@ -14,9 +14,9 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
-#include <memory>
 #include <string>
+
+#include "platform/directory.h"
 
 inline constexpr const char* kTitleKeyword = "Title=";
 
@@ -32,18 +32,9 @@ bool CanBeBoardFile(const std::string& directory, const std::string& name);
 /// alone, without a keyword. A title may be empty.
 bool FindTitle(const char* text, std::string& title);
 
-struct FileCloser {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
-using FilePointer = std::unique_ptr<std::FILE, FileCloser>;
-
-/// Opens a file for reading in binary mode; null if that fails. A directory is no
-/// file, and neither is a pipe or a device, at which a reader could wait for ever.
-FilePointer OpenForReading(const char* path);
-
-/// Reads `file` from its start up to the title. Returns false if it is not a board
+/// Reads `file`, which was just opened, up to the title. Returns false if it is not a board
 /// file or has no title, and leaves `title` alone then.
-bool ReadBoardTitle(std::FILE* file, std::string& title);
+bool ReadBoardTitle(InputFile& file, std::string& title);
 
 /// What a person sees of a board file.
 struct BoardCommands {
@@ -51,10 +42,10 @@ struct BoardCommands {
     bool IsCut = false;
 };
 
-/// Reads `file` from its start and returns the titles, each from its keyword on, and the
-/// general commands, every line with CR LF behind it. Of a file of more than a megabyte only
-/// the first one counts, and an ellipsis follows.
-BoardCommands ReadBoardCommands(std::FILE* file);
+/// Reads `file`, which was just opened, and returns the titles, each from its keyword on,
+/// and the general commands, every line with CR LF behind it. Of a file of more than a
+/// megabyte only the first one counts, and an ellipsis follows.
+BoardCommands ReadBoardCommands(InputFile& file);
 
 /// Returns the bytes of a new board file. `commands` is the text as it was typed;
 /// the lines of it that hold the title keyword are left out. The two selections are

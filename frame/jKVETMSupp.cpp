@@ -1,10 +1,10 @@
 #include "frame/jKVETMSupp.h"
 
-#include "board/BoardFile.h"
 #include "frame/guard.h"
 #include "frame/interfaces/IOrnXTraceClient.h"
 #include "frame/jKVETMCtrl.h"
 #include "frame/slots.h"
+#include "platform/directory.h"
 #include "settings/BoardSelection.h"
 #include "settings/jTraceSettings.h"
 #include "text/text_tools.h"
@@ -71,7 +71,7 @@ bool jKVETMSupp::SettleSelection(const char* directory) {
         return false;
     }
     if (TakeFixedSelection(selection.text)) return true;
-    if (OpenForReading(selection.text)) {
+    if (InputFile(selection.text).IsOpen()) {
         Take(ORN_MODE_BOARD_FILE, selection.text);
         return true;
     }

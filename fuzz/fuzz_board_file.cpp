@@ -1,8 +1,11 @@
 // Board files with any bytes: the title that the catalogue takes, the commands that
 // the dialog shows, and the file that would be made from them.
 
+#include <sys/mman.h>
+#include <unistd.h>
+
 #include <cstdlib>
-#include <cstring>
+#include <string>
 
 #include "board/BoardFile.h"
 #include "platform/compare.h"
@@ -14,10 +17,23 @@ void Require(bool holds) {
     if (!holds) std::abort();
 }
 
-FilePointer FileOf(const void* bytes, size_t size) {
-    FilePointer file(fmemopen(const_cast<void*>(bytes), size, "rb"));
-    Require(file != nullptr);
-    return file;
+/// A file that lies in memory. Its bytes count until the next is made.
+const char* FileOf(const void* bytes, size_t size) {
+    static const int file = memfd_create("board", 0);
+    static const std::string path = "/proc/self/fd/" + std::to_string(file);
+    Require(ftruncate(file, 0) == 0 && pwrite(file, bytes, size, 0) == static_cast<ssize_t>(size));
+    return path.c_str();
+}
+
+bool Title(const char* path, std::string& title) {
+    InputFile file(path);
+    Require(file.IsOpen());
+    return ReadBoardTitle(file, title);
+}
+
+std::string Commands(const char* path) {
+    InputFile file(path);
+    return ReadBoardCommands(file).Text;
 }
 
 /// Checks that each line shown has an end, is not blank, and is neither a comment nor a
@@ -39,22 +55,19 @@ std::string CheckCommands(const std::string& commands) {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    if (size == 0) return 0; // fmemopen wants a byte
-    const FilePointer file = FileOf(data, size);
+    const char* path = FileOf(data, size);
     std::string title;
-    const bool listed = ReadBoardTitle(file.get(), title);
+    const bool listed = Title(path, title);
     Require(title.size() <= 248 && title.find_first_of("\r\n") == title.npos);
-    std::rewind(file.get());
-    const std::string commands = ReadBoardCommands(file.get()).Text;
+    const std::string commands = Commands(path);
     const std::string general = CheckCommands(commands);
     if (!listed) return 0;
 
     // A file made from what is shown is listed under the title and shows the same.
     const std::string made = ComposeBoardFile(title, commands.c_str(), 1, 0);
-    const FilePointer copy = FileOf(made.data(), made.size());
+    path = FileOf(made.data(), made.size());
     std::string again;
-    Require(ReadBoardTitle(copy.get(), again) && again == title);
-    std::rewind(copy.get());
-    Require(ReadBoardCommands(copy.get()).Text == kTitleKeyword + title + "\r\n" + general);
+    Require(Title(path, again) && again == title);
+    Require(Commands(path) == kTitleKeyword + title + "\r\n" + general);
     return 0;
 }

@@ -3,11 +3,37 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+/// Returns the type of what was found, as stat has it: of a link's target, if `follow`; 0
+/// if there is none.
+mode_t TypeOf(int directory, const dirent& found, bool follow) {
+    // Some file systems leave the type out.
+    if (found.d_type != DT_UNKNOWN && !(follow && found.d_type == DT_LNK))
+        return DTTOIF(found.d_type);
+    struct stat status;
+    const int flags = follow ? 0 : AT_SYMLINK_NOFOLLOW;
+    return fstatat(directory, found.d_name, &status, flags) == 0 ? status.st_mode & S_IFMT : 0;
+}
+
+/// Opens a regular file; -1 if that fails.
+int OpenAt(int directory, const char* name) {
+    // Where a pipe has taken the file's place, an ordinary open would wait for its writer.
+    const int file = openat(directory, name, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    struct stat status;
+    if (file < 0 || (fstat(file, &status) == 0 && S_ISREG(status.st_mode))) return file;
+    close(file);
+    return -1;
+}
+
+} // namespace
 
 struct Directory::Handle {
     explicit Handle(const char* path) : Stream(opendir(path)) {}
     ~Handle() {
-        if (Stream) closedir(Stream);
+        if (Stream != nullptr) closedir(Stream);
     }
 
     DIR* const Stream;
@@ -15,23 +41,41 @@ struct Directory::Handle {
 
 Directory::Directory(const std::string& path) {
     auto handle = std::make_unique<Handle>(path.c_str());
-    if (handle->Stream) m_Handle = std::move(handle);
+    if (handle->Stream != nullptr) m_Handle = std::move(handle);
 }
 
 Directory::~Directory() = default;
 
 bool Directory::Next(DirectoryEntry& entry) {
-    if (!m_Handle) return false;
+    if (m_Handle == nullptr) return false;
     const int directory = dirfd(m_Handle->Stream);
     while (const dirent* const found = readdir(m_Handle->Stream)) {
-        struct stat status;
-        if (fstatat(directory, found->d_name, &status, AT_SYMLINK_NOFOLLOW) != 0) continue;
-        const bool isDirectory = S_ISDIR(status.st_mode);
-        if (S_ISLNK(status.st_mode) && fstatat(directory, found->d_name, &status, 0) != 0) continue;
-        if (!isDirectory && S_ISDIR(status.st_mode)) continue;
+        mode_t type = TypeOf(directory, *found, false);
+        const bool isDirectory = S_ISDIR(type);
+        if (S_ISLNK(type)) type = TypeOf(directory, *found, true);
+        if (type == 0 || (!isDirectory && S_ISDIR(type))) continue;
         entry.Name = found->d_name;
         entry.IsDirectory = isDirectory;
+        entry.IsFile = S_ISREG(type);
         return true;
     }
     return false;
+}
+
+InputFile::InputFile(const char* path) {
+    // Nobody has told yet what stands there, and to open a device can set it going.
+    struct stat status;
+    if (stat(path, &status) == 0 && S_ISREG(status.st_mode)) m_Handle = OpenAt(AT_FDCWD, path);
+}
+
+InputFile::InputFile(const Directory& directory, const std::string& name)
+    : m_Handle(OpenAt(dirfd(directory.m_Handle->Stream), name.c_str())) {}
+
+InputFile::~InputFile() {
+    if (IsOpen()) close(static_cast<int>(m_Handle));
+}
+
+size_t InputFile::Read(char* buffer, size_t size) {
+    const ssize_t count = IsOpen() ? read(static_cast<int>(m_Handle), buffer, size) : 0;
+    return count > 0 ? static_cast<size_t>(count) : 0;
 }

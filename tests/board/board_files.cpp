@@ -33,13 +33,13 @@ TEST_F(BoardTest, TitleAndCommandsOfAFile) {
         {kMarker + std::string(";Title=A\0b\nc\0d\n\0e\n", 18), "A", "Title=A|c|"},
     };
     for (const auto& row : rows) {
-        const FilePointer file = OpenForReading(Write("x.mac", row.bytes).c_str());
-        ASSERT_TRUE(file);
+        const std::string path = Write("x.mac", row.bytes);
+        InputFile file(path.c_str()), again(path.c_str());
+        ASSERT_TRUE(file.IsOpen() && again.IsOpen());
         std::string title = "-";
-        ReadBoardTitle(file.get(), title);
+        ReadBoardTitle(file, title);
         EXPECT_EQ(title, row.title) << row.bytes;
-        std::rewind(file.get());
-        std::string commands = ReadBoardCommands(file.get()).Text;
+        std::string commands = ReadBoardCommands(again).Text;
         for (size_t at; (at = commands.find("\r\n")) != std::string::npos;)
             commands.replace(at, 2, "|");
         EXPECT_EQ(commands, row.commands) << row.bytes;
