@@ -1,6 +1,7 @@
 // A target's answers, and what the settings record makes of them.
 
 #include "settings/ReadCapabilities.h"
+#include "settings/ReportStream.h"
 #include "tests/settings/StateText.h"
 #include "tests/support/Session.h"
 
@@ -143,6 +144,11 @@ TEST_F(Reading, PicksCapabilitiesOutOfTheReport) {
         {"my ETM protocol version of today: 7\nSequencer present:\v\f\r yes",
          "ProtocolVersion=7 SequencerPresent=1"},
         {"Number of counters: -1\nNumber of counters: 5", "Counters=-1"},
+        {"ETM protocol version: 1 Number of counters: 5\nNumber of counters: 6\n",
+         "ProtocolVersion=1 Counters=5"},
+        {"Sequencer present: yes\nSequencer present: no\nNumber of counters: 3\n" +
+             std::string(100000, 'N') + "umber of external inputs: 2",
+         "Counters=3 SequencerPresent=1 ExternalInputs=2"},
         {"Number of counters: 99999999999999999999999", "Counters=2147483647"},
         {"Number of counters:\n\n +12th\nSequencer present\nNormal format supported: Yes",
          "Counters=12 SequencerPresent=1 NormalFormatSupported=1"},
@@ -172,6 +178,23 @@ TEST_F(Reading, PicksCapabilitiesOutOfTheReport) {
     EXPECT_EQ(read(), "Counters=4");
     host.refusals["capability"] = "no target";
     EXPECT_EQ(read(), "");
+}
+
+TEST(ReportStream, KeepsWhatAnyStreamWould) {
+    ReportStream ours;
+    std::ostringstream standard;
+    for (std::ostream* stream :
+         {static_cast<std::ostream*>(&ours), static_cast<std::ostream*>(&standard)}) {
+        for (int i = 0; i < 3000; ++i) *stream << i << ' '; // beyond the first memory, twice
+        const auto end = stream->tellp();
+        stream->seekp(5).put('x');
+        stream->seekp(-3, std::ios_base::cur) << "ab" << std::hex << 255;
+        EXPECT_FALSE(stream->seekp(1, std::ios_base::end));
+        stream->clear();
+        EXPECT_EQ(stream->seekp(0, std::ios_base::end).tellp(), end);
+        stream->write("end", 3).seekp(1);
+    }
+    EXPECT_EQ(ours.GetText(), standard.str());
 }
 
 } // namespace
