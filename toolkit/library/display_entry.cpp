@@ -34,6 +34,10 @@ CWnd* CDialog::GetDlgItem(int id) const {
     return (this->*g_Toolkit->getDlgItem)(id);
 }
 
+std::vector<CButton*> CDialog::GetRadioGroup(const CWnd& control) const {
+    return (this->*g_Toolkit->getRadioGroup)(control);
+}
+
 bool IsInSight(const CWnd& control) {
     return g_Toolkit->isInSight(control);
 }

@@ -31,6 +31,7 @@ struct Toolkit {
     decltype(&AfxGetApp) afxGetApp;
     decltype(&CWinApp::CancelAll) cancelAll;
     decltype(&CDialog::GetDlgItem) getDlgItem;
+    decltype(&CDialog::GetRadioGroup) getRadioGroup;
     decltype(&IsInSight) isInSight;
     decltype(&ReportException) reportException;
     decltype(&input::Click) click;

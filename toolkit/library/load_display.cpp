@@ -54,6 +54,7 @@ constexpr Toolkit kToolkit = {
     AfxGetApp,
     &CWinApp::CancelAll,
     &CDialog::GetDlgItem,
+    &CDialog::GetRadioGroup,
     IsInSight,
     ReportException,
     input::Click,

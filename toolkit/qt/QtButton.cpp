@@ -127,16 +127,9 @@ private:
     /// The buttons of this group that have their widgets, in tab order.
     std::vector<RadioPeer*> Group() const {
         std::vector<RadioPeer*> group;
-        bool found = false;
-        for (const auto& control : static_cast<CDialog*>(m_Model.GetParent())->GetControls()) {
-            if ((control->GetStyle() & style::Group) != 0) {
-                if (found) break;
-                group.clear();
-            }
-            found = found || control.get() == &m_Model;
-            if (control->GetKind() == ControlKind::RadioButton && PeerOf(*control) != nullptr)
-                group.push_back(static_cast<RadioPeer*>(PeerOf(*control)));
-        }
+        for (const CButton* radio :
+             static_cast<CDialog*>(m_Model.GetParent())->GetRadioGroup(m_Model))
+            if (PeerOf(*radio) != nullptr) group.push_back(static_cast<RadioPeer*>(PeerOf(*radio)));
         return group;
     }
 

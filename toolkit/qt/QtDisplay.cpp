@@ -74,9 +74,8 @@ void QtDisplay::EndModal(CDialog& dialog) {
 int QtDisplay::ShowMessage(CWnd* owner, const char* text, const char* title, unsigned flags) {
     std::string reason;
     if (!Prepare(reason)) return qt::Refusal(flags); // nobody can be asked
-    return qt::ShowMessageBox(m_Modal, OwnerWindow(owner),
-                              qt::LinesFromModel(text != nullptr ? text : ""),
-                              qt::FromModel(title != nullptr ? title : "Error"), flags);
+    return qt::ShowMessageBox(m_Modal, OwnerWindow(owner), qt::LinesFromModel(text),
+                              qt::FromModel(title), flags);
 }
 
 bool QtDisplay::AskSaveFile(SaveFileRecord& record) {

@@ -25,15 +25,7 @@ void ShowText(HWND window, const CWnd& model) {
 void PlaceTabStop(const CWnd& radio) {
     const auto* dialog = dynamic_cast<const CDialog*>(radio.GetParent());
     if (dialog == nullptr) return;
-    std::vector<const CButton*> group;
-    for (const auto& control : dialog->GetControls()) {
-        if ((control->GetStyle() & style::Group) != 0) {
-            if (std::ranges::find(group, &radio) != group.end()) break;
-            group.clear();
-        }
-        if (control->GetKind() == ControlKind::RadioButton)
-            group.push_back(static_cast<const CButton*>(control.get()));
-    }
+    std::vector<CButton*> group = dialog->GetRadioGroup(radio);
     std::erase_if(group, [](const CButton* button) {
         const HWND window = WindowOf(*button);
         const LONG style = GetWindowLongA(window, GWL_STYLE);
