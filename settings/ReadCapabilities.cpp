@@ -9,7 +9,6 @@
 
 #include "frame/interfaces/IOrnVETMTrace.h"
 #include "frame/slots.h"
-#include "platform/compare.h"
 #include "settings/ReportStream.h"
 #include "settings/jTraceSettings.h"
 
@@ -101,10 +100,17 @@ bool ReadVersion(const char* value, int32_t* field) {
     return true;
 }
 
+/// `word` is of small letters; those of the text may be capitals.
+bool BeginsWith(const char* text, std::string_view word) {
+    for (const char letter : word)
+        if ((*text++ | ('a' ^ 'A')) != letter) return false;
+    return true;
+}
+
 bool ReadYesNo(const char* value, int32_t* field) {
     value = SkipBlanks(value);
-    const bool yes = CompareNoCaseN(value, "yes", 3) == 0;
-    if (!yes && CompareNoCaseN(value, "no", 2) != 0) return false;
+    const bool yes = BeginsWith(value, "yes");
+    if (!yes && !BeginsWith(value, "no")) return false;
     *field = yes ? 1 : 0;
     return true;
 }
