@@ -1,17 +1,15 @@
-// How fast the built library loads and shows its dialog, off-screen.
+// How fast the built library shows its dialog, off-screen.
 
 #include <benchmark/benchmark.h>
 #include <dlfcn.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <QApplication>
 #include <QTimer>
 #include <QWidget>
 #include <chrono>
-#include <cstdio>
 #include <cstdlib>
 
+#include "bench/require.h"
 #include "frame/interfaces/IOrnAPIBase.h"
 #include "testkit/RecordingHost.h"
 
@@ -23,43 +21,12 @@ double SecondsSince(Clock::time_point start) {
     return std::chrono::duration<double>(Clock::now() - start).count();
 }
 
-void Require(bool holds, const char* what) {
-    if (holds) return;
-    std::fprintf(stderr, "bench: %s\n", what);
-    std::exit(1);
-}
-
 IOrnAPIBase* Load() {
     void* library = dlopen(MODULE_PATH, RTLD_NOW | RTLD_LOCAL);
     Require(library != nullptr, dlerror());
     const auto entry = reinterpret_cast<IOrnAPIBase* (*)()>(dlsym(library, "OrnDLL"));
     Require(entry != nullptr, "there is no OrnDLL");
     return entry();
-}
-
-/// Load plus OrnDLL, each time in a fresh process, for a library stays mapped. The
-/// window system's libraries are in memory already, as in a host that uses them.
-void LoadAndOrnDLL(benchmark::State& state) {
-    for (auto _ : state) {
-        int ends[2];
-        Require(pipe(ends) == 0, "no pipe");
-        const pid_t child = fork();
-        if (child == 0) {
-            const Clock::time_point start = Clock::now();
-            const IOrnAPIBase* module = Load();
-            const double seconds = SecondsSince(start);
-            const bool written = write(ends[1], &seconds, sizeof seconds) == sizeof seconds;
-            _exit(module != nullptr && written ? 0 : 1);
-        }
-        double seconds = 0;
-        int status = 1;
-        Require(read(ends[0], &seconds, sizeof seconds) == sizeof seconds, "the child failed");
-        waitpid(child, &status, 0);
-        close(ends[0]);
-        close(ends[1]);
-        Require(status == 0, "the child failed");
-        state.SetIterationTime(seconds);
-    }
 }
 
 /// Notes when the sheet is first painted, and closes it then.
@@ -99,7 +66,6 @@ void OpenToFirstPaint(benchmark::State& state) {
     module->DestroyRowObject(0, control);
 }
 
-BENCHMARK(LoadAndOrnDLL)->UseManualTime()->Unit(benchmark::kMicrosecond)->Iterations(200);
 BENCHMARK(OpenToFirstPaint)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(50);
 
 } // namespace

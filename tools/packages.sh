@@ -8,8 +8,8 @@ BUILD_PACKAGES=(g++ cmake ninja-build pkg-config qt6-base-dev libgl-dev fonts-de
 TEST_PACKAGES=(clang libclang-rt-14-dev llvm clang-format libgtest-dev libgmock-dev xvfb xauth
   binutils fonts-liberation2 fonts-cantarell python3)
 
-# To measure them.
-BENCH_PACKAGES=(libbenchmark-dev)
+# To measure them, beside a generated scanner.
+BENCH_PACKAGES=(libbenchmark-dev re2c python3)
 
 # To build the Windows module and to run it.
 WINDOWS_PACKAGES=(g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix googletest wine64 fonts-wine)
