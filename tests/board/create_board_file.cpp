@@ -179,13 +179,13 @@ TEST_F(CreateBoardFile, AFullDiskOrADeadProcessLeavesTheFileThatWasThere) {
 #endif
 
 TEST(GetTextLine, CountsLinesFromOneAndCutsThem) {
-    const std::tuple<int32_t, const char*, const char*> rows[] = {
-        // null: there is no such line
-        {1, "", ""},    {0, "a", nullptr},   {1, "a\r\nb", "a\r\n"},       {2, "a\r\nb", "b"},
-        {2, "a\n", ""}, {3, "a\n", nullptr}, {2, "a\n12345678", "1234567"}};
-    for (const auto& [number, text, expected] : rows) {
-        char line[8] = "unset";
-        EXPECT_EQ(GetTextLine(number, text, line, sizeof line), expected != nullptr) << text;
-        EXPECT_STREQ(line, expected != nullptr ? expected : "unset") << text;
+    using Row = std::tuple<int32_t, const char*, const char*>; // "-": there is no such line
+    for (const auto& [number, text, expected] : {Row{0, "a", "-"},
+                                                 {1, "a\r\nb", "a\r\n"},
+                                                 {3, "a\n", "-"},
+                                                 {2, "a\n12345678", "1234567"}}) {
+        char line[8] = "-";
+        EXPECT_EQ(GetTextLine(number, text, line, sizeof line), *expected != '-') << text;
+        EXPECT_STREQ(line, expected) << text;
     }
 }

@@ -81,6 +81,7 @@ TEST_F(InitBoardFile, BuffersAndDirectoryAreTheCallersChoice) {
     EXPECT_EQ(settings.BoardDirectory, "/boards");
     EXPECT_TRUE(supp->InitBoardFile("", value, sizeof value, nullptr));
     EXPECT_STREQ(value, "/sta");
+    supp->GetLastError(value, -1);
     EXPECT_NE(settings.BoardDirectory, "/boards"); // derived anew
 
     delete std::exchange(g_Settings, nullptr);

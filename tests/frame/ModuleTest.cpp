@@ -17,14 +17,10 @@ namespace {
 TEST(FactoryTable, GrowsByTenAndKeepsItsRows) {
     FactoryTable table;
     const std::string names = "abcdefghijk";
-    for (size_t i = 0; i < 11; ++i)
-        table.AddFactoryRow({names.c_str() + i, "component", nullptr, nullptr});
-    EXPECT_EQ(table.Count, 11);
-    EXPECT_EQ(table.Capacity, 20);
-    EXPECT_EQ(table.Find(0)->InterfaceName, names.c_str());
-    EXPECT_EQ(table.Find(10)->InterfaceName, names.c_str() + 10);
-    EXPECT_EQ(table.Find(11), nullptr);
-    EXPECT_EQ(table.Find(-1), nullptr);
+    for (const char& name : names) table.AddFactoryRow({&name, "component", nullptr, nullptr});
+    EXPECT_EQ(std::pair(table.Count, table.Capacity), std::pair(11, 20));
+    for (const int32_t row : {0, 10}) EXPECT_EQ(table.Find(row)->InterfaceName, &names[row]);
+    for (const int32_t outside : {11, -1}) EXPECT_EQ(table.Find(outside), nullptr);
 }
 
 TEST(ModuleObject, ListsItsOneRow) {
@@ -42,7 +38,6 @@ TEST(ModuleObject, ListsItsOneRow) {
 
 TEST(ModuleObject, TakesPathAndHost) {
     OrnAPIBase module;
-    EXPECT_EQ(module.GetModulePath(), nullptr);
     for (const char* none : {static_cast<const char*>(nullptr), ""}) {
         module.SetModulePath("/a/b.so");
         EXPECT_STREQ(module.GetModulePath(), "/a/b.so");
@@ -67,22 +62,19 @@ protected:
 
 TEST_F(Component, SaysWhoItIs) {
     IOrnInterface* support = control->GetInterface("IOrnKVETMSupp");
-    ASSERT_NE(support, nullptr);
     EXPECT_EQ(support, control->GetInterface("IOrnKVETMSupp"));
-    using Row = std::tuple<IOrnInterface*, const char*, int32_t, const char*, int32_t>;
-    for (const auto& [object, name, version, component, componentVersion] :
-         {Row{OrnDLL(), "IOrnAPIBase", 120, "OrnAPIBase", 120},
-          Row{control, "IOrnKVETMCtrl", 100, "KVETMControl", 107},
-          Row{support, "IOrnKVETMSupp", 100, "KVETMSupp", 102}}) {
-        SCOPED_TRACE(name);
-        EXPECT_STREQ(object->GetInterfaceName(), name);
-        EXPECT_EQ(object->GetInterfaceVersion(), version);
-        EXPECT_STREQ(object->GetComponentName(), component);
-        EXPECT_EQ(object->GetComponentVersion(), componentVersion);
-        for (const char* other : {name, "iornkvetmsupp", static_cast<const char*>(nullptr)})
+    std::string said;
+    for (IOrnInterface* object :
+         {static_cast<IOrnInterface*>(OrnDLL()), static_cast<IOrnInterface*>(control), support}) {
+        ASSERT_NE(object, nullptr);
+        said += object->GetInterfaceName() + (" " + std::to_string(object->GetInterfaceVersion()));
+        said += std::string(" ") + object->GetComponentName() + " " +
+                std::to_string(object->GetComponentVersion()) + "; ";
+        for (const char* other : {"iornkvetmsupp", static_cast<const char*>(nullptr)})
             EXPECT_EQ(object->GetInterface(other), nullptr);
-        object->ReleaseInterface(object);
     }
+    EXPECT_EQ(said, "IOrnAPIBase 120 OrnAPIBase 120; IOrnKVETMCtrl 100 KVETMControl 107; "
+                    "IOrnKVETMSupp 100 KVETMSupp 102; ");
 }
 
 /// Calls an operation by its number in the object's table, as a host does that was
@@ -209,6 +201,13 @@ TEST_F(Component, BetweenTwoHandlersOfTheSheetAttachingActsAtOnce) {
         EXPECT_EQ(attached(), &host.emu);
         EXPECT_EQ(Error(control->Init(0)), "Another operation of the module is running");
 
+        display.RefuseToShow("not on this thread");
+        for (const int button : {IDOK, IDCANCEL}) { // of the question that the host asks
+            if (button == IDOK) display.OnNextDialog([&] { display.Click(IDOK); });
+            EXPECT_FALSE(control->Open());
+            display.RefuseToShow("");
+            EXPECT_EQ(control->Open(), button == IDOK);
+        }
         IOrnInterface* second = OrnDLL()->CreateRowObject(0);
         OrnDLL()->DestroyRowObject(0, second);
         EXPECT_TRUE(display.Front() != nullptr && !display.Front()->HasEnded());
@@ -220,13 +219,29 @@ TEST_F(Component, BetweenTwoHandlersOfTheSheetAttachingActsAtOnce) {
 }
 
 TEST_F(Component, ASecondOneThatGoesLeavesTheFirstWorking) {
-    ASSERT_TRUE(control->Init(0));
     auto* second = static_cast<IOrnKVETMCtrl*>(OrnDLL()->CreateRowObject(0));
     EXPECT_TRUE(second->Init(0) && second->GetInterface("IOrnKVETMSupp") != nullptr);
     OrnDLL()->DestroyRowObject(0, second);
-    EXPECT_TRUE(g_Supp != nullptr && g_Ctrl != nullptr);
+    EXPECT_TRUE(g_Supp != nullptr && g_Ctrl != nullptr && control->Apply());
+}
+
+TEST_F(Component, AHostThatCallsBackForEverIsHeardNoMore) {
+    ASSERT_TRUE(control->Init(0));
+    g_Settings->Working.Accumulate = 1;
+    std::string refusal;
+    host.onCall = [&](const std::string&) {
+        if (!control->Apply() && refusal.empty()) refusal = LastError();
+    };
     EXPECT_TRUE(control->Apply());
-    EXPECT_TRUE(OpenAnd([&] { display.Click(IDOK); }));
+    EXPECT_EQ(refusal, "Calls are nested too deeply");
+    host.values[0] = ORN_CONTROL_ENABLE;
+    EXPECT_TRUE(OpenAnd([&] {
+        host.onCall = [&](const std::string& call) {
+            if (call == "Command(start)") display.Click(1030);
+        };
+        display.Click(1030);
+    }));
+    EXPECT_LT(std::ranges::count(host.TakeCalls(), "Command(start)"), 20);
 }
 
 TEST_F(Component, EachMissingPieceHasItsText) {
@@ -254,15 +269,12 @@ TEST_F(Component, OpenReadsTheTargetAnewAndLeavesNothingBehind) {
     host.values[2] = 0;
     for (const int button : {IDOK, IDCANCEL}) {
         EXPECT_TRUE(OpenAnd([&] {
-            EXPECT_EQ(g_SheetOpen, 1);
-            EXPECT_TRUE(g_MainSheet != nullptr && g_ControlPage != nullptr);
             EXPECT_EQ(g_Settings->Working.TriggerPosition, 100);
             if (button == IDCANCEL) g_Settings->Working.PcBegin = "edited";
             display.Click(button);
         }));
         EXPECT_TRUE(g_Settings->Working == g_Settings->Snapshot);
-        EXPECT_EQ(g_SheetOpen, 0);
-        EXPECT_TRUE(g_MainSheet == nullptr && g_ControlPage == nullptr);
+        EXPECT_TRUE(g_SheetOpen == 0 && g_MainSheet == nullptr && g_ControlPage == nullptr);
         EXPECT_THAT(host.TakeChanges(), ElementsAre("Command(capability)"));
     }
 }

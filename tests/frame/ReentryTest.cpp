@@ -34,7 +34,10 @@ struct Round {
         control = static_cast<IOrnKVETMCtrl*>(OrnDLL()->CreateRowObject(0));
         host.Attach(*control);
     }
-    void Destroy() { OrnDLL()->DestroyRowObject(0, std::exchange(control, nullptr)); }
+    void Destroy() {
+        display.ClearLog();
+        OrnDLL()->DestroyRowObject(0, std::exchange(control, nullptr));
+    }
 
     void Use(const std::vector<int>& ids) {
         for (const int id : ids)
@@ -115,6 +118,8 @@ TEST(Reentry, EveryEntryFromEveryOperation) {
                 };
                 round.UseEverything();
                 EXPECT_LT(left, times) << "nobody came here";
+                const auto runs = [](const std::string& line) { return line.starts_with("run "); };
+                EXPECT_TRUE(round.control || std::ranges::none_of(round.display.Log(), runs));
             }
 }
 

@@ -37,14 +37,11 @@ TEST(Expression, IsAValueOrAnError) {
     } rows[] = {{" main + 4 // why", "0x8004"},
                 {"", "value expected at the end"},
                 {"* 4", "value expected at \"* 4\""},
-                {"$", "value expected at \"$\""},
                 {"1 2", "unexpected text \"2\""},
-                {"1\n", "unexpected text \"\\n\""},
                 {"1 // a\n2", "unexpected text \"\\n2\""},
                 {"(main", "\")\" expected"},
                 {"Main", "unknown symbol \"Main\""},
                 {"'abcde'", "too long \"'abcde'\""},
-                {"'a\n'", "quote not closed \"'a\\n\""},
                 {"'a\\", "quote not closed \"'a\\\""}};
     for (const auto& row : rows) EXPECT_EQ(Result(row.text), row.result) << row.text;
 
@@ -96,16 +93,13 @@ TEST(Command, RefusalsLeaveTheTargetAlone) {
         {"arm7", "etm portsize=16", "This chip has no trace port of 16 bits"},
         {"arm7", "etm portsize=99999999999", "Port size expected, not \"99999999999\""},
         {"arm7", "etm halfrate=on", "This chip has no half-rate clocking"},
-        {"arm7", "etm halfrate=1", "\"on\" or \"off\" expected, not \"1\""},
         {"arm7", "start", "Trace is not enabled"},
         {"arm7", "trigger force", "Capture is not running"},
         {"arm9-etb", "trigger force",
          "The trigger of an ETB comes from the ETM and cannot be forced"},
-        {"cortex-m3", "trigger force", "A TPIU has no trigger that could be forced"},
         {"cortex-m3", "etm pc=from 1", "This chip cannot limit PC trace by addresses"},
         {"cortex-m3", "etm pc=start 4", "DWT comparator 0 to 3 expected, not \"4\""},
         {"cortex-m3", "etm data=addr", "This chip has no data trace"},
-        {"cortex-m3", "etm data=to 1", "This chip has no address comparators for a data range"},
         {"arm7", "macro /no/x.mac", "Cannot open macro file \"/no/x.mac\""},
     };
     for (const auto& row : rows) {

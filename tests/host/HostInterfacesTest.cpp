@@ -20,27 +20,20 @@ TEST(HostInterfaces, JournalHoldsEveryCallWithItsAnswer) {
     EXPECT_FALSE(trace.GetValue(0x10001E4, &word)) << "this chip has no ID register";
     EXPECT_EQ(trace.Command("capability", &report), nullptr);
     EXPECT_STREQ(trace.Command("etm\n\"x\"", nullptr), "Unknown command: etm\\n\"x\"");
-    EXPECT_STREQ(trace.Command(nullptr, nullptr), "Empty command");
-    EXPECT_FALSE(trace.SetValue(1, 5));
     EXPECT_FALSE(trace.SetValue(2, 5000000));
     EXPECT_TRUE(trace.SetValue(0, 0x3));
     EXPECT_EQ(trace.Command("start", nullptr), nullptr);
     for (int look = 0; look < 20; ++look) trace.GetTraceState(nullptr); // told only with news
     EXPECT_STREQ(trace.GetSettingsLine(0), "ETM PC = all");
     EXPECT_EQ(trace.Command("etm pc=from 5", nullptr), nullptr);
-    EXPECT_EQ(trace.Command("etm pc=to 6", nullptr), nullptr);
     EXPECT_STREQ(trace.GetSettingsLine(1), "ETM DATA = none") << "the same within one pass";
     EXPECT_STREQ(trace.GetSettingsLine(0), "ETM PC = from 5");
-    EXPECT_EQ(trace.GetSettingsLine(99), nullptr);
     EXPECT_TRUE(host.traceClient.Action("CheckAction", "Eval"));
     EXPECT_TRUE(host.traceClient.Action("Eval main + 4", nullptr));
-    EXPECT_FALSE(host.traceClient.Action("Eval 1.5", nullptr));
     EXPECT_FALSE(host.traceClient.Action("Eval main + mian", nullptr));
-    EXPECT_FALSE(host.traceClient.Action(nullptr, nullptr));
     IOrnXTraceClient& client = host.xTraceClient;
     char buffer[8];
     EXPECT_TRUE(client.HasCommand("ExecuteCmd"));
-    EXPECT_FALSE(client.ReadSetting("KVETM", "BoardFile", 8, buffer));
     EXPECT_FALSE(client.WriteSetting("KVETM", nullptr, "x"));
     EXPECT_TRUE(client.WriteSetting("KVETM", "BoardFile", "/startup"));
     EXPECT_TRUE(client.ReadSetting("KVETM", "BoardFile", 8, buffer)) << "cut, and terminated";
@@ -48,8 +41,6 @@ TEST(HostInterfaces, JournalHoldsEveryCallWithItsAnswer) {
 GetValue 0x10001E4 -> refused
 Command "capability" -> ok
 Command "etm\n\"x\"" -> "Unknown command: etm\\n\"x\""
-Command null -> "Empty command"
-SetValue 0x1 0x5 -> refused
 SetValue 0x2 0x4C4B40 -> refused
 SetValue 0x0 0x3 -> ok
 Command "start" -> ok
@@ -57,29 +48,20 @@ GetTraceState -> 0x4
 GetTraceState -> 0x2
 GetSettingsLine 0 -> "ETM PC = all"
 Command "etm pc=from 5" -> ok
-Command "etm pc=to 6" -> ok
 GetSettingsLine 1 -> "ETM DATA = none"
 GetSettingsLine 0 -> "ETM PC = from 5"
-GetSettingsLine 99 -> null
 Action "CheckAction" "Eval" -> yes
 Action "Eval main + 4" null -> yes
-Action "Eval 1.5" null -> no
 Action "Eval main + mian" null -> no
-Action null null -> no
 HasCommand "ExecuteCmd" -> yes
-ReadSetting "KVETM" "BoardFile" 8 -> none
 WriteSetting "KVETM" null "x" -> refused
 WriteSetting "KVETM" "BoardFile" "/startup" -> ok
 ReadSetting "KVETM" "BoardFile" 8 -> "/startu"
 )");
     EXPECT_EQ(refusals.str(), R"(GetValue 0x10001E4: There is no such value to read
 etm\n"x": Unknown command: etm\n"x"
-: Empty command
-SetValue 0x1 0x5: There is no such value to set
 SetValue 0x2 0x4C4B40: The trace buffer has only 524288 words
-1.5: invalid number
 main + mian: unknown symbol "mian"
-: There is no such action
 WriteSetting "KVETM" null "x": A section, a key and a value are needed
 )");
     EXPECT_THAT(report.str(), testing::StartsWith("ETM protocol version: 3\n"));

@@ -23,8 +23,8 @@ protected:
     bool CanApply() const { return display.Enabled(IDC_APPLY_NOW); }
     bool IsOpen() const { return !display.Front()->HasEnded(); }
     int FrontTab() const { return display.Selection(IDC_TAB_CONTROL); }
-    /// The text of the note 1083, or "hidden".
-    std::string Note() const { return display.Visible(1083) ? display.Text(1083) : "hidden"; }
+    /// The text of the note 1083; "" while it is hidden.
+    std::string Note() const { return display.Visible(1083) ? display.Text(1083) : ""; }
 
     /// The visible controls of the page in front that can't be used, in tab order.
     std::string Unusable() const {

@@ -23,35 +23,21 @@ TEST_F(ControlPage, EnablesWhatTargetAndSelectionAllow) {
     const char* const etb = "Some controls are\r\ndisabled for ETB";
     const char* const tpiu = "Trigger controls are\r\ndisabled for TPIU";
     const std::string position = "1006 1003 1032 1007 1008 1005 1077 1004 ";
+    constexpr uint32_t kEtb = ORN_FEATURE_ETB, kTpiu = ORN_FEATURE_TPIU;
+    constexpr uint32_t kOn = ORN_CONTROL_ENABLE, kAddress = ORN_CONTROL_TRIGGER_ADDRESS;
     const struct {
         std::set<uint32_t> features;
         uint32_t word, state;
         std::string unusable, note;
     } rows[] = {
-        {{ORN_FEATURE_ETB},
-         ORN_CONTROL_TRIGGER_ADDRESS,
-         4,
-         "1029 1036 1061 1034 1035 " + position + "1002 1009 1030 1031",
-         "hidden"},
-        {{}, ORN_CONTROL_ENABLE, 0, "1003 1005 1077 1004 1031", "hidden"},
-        {{}, ORN_CONTROL_ENABLE | ORN_CONTROL_TRIGGER_PIN, 0x4, "1077 1030", "hidden"},
-        {{}, ORN_CONTROL_ENABLE | ORN_CONTROL_TRIGGER_ADDRESS, 0x2, "1031", "hidden"},
-        {{ORN_FEATURE_ETB},
-         ORN_CONTROL_ENABLE | ORN_CONTROL_TRIGGER_ADDRESS,
-         0,
-         "1034 1006 1004 1031",
-         etb},
-        {{ORN_FEATURE_TPIU}, ORN_CONTROL_ENABLE, 0x4, "1035 " + position + "1030", tpiu},
-        {{ORN_FEATURE_TPIU},
-         ORN_CONTROL_ENABLE | ORN_CONTROL_TRIGGER_ADDRESS,
-         0,
-         "1035 1006 1004 1031",
-         tpiu},
-        {{ORN_FEATURE_ETB, ORN_FEATURE_TPIU},
-         ORN_CONTROL_ENABLE | ORN_CONTROL_STOP_WHEN_FULL,
-         0,
-         "1034 " + position + "1031",
-         etb},
+        {{kEtb}, kAddress, 4, "1029 1036 1061 1034 1035 " + position + "1002 1009 1030 1031", ""},
+        {{}, kOn, 0, "1003 1005 1077 1004 1031", ""},
+        {{}, kOn | ORN_CONTROL_TRIGGER_PIN, 4, "1077 1030", ""},
+        {{}, kOn | kAddress, 2, "1031", ""},
+        {{kEtb}, kOn | kAddress, 0, "1034 1006 1004 1031", etb},
+        {{kTpiu}, kOn, 4, "1035 " + position + "1030", tpiu},
+        {{kTpiu}, kOn | kAddress, 0, "1035 1006 1004 1031", tpiu},
+        {{kEtb, kTpiu}, kOn | ORN_CONTROL_STOP_WHEN_FULL, 0, "1034 " + position + "1031", etb},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.unusable);
@@ -132,14 +118,16 @@ TEST_F(ControlPage, TheQuestionIsAskedOnceWhoeverAsks) {
             display.OnNextDialog([&] {
                 display.Advance(1200);
                 EXPECT_FALSE(control->Open()); // nor does the host get a second one
-                EXPECT_EQ(display.Front()->GetDlgCtrlID(), 1001);
+                EXPECT_FALSE(Support().InitBoardFile("", nullptr, 0, nullptr));
                 display.Click(IDOK);
             });
             display.Click(asked);
             EXPECT_EQ(IsOpen(), asked == 1000); // the button is the question
             display.Advance(1200);
             display.Click(IDOK);
+            EXPECT_EQ(std::ranges::count(display.Log(), "run 1001"), 1);
         });
+        display.ClearLog();
         EXPECT_TRUE(Support().InitBoardFile("", nullptr, 0, nullptr));
         EXPECT_EQ(host.boardFile, "/none") << "settled and sent";
         EXPECT_EQ(g_BoardQueryPending, 0);

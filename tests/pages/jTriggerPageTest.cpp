@@ -63,7 +63,7 @@ TEST_F(TriggerPage, EnablesWhatChipAndSelectionAllow) {
             EXPECT_EQ(Note(), row.enabled && row.cortexM3
                                   ? "For Cortex-M3 use DWT comparator index (0..3)\r\n"
                                     "in Begin and End address fields."
-                                  : "hidden");
+                                  : "");
         });
     }
 }

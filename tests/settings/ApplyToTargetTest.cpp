@@ -92,16 +92,17 @@ TEST_F(Applying, SendsWhatDiffers) {
 }
 
 TEST_F(Applying, DecidesOnceWhatDiffers) {
-    Edit(settings.Working, "Enable=1 TriggerPosition=0 CycleAccurate=1 PcMode=1");
+    Edit(settings.Working, "BoardFile=/c.mac Enable=1 TriggerPosition=0 CycleAccurate=1 PcMode=1");
     host.onCall = [&](const std::string& call) {
-        if (call != "Command(enable)") return;
+        if (call != "Command(macro /c.mac)") return;
         host.onCall = nullptr;
         EXPECT_TRUE(settings.ApplyToTarget());
         Sent();
     };
     EXPECT_TRUE(settings.ApplyToTarget());
-    EXPECT_EQ(Sent(), "SetValue(0x0,0x21); SetValue(0x2,0x800); etm portsize=4; etm halfrate=on; "
-                      "WriteSetting(KVETM,BoardFile,/b.mac); etm pc=all; etm data=none");
+    EXPECT_EQ(Sent(), "enable; SetValue(0x0,0x21); SetValue(0x2,0x800); etm portsize=4; "
+                      "etm halfrate=on; WriteSetting(KVETM,BoardFile,/c.mac); etm pc=all; "
+                      "etm data=none");
 }
 
 TEST_F(Applying, StopsWhereARefusalCounts) {
@@ -122,6 +123,7 @@ TEST_F(Applying, StopsWhereARefusalCounts) {
         {"etm portsize=4", all, true},
         {"enable", "macro /c.mac; enable", false},
         {"0", all, false},
+        {"2", all, false},
         {"etm data=all", kind, false},
         {"etm data=from c", range, false}};
     for (const auto& [refused, sent, result] : rows) {
@@ -131,7 +133,7 @@ TEST_F(Applying, StopsWhereARefusalCounts) {
         display.ClearLog();
         host.refusals = {{refused, "not now"}};
         host.refusedSetValues.clear();
-        if (refused == "0") host.refusedSetValues.insert(0);
+        if (refused.size() == 1) host.refusedSetValues.insert(refused == "0" ? 0 : 2);
         // The host's text is good until its next call, a timer's during the box.
         display.DuringNextBox([&] { host.refusals["enable"] = "?"; });
         EXPECT_EQ(settings.ApplyToTarget(), result);

@@ -113,6 +113,10 @@ TEST_F(Reading, FailsWithoutTheValuesThatCount) {
         EXPECT_FALSE(read.ControlChanged() || read.TriggerPositionChanged() || read.PortChanged());
         EXPECT_EQ(read.BufferSize, id == 1 ? 0u : 2048u);
     }
+    EXPECT_TRUE(settings.ReadFromTarget());
+    host.values.erase(1);
+    EXPECT_FALSE(settings.ReadFromTarget());
+    EXPECT_EQ(settings.BufferSize, 2048u) << "as it was known";
 }
 
 TEST_F(Reading, TakesTheBoardFileAndNeedsATarget) {

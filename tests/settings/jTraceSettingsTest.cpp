@@ -42,18 +42,21 @@ TEST(Settings, HoldTexts) {
     EXPECT_TRUE(settings.SetTextAttribute(TA_BOARD_FILE, nullptr));
     EXPECT_EQ(Difference({}, settings.Working), "");
 
+    const std::string most = "/" + std::string(259, 'd'), longest = most + "d/module.so";
     // The module, what is set if anything, and the directory then
     const std::tuple<const char*, const char*, const char*> rows[] = {
         {"", nullptr, ""},
         {"C:\\tools\\module.dll", nullptr, "C:\\tools"},
         {"/other/module.so", nullptr, "C:\\tools"}, // derived once
         {"/other/module.so", "", "/other"},
+        {longest.c_str(), "", most.c_str()},
         {"", "/boards", "/boards"}};
     for (const auto& [module, set, directory] : rows) {
         OrnDLL()->SetModulePath(module);
         EXPECT_TRUE(!set || settings.SetTextAttribute(TA_BOARD_DIRECTORY, set));
         EXPECT_TRUE(settings.GetTextAttribute(TA_BOARD_DIRECTORY, text, sizeof text));
-        EXPECT_STREQ(text, directory);
+        EXPECT_EQ(settings.BoardDirectory, directory);
+        EXPECT_STREQ(text, std::string(directory).substr(0, 259).c_str());
     }
 }
 

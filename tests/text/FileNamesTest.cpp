@@ -15,10 +15,6 @@
 #include "text/shown_text.h"
 #include "text/text_tools.h"
 
-using ::testing::ElementsAre;
-using ::testing::IsEmpty;
-using ::testing::UnorderedElementsAre;
-
 namespace {
 
 std::vector<std::string> Words(const std::string& text) {
@@ -84,61 +80,43 @@ TEST(FileNames, StandInLists) {
     }
 }
 
-class Files : public ::testing::Test {
-protected:
-    Files() { std::filesystem::create_directories(directory / "sub" / "empty"); }
-
-    /// The names found below the directory, with "/" between their parts.
-    std::vector<std::string> Find(const char* pattern, bool recurse) {
-        jString list;
+TEST(Files, AreFoundByPattern) {
+    const TemporaryDirectory directory;
+    std::filesystem::create_directories(directory.PathOf("sub/empty"));
+    for (const char* name : {"a.mac", "B.MAC", "c.mac1", "mac", "sub/d.mac", "sub/e.txt"})
+        directory.Write(name, "x");
+    std::filesystem::create_directory(directory.PathOf("folder.mac"));
+#if !defined(_WIN32)
+    std::filesystem::create_symlink("nowhere", directory.PathOf("broken.mac"));
+    std::filesystem::create_directory_symlink("..", directory.PathOf("sub/loop"));
+#endif
+    const struct {
+        const char* pattern;
+        bool recurse, found;
+        std::vector<std::string> names;
+    } rows[] = {
+        {"*.mac", false, true, {"a.mac", "B.MAC"}},
+        {"*.mac", true, true, {"a.mac", "B.MAC", "sub/d.mac"}},
+        {"E.TXT", true, true, {"sub/e.txt"}},
+        {"*.zip", true, true, {}}, // the list was not empty before
+        {"*.zip", false, false, {}},
+    };
+    for (const auto& row : rows) {
+        jString list, item;
         list.Assign("first");
-        found = FindFiles(temporary.Path().c_str(), pattern, recurse, list);
-        jString item;
-        EXPECT_TRUE(GetListItem(0, list.GetBuffer(), item));
-        EXPECT_STREQ(item.Data, "first");
+        EXPECT_EQ(FindFiles(directory.Path().c_str(), row.pattern, row.recurse, list), row.found);
         std::vector<std::string> names;
         for (int32_t i = 1; GetListItem(i, list.GetBuffer(), item); ++i) {
-            EXPECT_EQ(item.Data[temporary.Path().size()], kSeparator) << item.Data;
-            names.push_back(
-                std::filesystem::path(item.Data).lexically_relative(directory).generic_string());
+            EXPECT_EQ(item.Data[directory.Path().size()], kSeparator) << item.Data;
+            const std::filesystem::path path = item.Data;
+            names.push_back(path.lexically_relative(directory.Path()).generic_string());
         }
-        return names;
+        EXPECT_THAT(names, ::testing::UnorderedElementsAreArray(row.names)) << row.pattern;
     }
-
-    const TemporaryDirectory temporary;
-    const std::filesystem::path directory = temporary.Path();
-    bool found = false;
-};
-
-TEST_F(Files, AreFoundByPattern) {
-    for (const char* name : {"a.mac", "B.MAC", "c.mac1", "mac", "sub/d.mac", "sub/e.txt"})
-        temporary.Write(name, "x");
-    std::filesystem::create_directory(directory / "folder.mac");
-#if !defined(_WIN32)
-    std::filesystem::create_symlink("nowhere", directory / "broken.mac");
-    std::filesystem::create_directory_symlink("..", directory / "sub" / "loop");
-#endif
-    EXPECT_THAT(Find("*.mac", false), UnorderedElementsAre("a.mac", "B.MAC"));
-    EXPECT_TRUE(found);
-    EXPECT_THAT(Find("*.mac", true), UnorderedElementsAre("a.mac", "B.MAC", "sub/d.mac"));
-    EXPECT_THAT(Find("E.TXT", true), ElementsAre("sub/e.txt"));
-    EXPECT_THAT(Find("*.zip", true), IsEmpty());
-    EXPECT_TRUE(found) << "the list was not empty before";
-    EXPECT_THAT(Find("*.zip", false), IsEmpty());
-    EXPECT_FALSE(found) << "nothing fits";
     jString list;
-    for (const std::string& name : {temporary.PathOf("none"), std::string()})
+    for (const std::string& name : {directory.PathOf("none"), std::string()})
         EXPECT_FALSE(FindFiles(name.c_str(), "*.*", true, list)) << name;
     EXPECT_STREQ(list.Data, "");
-}
-
-TEST_F(Files, AreGatheredByThousands) {
-    std::vector<std::string> names;
-    for (int i = 0; i < 2000; ++i) {
-        names.push_back("a_board_file_" + std::to_string(i) + ".mac"); // beyond 65535 bytes
-        temporary.Write(names.back(), "x");
-    }
-    EXPECT_THAT(Find("*.mac", false), testing::UnorderedElementsAreArray(names));
 }
 
 TEST(TextTools, CutWhatIsShown) {

@@ -28,10 +28,10 @@ struct Sample : CDialog {
         DDX_Text(exchange, 4711, text); // no such control: nothing happens
     }
     void OnNotify(Notification& notification) override {
+        if (notification.event == Event::CustomDraw) ++painted;
         static constexpr MessageRow<Sample> kMessages[] = {
             {1000, Event::Clicked, &Sample::OnCheck},
             {1008, Event::TextChanged, &Sample::OnText},
-            {1002, Event::Clicked, &Sample::OnThrow},
         };
         Dispatch(*this, kMessages, notification);
     }
@@ -40,13 +40,12 @@ struct Sample : CDialog {
         notes.push_back("check " + std::to_string(check));
     }
     void OnText(Notification&) { notes.push_back("text"); }
-    void OnThrow(Notification&) { throw std::runtime_error("thrown by a handler"); }
     void OnTimer(unsigned id) override {
         notes.push_back("tick " + std::to_string(id));
         if (onTick) onTick();
     }
 
-    int32_t check = 1, radio = 2;
+    int32_t check = 1, radio = 2, painted = 0;
     std::string text = "50";
     std::vector<std::string> notes;
     std::function<void()> onTick;
@@ -79,24 +78,17 @@ TEST_F(Dialogs, FieldsReachControlsAndComeBack) {
         EXPECT_EQ(sample.radio, 1);
         EXPECT_EQ(sample.text, "7");
         sample.radio = -1;
-        sample.UpdateData(false);
+        sample.text = "50";
+        sample.UpdateData(false); // which holds notifications back
         sample.radio = 1;
         sample.UpdateData(true);
         EXPECT_EQ(sample.radio, -1);
+        display.Control(1008).SetWindowText("50"); // what it holds already, by the exchange
+        sample.notes.push_back("by code");
+        display.Control(1008).SetWindowText("61");
     });
     EXPECT_EQ(result, IDCANCEL);
-    EXPECT_THAT(sample.notes, ElementsAre("text", "check 0"));
-}
-
-TEST_F(Dialogs, AnExchangeHoldsNotificationsBackAndCodeOutsideItDoesNot) {
-    Run([&] {
-        sample.text = "60";
-        sample.UpdateData(false);
-        display.Control(1008).SetWindowText("60"); // what it holds already
-        EXPECT_THAT(sample.notes, IsEmpty());
-        display.Control(1008).SetWindowText("61");
-        EXPECT_THAT(sample.notes, ElementsAre("text"));
-    });
+    EXPECT_THAT(sample.notes, ElementsAre("text", "check 0", "by code", "text"));
 }
 
 TEST_F(Dialogs, InputForWhatCannotBeUsedIsIgnored) {
@@ -115,15 +107,6 @@ TEST_F(Dialogs, InputForWhatCannotBeUsedIsIgnored) {
         }
     });
     EXPECT_THAT(sample.notes, IsEmpty());
-}
-
-TEST_F(Dialogs, AnExceptionOfAHandlerEndsInABox) {
-    Run([&] {
-        display.Click(1002);
-        display.Click(1000); // and the dialog goes on
-    });
-    EXPECT_THAT(display.Boxes(), ElementsAre("[KVETMControl] thrown by a handler"));
-    EXPECT_THAT(sample.notes, ElementsAre("check 0"));
 }
 
 TEST_F(Dialogs, TheKeyboardLeavesAControlThatCantBeUsed) {
@@ -157,8 +140,34 @@ TEST_F(Dialogs, TheKeyboardLeavesAControlThatCantBeUsed) {
     });
 }
 
-TEST_F(Dialogs, TimersTickInOrderAlsoDuringABoxAndEndWithTheDialog) {
+TEST_F(Dialogs, TheKeyboardStaysOnAControlThatComesBackBeforeTheHandlerEnds) {
     Run([&] {
+        CWnd& control = display.Control(1000);
+        display.Focus(control);
+        sample.onTick = [&] { control.EnableWindow(false), control.EnableWindow(true); };
+        input::Tick(sample, 1);
+        EXPECT_EQ(display.Focused(), 1000);
+    });
+}
+
+TEST_F(Dialogs, AFailingTimerShowsOneBoxAndACancelledDialogNone) {
+    const auto tick = [&] { input::Tick(sample, 1); };
+    Run([&] {
+        sample.onTick = [] { throw std::runtime_error("lost"); };
+        display.DuringNextBox(tick);
+        tick();
+        EXPECT_THAT(display.Boxes(), ElementsAre("[KVETMControl] lost"));
+        sample.onTick = [&] {
+            AfxGetApp()->CancelAll();
+            EXPECT_EQ(sample.MessageBox("?", "", MB_YESNO), IDNO);
+        };
+        tick();
+    });
+    EXPECT_EQ(display.Boxes().size(), 1u);
+}
+
+TEST_F(Dialogs, TimersTickInOrderAlsoDuringABoxAndEndWithTheDialog) {
+    const int result = Run([&] {
         sample.SetTimer(1, 600);
         sample.SetTimer(2, 500);
         display.Advance(599);
@@ -167,9 +176,15 @@ TEST_F(Dialogs, TimersTickInOrderAlsoDuringABoxAndEndWithTheDialog) {
         sample.MessageBox("text", nullptr, MB_OK);
         EXPECT_THAT(sample.notes, ElementsAre("tick 2", "tick 1"));
         sample.KillTimer(2);
-        sample.onTick = [&] { sample.EndDialog(IDOK); };
+        sample.onTick = [&] { sample.EndDialog(IDOK), sample.EndDialog(IDCANCEL); };
+        display.Drag(1007, 9);
+        EXPECT_GT(std::exchange(sample.painted, 0), 0);
         display.Advance(6000);
+        input::Tick(sample, 1); // too late, both of them
+        input::Paint(static_cast<CSliderCtrl&>(display.Control(1007)));
+        EXPECT_EQ(sample.painted, 0);
     });
+    EXPECT_EQ(result, IDOK);
     display.Advance(6000);
     EXPECT_THAT(sample.notes, ElementsAre("tick 2", "tick 1", "tick 1"));
     EXPECT_THAT(display.Boxes(), ElementsAre("[Error] text"));

@@ -55,33 +55,29 @@ protected:
     NotingPage first{107, notes}, second{108, notes}, third{106, notes};
 };
 
-TEST_F(PropertySheet, OpensItsFirstTabAndClosesWithOk) {
-    EXPECT_EQ(Run([&] {
-                  EXPECT_THAT(TakeNotes(), ElementsAre("107 init", "107 set-active"));
-                  EXPECT_THAT(display.Entries(IDC_TAB_CONTROL),
-                              ElementsAre("General Control", "ETM Trace Settings", "Status"));
-                  display.Click(IDOK);
-                  EXPECT_THAT(TakeNotes(), ElementsAre("107 kill-active", "107 apply"));
-              }),
-              IDOK);
-    EXPECT_THAT(TakeNotes(), ElementsAre("107 destroy"));
-}
-
-TEST_F(PropertySheet, SwitchingMakesAPageAtItsFirstTimeOnly) {
-    Run([&] {
-        TakeNotes();
-        display.Tab(2);
-        EXPECT_THAT(TakeNotes(), ElementsAre("107 kill-active", "106 init", "106 set-active"));
-        display.Tab(0);
-        EXPECT_THAT(TakeNotes(), ElementsAre("106 kill-active", "107 set-active"));
-        display.Tab(2);
-        EXPECT_THAT(TakeNotes(), ElementsAre("107 kill-active", "106 set-active"));
-        display.Tab(2);
-        EXPECT_THAT(TakeNotes(), IsEmpty());
-        display.CloseFrame();
-        EXPECT_THAT(TakeNotes(), ElementsAre("107 cancel", "106 cancel"));
-    });
-    EXPECT_THAT(TakeNotes(), ElementsAre("107 destroy", "106 destroy"));
+TEST_F(PropertySheet, MakesAPageAtItsFirstTimeOnlyAndEndsAllOfThem) {
+    for (const bool ok : {true, false}) {
+        const int result = Run([&] {
+            EXPECT_THAT(TakeNotes(), ElementsAre("107 init", "107 set-active"));
+            display.Tab(2);
+            EXPECT_THAT(TakeNotes(), ElementsAre("107 kill-active", "106 init", "106 set-active"));
+            display.Tab(0);
+            EXPECT_THAT(TakeNotes(), ElementsAre("106 kill-active", "107 set-active"));
+            display.Tab(2);
+            EXPECT_THAT(TakeNotes(), ElementsAre("107 kill-active", "106 set-active"));
+            display.Tab(2);
+            EXPECT_THAT(TakeNotes(), IsEmpty());
+            ok ? display.Click(IDOK) : display.CloseFrame();
+        });
+        EXPECT_EQ(result, ok ? IDOK : IDCANCEL);
+        const auto ends = ok ? std::vector<std::string>{"106 kill-active", "107 apply", "106 apply"}
+                             : std::vector<std::string>{"107 cancel", "106 cancel"};
+        std::vector<std::string> seen = TakeNotes();
+        EXPECT_THAT(std::vector(seen.end() - 2, seen.end()),
+                    ElementsAre("107 destroy", "106 destroy"));
+        seen.resize(seen.size() - 2);
+        EXPECT_EQ(seen, ends);
+    }
 }
 
 TEST_F(PropertySheet, ApplyCallsThePagesThatExistOnceAnyPageIsMarked) {
@@ -129,18 +125,6 @@ TEST_F(PropertySheet, ARefusalKeepsTheTabAndTheSheet) {
                   EXPECT_THAT(TakeNotes(), IsEmpty());
               }),
               IDCANCEL);
-}
-
-TEST_F(PropertySheet, PressButtonActsLikeThePersonsPress) {
-    for (const int button : {PSBTN_OK, PSBTN_CANCEL}) {
-        CPropertySheet sheet("Sheet", nullptr, 0);
-        sheet.AddPage(&first);
-        display.OnNextDialog([&] { sheet.PressButton(button); });
-        EXPECT_EQ(sheet.DoModal(), button == PSBTN_OK ? IDOK : IDCANCEL);
-    }
-    EXPECT_THAT(TakeNotes(), ElementsAre("107 init", "107 set-active", "107 kill-active",
-                                         "107 apply", "107 destroy", "107 init", "107 set-active",
-                                         "107 cancel", "107 destroy"));
 }
 
 } // namespace
