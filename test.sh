@@ -4,14 +4,17 @@
 #
 #   ./test.sh                 everything
 #   ./test.sh --no-windows    without the Windows module, for quick rounds
+#   ./test.sh --tidy-all      with clang-tidy on all sources, not on what has changed alone
 set -euo pipefail
 cd "$(dirname "$0")"
 
 windows=yes
+tidy=()
 for argument in "$@"; do
   case "$argument" in
     --no-windows) windows=no ;;
-    *) echo "usage: ./test.sh [--no-windows]" >&2; exit 2 ;;
+    --tidy-all) tidy=(--all) ;;
+    *) echo "usage: ./test.sh [--no-windows] [--tidy-all]" >&2; exit 2 ;;
   esac
 done
 
@@ -25,10 +28,16 @@ stage "format and rooms"
 git ls-files '*.cpp' '*.h' | xargs -r clang-format --dry-run -Werror
 tools/check-rooms
 
+stage "scripts"
+git grep -lE '^#!.*\b(ba)?sh\b|^# shellcheck ' -- . ':!*.py' | xargs -r shellcheck
+
 stage "g++: build and test"
 cmake --preset dev >/dev/null
 cmake --build --preset dev -- --quiet
 ctest --test-dir build/dev --output-on-failure -j2
+
+stage "clang-tidy"
+tools/tidy "${tidy[@]}"
 
 stage "the documents' listings"
 tools/check-listings
@@ -45,17 +54,15 @@ LSAN_OPTIONS=suppressions=$PWD/tests/lsan.supp:print_suppressions=0 \
   ctest --test-dir build/asan --output-on-failure -j2
 
 stage "fuzz: a few seconds each"
-cmake --preset fuzz >/dev/null
-cmake --build --preset fuzz -- --quiet
-for target in build/fuzz/bin/fuzz_*; do
+for target in build/asan/bin/fuzz_*; do
   name=$(basename "$target")
-  corpus=("build/fuzz/corpus/$name") # receives what is new
+  corpus=("build/asan/corpus/$name") # receives what is new
   mkdir -p "${corpus[0]}"
   [ ! -d "fuzz/corpus/$name" ] || corpus+=("fuzz/corpus/$name")
   "$target" -max_total_time=4 -timeout=10 -verbosity=0 -print_final_stats=1 \
-    "${corpus[@]}" >build/fuzz/log.txt 2>&1 ||
-    { cat build/fuzz/log.txt; echo "$name failed"; exit 1; }
-  echo "$name: $(sed -n 's/^stat::number_of_executed_units: *//p' build/fuzz/log.txt) inputs"
+    "${corpus[@]}" >build/asan/fuzz_log.txt 2>&1 ||
+    { cat build/asan/fuzz_log.txt; echo "$name failed"; exit 1; }
+  echo "$name: $(sed -n 's/^stat::number_of_executed_units: *//p' build/asan/fuzz_log.txt) inputs"
 done
 
 stage "Windows"

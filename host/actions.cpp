@@ -60,7 +60,8 @@ Status RunCommands(SimulatedHost& host, const std::vector<std::string>& commands
             continue;
         }
         out << command << ": ok\n";
-        PrintIndented(out, stream.str().c_str()); // up to the NUL that ends a report
+        const std::string text = stream.str();
+        PrintIndented(out, text.substr(0, text.find('\0'))); // the NUL ends a report
     }
     return status;
 }

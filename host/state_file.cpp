@@ -14,6 +14,8 @@ namespace etmhost {
 
 using Json = nlohmann::json;
 
+// Moved, a JSON value checks itself by assertions, and throws nothing.
+// NOLINTNEXTLINE(bugprone-exception-escape)
 struct StateFile::Document {
     Json root; ///< the file's content as it was read last
     Json base; ///< what the file and the host agreed on last: "target" and "settings"

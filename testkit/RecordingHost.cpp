@@ -44,7 +44,7 @@ void RecordingHost::Detach(IOrnKVETMCtrl& control) {
         control.DetachInterface(control.GetRequiredName(i));
 }
 
-void RecordingHost::Record(std::string call) {
+void RecordingHost::Record(const std::string& call) {
     calls.push_back(call);
     if (onCall) onCall(call);
 }

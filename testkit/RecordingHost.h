@@ -138,7 +138,7 @@ public:
     std::vector<std::string> calls;
     /// Runs behind each recorded call, inside the module's call.
     std::function<void(const std::string& call)> onCall;
-    void Record(std::string call);
+    void Record(const std::string& call);
 
 private:
     static std::string Hex(uint32_t value);

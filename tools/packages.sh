@@ -1,12 +1,13 @@
 # The Debian packages that this project needs, by purpose. Sourced by the scripts.
+# shellcheck shell=bash disable=SC2034 # they are used where this is sourced
 
 # To build the module and its simulated host, and to run them.
 BUILD_PACKAGES=(g++ cmake ninja-build pkg-config qt6-base-dev libgl-dev fonts-dejavu-core
   libcli11-dev nlohmann-json3-dev libelf-dev)
 
 # To test them: a second compiler with its sanitizers, a virtual screen, other fonts.
-TEST_PACKAGES=(clang libclang-rt-14-dev llvm clang-format libgtest-dev libgmock-dev xvfb xauth
-  binutils fonts-liberation2 fonts-cantarell python3)
+TEST_PACKAGES=(clang libclang-rt-14-dev llvm clang-format clang-tidy shellcheck libgtest-dev
+  libgmock-dev xvfb xauth binutils fonts-liberation2 fonts-cantarell python3)
 
 # To measure them, beside a generated scanner.
 BENCH_PACKAGES=(libbenchmark-dev re2c python3)

@@ -93,6 +93,7 @@ TEST_F(BoardTest, TheSelectionDecidesWhatTheBoxShowsAndWhetherItCanBeUsed) {
             EXPECT_EQ(display.Enabled(1082), excess == 0);
             display.Select(1078, 0);
             display.Type(1080, "typed");
+            display.Select(1078, 0); // chosen again
             EXPECT_EQ(display.Text(1080), "typed");
             EXPECT_TRUE(display.Enabled(1082));
         });

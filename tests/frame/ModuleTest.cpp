@@ -234,6 +234,7 @@ TEST_F(Component, AHostThatCallsBackForEverIsHeardNoMore) {
     };
     EXPECT_TRUE(control->Apply());
     EXPECT_EQ(refusal, "Calls are nested too deeply");
+    host.onCall = nullptr;
     host.values[0] = ORN_CONTROL_ENABLE;
     EXPECT_TRUE(OpenAnd([&] {
         host.onCall = [&](const std::string& call) {
@@ -241,7 +242,8 @@ TEST_F(Component, AHostThatCallsBackForEverIsHeardNoMore) {
         };
         display.Click(1030);
     }));
-    EXPECT_LT(std::ranges::count(host.TakeCalls(), "Command(start)"), 20);
+    const auto times = std::ranges::count(host.TakeCalls(), "Command(start)");
+    EXPECT_TRUE(times > 1 && times < 20) << times;
 }
 
 TEST_F(Component, EachMissingPieceHasItsText) {

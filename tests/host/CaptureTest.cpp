@@ -50,26 +50,24 @@ TEST(Capture, ObeysCommands) {
     Target target(*FindChip("arm7"));
     const uint32_t eighth = target.chip().bufferSize / 8;
     target.SetTriggerCount(2 * eighth);
-    target.SetControl(0x101);
-    target.Start();
-    EXPECT_EQ(Look(target, 3), "444");
+    const auto start = [&](uint32_t control, int steps) {
+        EXPECT_EQ(target.SetControl(control), Refusal());
+        target.Start();
+        return Look(target, steps);
+    };
+    EXPECT_EQ(start(0x101, 3), "444");
     EXPECT_EQ(target.ForceTrigger(), Refusal());
     EXPECT_EQ(Look(target, 3), "422");
-    target.SetControl(0x1);
-    target.Start();
+    start(0x1, 0);
     target.ForceTrigger();
     EXPECT_EQ(Look(target, 3), "666") << "not the mode for it";
     target.Stop();
     EXPECT_EQ(Look(target, 2), "22") << "not by itself";
-    target.SetControl(0x5);
-    target.Start();
-    Look(target, 2);
+    start(0x5, 2);
     EXPECT_EQ(target.state.capture.captured, 5 * eighth) << "accumulated";
     EXPECT_EQ(target.SetControl(0x8), Refusal()) << "trace off";
     EXPECT_EQ(Look(target, 2), "22");
-    target.SetControl(0x1);
-    target.Start();
-    Look(target, 1);
+    start(0x1, 1);
     EXPECT_EQ(target.state.capture.captured, eighth);
 
     EXPECT_NE(target.SetControl(0x80000001), Refusal());

@@ -64,7 +64,8 @@ protected:
         painter.setRenderHint(QPainter::Antialiasing);
         if (!text.isEmpty())
             painter.setClipRegion(QRegion(rect()) - place.adjusted(-kGap, 0, kGap, 0));
-        const QRectF frame = QRectF(rect()).adjusted(0.5, metrics.height() / 2 + 0.5, -0.5, -0.5);
+        const int middle = metrics.height() / 2; // of the title
+        const QRectF frame = QRectF(rect()).adjusted(0.5, middle + 0.5, -0.5, -0.5);
         painter.drawRoundedRect(frame, kRadius, kRadius);
         painter.setClipping(false);
         painter.drawItemText(place, Qt::AlignLeft | Qt::AlignVCenter, palette(), isEnabled(), text,
