@@ -27,6 +27,7 @@
 #include "toolkit/constants.h"
 
 /// For AddressSanitizer: that library copies texts of the X server, which bear no NUL.
+// NOLINTNEXTLINE(bugprone-reserved-identifier): the sanitizer finds it by this name
 extern "C" const char* __asan_default_suppressions() {
     return "interceptor_via_lib:libxkbcommon-x11";
 }
