@@ -21,7 +21,7 @@ constexpr char kStartupMacro[] = "Call debugger startup macro functions";
 bool HostHasStartupMacro() {
     return g_XTraceClient != nullptr &&
            g_XTraceClient->GetInterfaceVersion() >= ORN_VERSION_WITH_HAS_COMMAND &&
-           g_XTraceClient->HasCommand("ExecuteCmd");
+           g_XTraceClient->HasCommand("ExecuteCmd") != 0;
 }
 
 } // namespace

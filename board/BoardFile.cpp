@@ -95,7 +95,7 @@ const char* SkipWhiteSpace(const char* text) {
 
 bool FindTitle(const char* text, std::string& title) {
     const char* keyword = FindNoCase(text, kTitleKeyword);
-    if (!keyword) return false;
+    if (keyword == nullptr) return false;
     char line[260];
     CopyBounded(line, sizeof line, keyword + std::strlen(kTitleKeyword));
     CutLineEnd(line);
@@ -114,7 +114,7 @@ bool ReadBoardTitle(InputFile& file, std::string& title) {
     LinePieces pieces(file);
     char first[254 + 1];
     if (!pieces.Take(first, sizeof first)) return false;
-    if (first[0] != ';' || !FindNoCase(first, kBoardMarker)) return false;
+    if (first[0] != ';' || FindNoCase(first, kBoardMarker) == nullptr) return false;
 
     char line[255 + 1];
     while (pieces.Take(line, sizeof line))
@@ -142,7 +142,7 @@ BoardCommands ReadBoardCommands(InputFile& file) {
             shown = FindNoCase(shown, kTitleKeyword);
         else if (CompareNoCaseN(shown, kTraceWord, std::strlen(kTraceWord)) == 0)
             continue;
-        if (!shown || !*shown) continue;
+        if (shown == nullptr || *shown == '\0') continue;
         commands.Text += shown;
         commands.Text += "\r\n";
     }
@@ -154,11 +154,11 @@ bool GetTextLine(int32_t number, const char* text, char* buffer, size_t size) {
     if (number < 1) return false;
     for (; number > 1; --number) {
         text = std::strchr(text, '\n');
-        if (!text) return false;
+        if (text == nullptr) return false;
         ++text;
     }
     const char* end = std::strchr(text, '\n');
-    size_t length = end ? static_cast<size_t>(end - text) + 1 : std::strlen(text);
+    size_t length = end != nullptr ? static_cast<size_t>(end - text) + 1 : std::strlen(text);
     if (length > size - 1) length = size - 1;
     std::memcpy(buffer, text, length);
     buffer[length] = '\0';
@@ -184,11 +184,11 @@ std::string ComposeBoardFile(const std::string& title, const char* commands, int
     // Each line is taken as the first of what remains: to count from the top for
     // each would take time in the square of the number of lines.
     char line[260];
-    for (const char* rest = commands; rest && GetTextLine(1, rest, line, sizeof line);) {
+    for (const char* rest = commands; rest != nullptr && GetTextLine(1, rest, line, sizeof line);) {
         CutLineEnd(line);
-        if (!FindNoCase(line, kTitleKeyword)) bytes += std::string(line) + "\r\n";
+        if (FindNoCase(line, kTitleKeyword) == nullptr) bytes += std::string(line) + "\r\n";
         rest = std::strchr(rest, '\n');
-        if (rest) ++rest;
+        if (rest != nullptr) ++rest;
     }
     return bytes;
 }

@@ -67,8 +67,8 @@ int32_t To32Bits(int64_t number) {
 /// Returns the text behind the colon that follows `label`; null without one.
 const char* FindValue(const char* text, const char* label) {
     const char* const found = std::strstr(text, label);
-    const char* const colon = found ? std::strchr(found, ':') : nullptr;
-    return colon ? colon + 1 : nullptr;
+    const char* const colon = found != nullptr ? std::strchr(found, ':') : nullptr;
+    return colon != nullptr ? colon + 1 : nullptr;
 }
 
 /// Reads a decimal number behind white space, line feeds included, and moves `text`
@@ -197,7 +197,7 @@ void ReadCapabilities(jTraceState& state) {
     state.ArchVersion = 10;
 
     ReportStream stream;
-    if (g_VETMTrace->Command("capability", &stream)) return;
+    if (g_VETMTrace->Command("capability", &stream) != nullptr) return;
     Report report(stream.GetText(), state);
     report.TakeUsualLines();
     report.Search();

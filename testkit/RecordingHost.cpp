@@ -73,15 +73,16 @@ const char* RecordingHost::Trace::Command(const char* text, std::ostream* stream
 OrnBool RecordingHost::XTraceClient::ReadSetting(const char* section, const char* key, int32_t size,
                                                  char* buffer) {
     m_Host.Record(std::string("ReadSetting(") + section + "," + key + ")");
-    if (!m_Host.boardFile) return false;
+    if (!m_Host.boardFile) return 0;
     std::strncpy(buffer, m_Host.boardFile->c_str(), static_cast<size_t>(size));
-    return true;
+    return 1;
 }
 
 OrnBool RecordingHost::TraceClient::Action(const char* action, const char* argument) {
     m_Host.Record(std::string("Action(") + action + "," +
                   (argument != nullptr ? argument : "null") + ")");
-    if (std::strcmp(action, "CheckAction") == 0) return m_Host.evaluates;
+    if (std::strcmp(action, "CheckAction") == 0) return static_cast<OrnBool>(m_Host.evaluates);
     const std::string expression = std::string(action).substr(5); // behind "Eval "
-    return m_Host.validExpressions.empty() || m_Host.validExpressions.contains(expression);
+    return static_cast<OrnBool>(m_Host.validExpressions.empty() ||
+                                m_Host.validExpressions.contains(expression));
 }

@@ -124,7 +124,7 @@ private:
 
 TxtScan::TxtScan(const char* text, int32_t length) : Value{}, Text(new char[kTextSize]) {
     Init(text, length);
-    if (!text) Fail("Init not called");
+    if (text == nullptr) Fail("Init not called");
 }
 
 TxtScan::~TxtScan() {
@@ -132,7 +132,7 @@ TxtScan::~TxtScan() {
 }
 
 void TxtScan::Init(const char* text, int32_t length) {
-    if (!text) {
+    if (text == nullptr) {
         text = "";
         length = 0;
     }
