@@ -63,7 +63,7 @@ TEST_F(InitBoardFile, SettlesTheSelectionOrAsks) {
 
 TEST_F(InitBoardFile, AFailedOpenLeavesItsTextAndTheQuestion) {
     const std::string gone = PathOf("gone.mac");
-    host.values.erase(0); // the target can't be read
+    host.values.erase(ORN_VALUE_CONTROL); // the target can't be read
     SetSelection(gone);
     EXPECT_EQ(Call(), "false 2 [" + gone + "] Cannot read ETM/Trace settings from target");
     SetSelection("---");
