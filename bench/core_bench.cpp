@@ -110,7 +110,7 @@ void FullRead(benchmark::State& state) {
     trace.lines = static_cast<uint32_t>(state.range(0));
     g_VETMTrace = &trace;
     jTraceSettings settings;
-    Require(settings.ReadFromTarget() && settings.Working.PcMode == 4, "a full read fails");
+    Require(settings.ReadFromTarget() && settings.Working.PcMode == PC_RANGE, "a full read fails");
     for (auto _ : state) benchmark::DoNotOptimize(settings.ReadFromTarget());
     g_VETMTrace = nullptr;
     state.SetItemsProcessed(state.iterations() * state.range(0));
@@ -161,12 +161,12 @@ void ApplyEverything(benchmark::State& state) {
     const jTraceState before = settings.Snapshot;
     jTraceState wanted = before;
     wanted.Enable = 1;
-    wanted.StopMode = 2;
+    wanted.StopMode = STOP_AFTER_TRIGGER;
     wanted.TriggerOnAddress = 1;
     wanted.TriggerPosition = 10;
     wanted.PortSizeIndex = 2;
-    wanted.PcMode = 4;
-    wanted.DataMode = 7;
+    wanted.PcMode = PC_RANGE;
+    wanted.DataMode = DATA_KINDS | DATA_IN_RANGE;
     wanted.BoardFile = "/opt/board.mac";
     for (std::string* address : {&wanted.PcBegin, &wanted.PcEnd, &wanted.DataBegin, &wanted.DataEnd,
                                  &wanted.TriggerAddress})

@@ -26,8 +26,9 @@ const char* const RecordingHost::kReport = "ETM protocol version: 3\n"
                                            "Demultiplexed format supported: no\n";
 
 RecordingHost::RecordingHost() {
-    values = {
-        {0x1000004, 0x00194824}, {0x1000014, 0x2A}, {5, 0x8088}, {0, 0}, {1, 2048}, {2, 1024}};
+    values = {{ORN_VALUE_ETMCCR, 0x00194824}, {ORN_VALUE_ETMSCR, 0x2A},
+              {ORN_VALUE_PORT_SIZES, 0x8088}, {ORN_VALUE_CONTROL, 0},
+              {ORN_VALUE_BUFFER_SIZE, 2048},  {ORN_VALUE_TRIGGER_COUNT, 1024}};
 }
 
 void RecordingHost::Attach(IOrnKVETMCtrl& control) {

@@ -161,7 +161,7 @@ TEST_F(Component, NamesWhatItNeedsAndHandsItBack) {
 }
 
 TEST_F(Component, InitReadsTheTargetAndASecondComponentStartsAfresh) {
-    host.values.erase(2);
+    host.values.erase(ORN_VALUE_TRIGGER_COUNT);
     host.lines = {"ETM PC = all"};
     EXPECT_EQ(Error(control->Init(0)), "Cannot read ETM/Trace settings from target");
     EXPECT_EQ(g_Ctrl, nullptr);
@@ -174,7 +174,7 @@ TEST_F(Component, InitReadsTheTargetAndASecondComponentStartsAfresh) {
     EXPECT_TRUE(control->Apply()); // half a read is nothing to send
     EXPECT_THAT(host.TakeCalls(), IsEmpty());
 
-    host.values[2] = 1024;
+    host.values[ORN_VALUE_TRIGGER_COUNT] = 1024;
     EXPECT_TRUE(control->Init(0));
     EXPECT_EQ(LastError(), "");
     EXPECT_EQ(g_Settings->Working.TriggerPosition, 50);
@@ -235,7 +235,7 @@ TEST_F(Component, AHostThatCallsBackForEverIsHeardNoMore) {
     EXPECT_TRUE(control->Apply());
     EXPECT_EQ(refusal, "Calls are nested too deeply");
     host.onCall = nullptr;
-    host.values[0] = ORN_CONTROL_ENABLE;
+    host.values[ORN_VALUE_CONTROL] = ORN_CONTROL_ENABLE;
     EXPECT_TRUE(OpenAnd([&] {
         host.onCall = [&](const std::string& call) {
             if (call == "Command(start)") display.Click(1030);
@@ -257,9 +257,9 @@ TEST_F(Component, EachMissingPieceHasItsText) {
     EXPECT_EQ(Error(control->Apply()), "Module is not initialized properly");
 
     host.Attach(*control);
-    host.values.erase(0);
+    host.values.erase(ORN_VALUE_CONTROL);
     EXPECT_EQ(Error(control->Open()), "Cannot read ETM/Trace settings from target");
-    host.values[0] = 0;
+    host.values[ORN_VALUE_CONTROL] = 0;
     display.RefuseToShow("there is no display");
     EXPECT_EQ(Error(control->Open()), "Error while creating main window: there is no display");
     EXPECT_EQ(g_SheetOpen, 0);
@@ -268,7 +268,7 @@ TEST_F(Component, EachMissingPieceHasItsText) {
 TEST_F(Component, OpenReadsTheTargetAnewAndLeavesNothingBehind) {
     ASSERT_TRUE(control->Init(0));
     g_Settings->Working.TriggerPosition = 10; // edited and never applied
-    host.values[2] = 0;
+    host.values[ORN_VALUE_TRIGGER_COUNT] = 0;
     for (const int button : {IDOK, IDCANCEL}) {
         EXPECT_TRUE(OpenAnd([&] {
             EXPECT_EQ(g_Settings->Working.TriggerPosition, 100);

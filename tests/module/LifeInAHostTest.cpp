@@ -173,7 +173,7 @@ TEST(HostWithACoreApplication, GetsAFailedOpenWithAReason) {
 TEST(AHostThatThrows, EndsInABox) {
     Application application;
     LoadedModule loaded;
-    loaded.host.values[0] = 1;
+    loaded.host.values[ORN_VALUE_CONTROL] = ORN_CONTROL_ENABLE;
     ASSERT_TRUE(loaded.control->Init(0));
     QtUser user;
     EXPECT_TRUE(OpenAnd(loaded, user, [&](User&) {
@@ -261,7 +261,7 @@ struct XServer {
 /// Opens the sheet, runs the steps with a pause between, whatever windows they bring up,
 /// and returns what Open gave. "Start" brings up a box.
 bool OpenAndGo(LoadedModule& loaded, const std::vector<std::function<void(User&)>>& steps) {
-    loaded.host.values[0] = 1;
+    loaded.host.values[ORN_VALUE_CONTROL] = ORN_CONTROL_ENABLE;
     EXPECT_TRUE(loaded.control->Init(0));
     QtUser user;
     bool begun = false;

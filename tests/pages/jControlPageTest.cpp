@@ -42,7 +42,7 @@ TEST_F(ControlPage, EnablesWhatTargetAndSelectionAllow) {
     for (const auto& row : rows) {
         SCOPED_TRACE(row.unusable);
         host.features = row.features;
-        host.values[0] = row.word;
+        host.values[ORN_VALUE_CONTROL] = row.word;
         host.state = row.state;
         OpenAnd([&] {
             EXPECT_EQ(Unusable(), row.unusable);
@@ -101,7 +101,7 @@ TEST_F(ControlPage, ServesTheDeferredQuestionAndClosesTheSheet) {
         int32_t mode = 7;
         EXPECT_EQ(Support().InitBoardFile("", nullptr, 0, &mode), button == IDOK);
         EXPECT_EQ(mode, button == IDOK ? 0 : -1);
-        EXPECT_EQ(host.values[0], button == IDOK ? ORN_CONTROL_ENABLE : 0);
+        EXPECT_EQ(host.values[ORN_VALUE_CONTROL], button == IDOK ? ORN_CONTROL_ENABLE : 0);
         EXPECT_TRUE(g_Settings->Working == g_Settings->Snapshot);
     }
 }
@@ -111,7 +111,7 @@ TEST_F(ControlPage, TheQuestionIsAskedOnceWhoeverAsks) {
     for (const int asked : {1029, 1000}) { // the button or the box, before the first tick
         SCOPED_TRACE(asked);
         host.boardFile.reset();
-        host.values[0] = asked == 1029 ? ORN_CONTROL_ENABLE : 0;
+        host.values[ORN_VALUE_CONTROL] = asked == 1029 ? ORN_CONTROL_ENABLE : 0;
         ASSERT_TRUE(g_Settings->ReadFromTarget());
         if (asked == 1000) Support().InitBoardFile("", nullptr, 0, nullptr); // the other got lost
         display.OnNextDialog([&] {                                           // the sheet
@@ -141,7 +141,7 @@ TEST_F(ControlPage, TheQuestionIsAskedOnceWhoeverAsks) {
 }
 
 TEST_F(ControlPage, AStateThatCannotBeToldIsReportedOnce) {
-    host.values[0] = ORN_CONTROL_ENABLE;
+    host.values[ORN_VALUE_CONTROL] = ORN_CONTROL_ENABLE;
     Open(0, [&] {
         host.onCall = [](const std::string& call) {
             if (call == "GetTraceState") throw std::runtime_error("probe lost");
@@ -158,7 +158,7 @@ TEST_F(ControlPage, AStateThatCannotBeToldIsReportedOnce) {
 }
 
 TEST_F(ControlPage, TicksFollowTheStateWordAndButtonsActAtOnce) {
-    host.values[0] = ORN_CONTROL_ENABLE;
+    host.values[ORN_VALUE_CONTROL] = ORN_CONTROL_ENABLE;
     Open(0, [&] {
         for (const uint32_t state : {0x4u, 0x6u, 0x2u, 0x0u, 0x6u}) {
             host.state = state;
@@ -206,7 +206,7 @@ TEST_F(ControlPage, TicksFollowTheStateWordAndButtonsActAtOnce) {
 }
 
 TEST_F(ControlPage, ABadTriggerAddressHoldsEverythingBack) {
-    host.values[0] = ORN_CONTROL_ENABLE | ORN_CONTROL_TRIGGER_ADDRESS;
+    host.values[ORN_VALUE_CONTROL] = ORN_CONTROL_ENABLE | ORN_CONTROL_TRIGGER_ADDRESS;
     host.lines = {"ETM TRIGGER 0x100"};
     Open(0, [&] {
         display.Type(1077, "main");
@@ -230,7 +230,7 @@ TEST_F(ControlPage, WhatIsNotUsedIsNeitherCheckedNorStored) {
     for (const uint32_t word : {uint32_t{0}, ORN_CONTROL_ENABLE | ORN_CONTROL_STOP_WHEN_FULL,
                                 ORN_CONTROL_ENABLE | ORN_CONTROL_TRIGGER_PIN}) {
         SCOPED_TRACE(word);
-        host.values[0] = word;
+        host.values[ORN_VALUE_CONTROL] = word;
         Open(0, [&] {
             display.Control(1077).SetWindowText("main");
             static_cast<CButton&>(display.Control(1002)).SetCheck(true);
@@ -243,7 +243,7 @@ TEST_F(ControlPage, WhatIsNotUsedIsNeitherCheckedNorStored) {
 }
 
 TEST_F(ControlPage, PcRangesRefuseTheTriggerOnAddress) {
-    host.values[0] = ORN_CONTROL_ENABLE | ORN_CONTROL_TRIGGER_PIN;
+    host.values[ORN_VALUE_CONTROL] = ORN_CONTROL_ENABLE | ORN_CONTROL_TRIGGER_PIN;
     for (const std::string line : {"PC = start 1", "PC = stop 2", "PC = to 1", "COMPLEX"}) {
         SCOPED_TRACE(line);
         host.lines = {"ETM " + line};
@@ -261,7 +261,7 @@ TEST_F(ControlPage, SliderAndEditShowOneValue) {
     const std::pair<const char*, int> rows[] = {
         {"100", 100}, {"101", 50}, {"7", 7},   {"", 7},
         {" 12x", 12}, {"x", 12},   {"-1", 50}, {"99999999999999999999", 50}};
-    host.values[0] = ORN_CONTROL_ENABLE;
+    host.values[ORN_VALUE_CONTROL] = ORN_CONTROL_ENABLE;
     Open(0, [&] {
         display.Drag(1007, 50);
         display.Release(1007);

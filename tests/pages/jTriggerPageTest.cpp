@@ -13,7 +13,7 @@ constexpr int kValues = 1026, kLimit = 1075;
 
 class TriggerPage : public PagesTest {
 protected:
-    TriggerPage() { host.values[0] = ORN_CONTROL_ENABLE; }
+    TriggerPage() { host.values[ORN_VALUE_CONTROL] = ORN_CONTROL_ENABLE; }
 
     /// What the target reports; `pc` may be "complex".
     void SetTarget(const std::string& architecture, int pairs, int dataComparators,
@@ -57,7 +57,7 @@ TEST_F(TriggerPage, EnablesWhatChipAndSelectionAllow) {
         SCOPED_TRACE(row.unusable);
         SetTarget(row.architecture, row.pairs, row.dataComparators, row.pc, row.data);
         host.features = {row.cortexM3 ? ORN_FEATURE_CORTEX_M3 : 0};
-        host.values[0] = row.enabled ? ORN_CONTROL_ENABLE : 0;
+        host.values[ORN_VALUE_CONTROL] = row.enabled ? ORN_CONTROL_ENABLE : 0;
         Open(1, [&] {
             EXPECT_EQ(Unusable(), row.unusable);
             EXPECT_EQ(Note(), row.enabled && row.cortexM3
@@ -111,7 +111,7 @@ TEST_F(TriggerPage, AsksWhoGetsTheComparators) {
     for (const auto& row : rows) {
         SCOPED_TRACE("row " + std::to_string(&row - rows));
         SetTarget("1.3", row.pairs, 0, row.pc, row.data);
-        host.values[0] = ORN_CONTROL_ENABLE | row.word;
+        host.values[ORN_VALUE_CONTROL] = ORN_CONTROL_ENABLE | row.word;
         Open(1, [&] {
             for (const int answer : row.answers) display.Answer(answer);
             display.Click(row.click);
@@ -181,7 +181,7 @@ TEST_F(TriggerPage, ARangeWithNothingToCaptureIsDropped) {
 
 TEST_F(TriggerPage, WhatThePageDoesNotUseSurvives) {
     for (const uint32_t word : {ORN_CONTROL_ENABLE, 0u}) { // complex; and a trace that is disabled
-        host.values[0] = word;
+        host.values[ORN_VALUE_CONTROL] = word;
         host.lines = {"ETM PC = from x"};
         if (word != 0) host.lines.push_back("ETM COMPLEX");
         Open(1, [&] {

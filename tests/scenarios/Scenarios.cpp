@@ -15,11 +15,11 @@ constexpr int kApply = IDC_APPLY_NOW;
 void Plain(RecordingHost&, const std::string&) {}
 
 void Enabled(RecordingHost& host, const std::string&) {
-    host.values[0] = 0x1;
+    host.values[ORN_VALUE_CONTROL] = ORN_CONTROL_ENABLE;
 }
 
 void OnePairWithTrigger(RecordingHost& host, const std::string&) {
-    host.values[0] = 0x201; // enabled, stop after the trigger, which an address raises
+    host.values[ORN_VALUE_CONTROL] = ORN_CONTROL_ENABLE | ORN_CONTROL_TRIGGER_ADDRESS;
     host.lines = {"ETM TRIGGER 0x100", "ETM PC = start 0x10", "ETM DATA = all"};
     const size_t pairs = host.report.find("pairs: 4");
     host.report.replace(pairs, 8, "pairs: 1");
@@ -111,7 +111,7 @@ const std::vector<Scenario>& AllScenarios() {
 
         {"TheKeyboardStaysOnThePage",
          [](RecordingHost& host, const std::string&) {
-             host.values[0] = 0x1;
+             host.values[ORN_VALUE_CONTROL] = ORN_CONTROL_ENABLE;
              host.onCall = [&host](const std::string& call) { // bit 2: it runs
                  if (call == "Command(start)") host.state = 0x4;
                  if (call == "Command(stop)") host.state = 0;
@@ -158,7 +158,7 @@ const std::vector<Scenario>& AllScenarios() {
 
         {"TriggerOnAddressAgainstARange",
          [](RecordingHost& host, const std::string&) {
-             host.values[0] = 0x101;
+             host.values[ORN_VALUE_CONTROL] = ORN_CONTROL_ENABLE | ORN_CONTROL_TRIGGER_PIN;
              host.lines = {"ETM PC = from 1", "ETM PC = to 2"};
          },
          [](User& user, const std::string&) {
@@ -225,7 +225,7 @@ const std::vector<Scenario>& AllScenarios() {
 
         {"ACortexM3TakesComparatorIndexes",
          [](RecordingHost& host, const std::string&) {
-             host.values[0] = 0x1;
+             host.values[ORN_VALUE_CONTROL] = ORN_CONTROL_ENABLE;
              host.features = {0x3000000, 0x4000000};
              host.report = "ETM architecture version: 3.5\n";
          },

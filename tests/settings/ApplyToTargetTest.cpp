@@ -9,7 +9,7 @@ class Applying : public Session {
 protected:
     Applying() {
         host.boardFile = "/b.mac";
-        host.values[0] = 0x20;
+        host.values[ORN_VALUE_CONTROL] = 0x20;
         EXPECT_TRUE(settings.ReadFromTarget());
         host.TakeCalls();
     }

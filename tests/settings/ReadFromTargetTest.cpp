@@ -59,19 +59,21 @@ TEST_F(Reading, TakesTheWordsThatItKnows) {
         {0, 1, 4294967295, "TriggerPosition=-2147483648"},
         {0, 0, 1024, "TriggerPosition=0"},
     };
-    host.values[2] = 0;
+    host.values[ORN_VALUE_TRIGGER_COUNT] = 0;
     ASSERT_TRUE(settings.ReadFromTarget());
     for (const auto& [control, size, count, changes] : rows) {
         jTraceSettings read;
-        host.values[0] = control, host.values[1] = size, host.values[2] = count;
+        host.values[ORN_VALUE_CONTROL] = control;
+        host.values[ORN_VALUE_BUFFER_SIZE] = size;
+        host.values[ORN_VALUE_TRIGGER_COUNT] = count;
         ASSERT_TRUE(read.ReadFromTarget());
         EXPECT_EQ(Difference(settings.Working, read.Working), changes);
     }
 }
 
 TEST_F(Reading, AsksInOrder) {
-    host.values[0x1000004] = 0x80000000;
-    host.values[0x10001E4] = 0x4100F100;
+    host.values[ORN_VALUE_ETMCCR] = ORN_ETMCCR_HAS_ID;
+    host.values[ORN_VALUE_ETMIDR] = 0x4100F100;
     host.lines = {"ETM COMPLEX"};
     host.boardFile = "/none";
     ASSERT_TRUE(settings.ReadFromTarget());
@@ -85,24 +87,24 @@ TEST_F(Reading, AsksInOrder) {
     EXPECT_THAT(Difference({}, first), testing::StartsWith("ConfigCode=2147483648 SystemConfig=42 "
                                                            "EtmId=1090580736 ProtocolVersion=3"));
     // A chip without the ID register, then one whose registers can't be read
-    host.values[0x1000004] = 1;
+    host.values[ORN_VALUE_ETMCCR] = 1;
     ASSERT_TRUE(settings.ReadFromTarget());
     EXPECT_EQ(Difference(first, settings.Working), "ConfigCode=1 EtmId=0");
     const jTraceState before = settings.Working;
-    for (const uint32_t id : {0x1000014u, 0x1000004u}) {
+    for (const uint32_t id : {ORN_VALUE_ETMSCR, ORN_VALUE_ETMCCR}) {
         host.values.erase(id);
         host.TakeCalls();
         ASSERT_TRUE(settings.ReadFromTarget());
-        EXPECT_EQ(host.calls[id == 0x1000004 ? 1 : 2], "GetValue(0x0)");
+        EXPECT_EQ(host.calls[id == ORN_VALUE_ETMCCR ? 1 : 2], "GetValue(0x0)");
         EXPECT_EQ(Difference(before, settings.Working), "");
     }
 }
 
 TEST_F(Reading, FailsWithoutTheValuesThatCount) {
-    host.values[0] = 0x13F;
+    host.values[ORN_VALUE_CONTROL] = 0x13F;
     host.boardFile = "/startup";
     host.lines = {"ETM PC = all"};
-    for (const uint32_t id : {0u, 1u, 2u}) {
+    for (const uint32_t id : {ORN_VALUE_CONTROL, ORN_VALUE_BUFFER_SIZE, ORN_VALUE_TRIGGER_COUNT}) {
         jTraceSettings read;
         const auto value = host.values.extract(id);
         EXPECT_FALSE(read.ReadFromTarget());
@@ -111,10 +113,10 @@ TEST_F(Reading, FailsWithoutTheValuesThatCount) {
         EXPECT_EQ(read.Working, jTraceSettings().Working);
         EXPECT_TRUE(read.TraceChanged()) << "the line was read";
         EXPECT_FALSE(read.ControlChanged() || read.TriggerPositionChanged() || read.PortChanged());
-        EXPECT_EQ(read.BufferSize, id == 1 ? 0u : 2048u);
+        EXPECT_EQ(read.BufferSize, id == ORN_VALUE_BUFFER_SIZE ? 0u : 2048u);
     }
     EXPECT_TRUE(settings.ReadFromTarget());
-    host.values.erase(1);
+    host.values.erase(ORN_VALUE_BUFFER_SIZE);
     EXPECT_FALSE(settings.ReadFromTarget());
     EXPECT_EQ(settings.BufferSize, 2048u) << "as it was known";
 }

@@ -22,7 +22,7 @@ namespace {
 
 class OnNativeWindows : public ::testing::Test {
 protected:
-    OnNativeWindows() { loaded.host.values[0] = 0x1; }
+    OnNativeWindows() { loaded.host.values[ORN_VALUE_CONTROL] = ORN_CONTROL_ENABLE; }
 
     void Open(User::Script script) {
         ASSERT_TRUE(loaded.control->Init(0)) << loaded.LastError();
@@ -82,7 +82,7 @@ TEST_F(OnNativeWindows, EscapeSendsNothing) {
 }
 
 TEST_F(OnNativeWindows, EscapeAnswersNo) {
-    loaded.host.values[0] = 0x201;
+    loaded.host.values[ORN_VALUE_CONTROL] = ORN_CONTROL_ENABLE | ORN_CONTROL_TRIGGER_ADDRESS;
     loaded.host.lines = {"ETM TRIGGER 0x100"}; // without it the first tab can't be left
     Open([&](User& person) {
         person.Tab(1);
@@ -250,7 +250,7 @@ TEST_F(OnNativeWindows, AFileIsReplacedOnlyWithTheUsersConsent) {
 }
 
 TEST_F(OnNativeWindows, TextKeepsItsCodePage) {
-    loaded.host.values[0] = 0x201; // an address raises the trigger
+    loaded.host.values[ORN_VALUE_CONTROL] = ORN_CONTROL_ENABLE | ORN_CONTROL_TRIGGER_ADDRESS;
     loaded.host.evaluates = true;
     Open([](User& person) {
         person.Type(1077, "n\xE4he");
@@ -324,7 +324,7 @@ TEST(AHostThatDestroysTheComponent, EndsWhateverRuns) {
     for (const auto& row : rows) {
         SCOPED_TRACE(&row - rows);
         LoadedModule loaded(directory.Path());
-        loaded.host.values[0] = 1;
+        loaded.host.values[ORN_VALUE_CONTROL] = ORN_CONTROL_ENABLE;
         ASSERT_TRUE(loaded.control->Init(0));
         loaded.host.onCall = [&](const std::string& call) {
             if (call == "Command(start)") throw std::runtime_error("in a box");
