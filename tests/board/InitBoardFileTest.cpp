@@ -29,7 +29,7 @@ protected:
 
 TEST_F(InitBoardFile, SettlesTheSelectionOrAsks) {
     const std::string file = Write("plain.mac", "not even a board file");
-    const std::string titled = Write("a.mac", kMarker + ";Title=A\n"), gone = PathOf("gone.mac");
+    const std::string gone = PathOf("gone.mac");
     const struct {
         std::string selection, answer, outcome; // answer "-": no dialog comes
     } rows[] = {
@@ -37,12 +37,10 @@ TEST_F(InitBoardFile, SettlesTheSelectionOrAsks) {
         {"---", kGeneric, "true 0 [/none] "},
         {"---", "-", "false -1 [/none] "}, // the selection in force was lost
         {"---", "", "false -1 [/none] Cancelled by user"},
-        {"---", "A", "true 2 [" + titled + "] "},
         {"", "-", "true 0 [/none] "},
         {"/StartUp", "-", "true 1 [/startup] "},
         {file, "-", "true 2 [" + file + "] "},
-        {gone, "", "true 2 [" + gone + "] "}, // cancelled, and taken all the same
-        {gone, kGeneric, "true 0 [/none] "},
+        {gone, "", "true 2 [" + gone + "] "},  // cancelled, and taken all the same
         {Path(), kGeneric, "true 0 [/none] "}, // no file
     };
     for (const auto& row : rows) {

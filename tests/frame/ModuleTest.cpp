@@ -10,7 +10,6 @@
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-using ::testing::StartsWith;
 
 namespace {
 
@@ -19,7 +18,7 @@ TEST(FactoryTable, GrowsByTenAndKeepsItsRows) {
     const std::string names = "abcdefghijk";
     for (const char& name : names) table.AddFactoryRow({&name, "component", nullptr, nullptr});
     EXPECT_EQ(std::pair(table.Count, table.Capacity), std::pair(11, 20));
-    for (const int32_t row : {0, 10}) EXPECT_EQ(table.Find(row)->InterfaceName, &names[row]);
+    EXPECT_EQ(table.Find(10)->InterfaceName, &names[10]);
     for (const int32_t outside : {11, -1}) EXPECT_EQ(table.Find(outside), nullptr);
 }
 
@@ -70,8 +69,7 @@ TEST_F(Component, SaysWhoItIs) {
         said += object->GetInterfaceName() + (" " + std::to_string(object->GetInterfaceVersion()));
         said += std::string(" ") + object->GetComponentName() + " " +
                 std::to_string(object->GetComponentVersion()) + "; ";
-        for (const char* other : {"iornkvetmsupp", static_cast<const char*>(nullptr)})
-            EXPECT_EQ(object->GetInterface(other), nullptr);
+        EXPECT_EQ(object->GetInterface(nullptr), nullptr);
     }
     EXPECT_EQ(said, "IOrnAPIBase 120 OrnAPIBase 120; IOrnKVETMCtrl 100 KVETMControl 107; "
                     "IOrnKVETMSupp 100 KVETMSupp 102; ");
@@ -146,8 +144,7 @@ TEST_F(Component, NamesWhatItNeedsAndHandsItBack) {
         names.push_back(control->GetRequiredName(i));
     EXPECT_THAT(names, ElementsAre("IOrnAPI", "IOrnVETMTrace", "IOrnTraceClient",
                                    "IOrnXTraceClient", "IOrnXTrace", "IOrnEmu"));
-    EXPECT_EQ(control->GetRequiredName(6), nullptr);
-    EXPECT_EQ(control->GetRequiredName(-1), nullptr);
+    for (const int32_t outside : {6, -1}) EXPECT_EQ(control->GetRequiredName(outside), nullptr);
     EXPECT_STREQ(control->GetImplementedName(0), "IOrnKVETMCtrl");
     EXPECT_EQ(control->GetImplementedName(1), nullptr);
 
@@ -160,15 +157,12 @@ TEST_F(Component, NamesWhatItNeedsAndHandsItBack) {
         EXPECT_EQ(control->GetAttachedInterface(name), nullptr) << name;
 }
 
-TEST_F(Component, InitReadsTheTargetAndASecondComponentStartsAfresh) {
+TEST_F(Component, InitReadsTheTargetAndComponentsComeAndGo) {
     host.values.erase(ORN_VALUE_TRIGGER_COUNT);
     host.lines = {"ETM PC = all"};
     EXPECT_EQ(Error(control->Init(0)), "Cannot read ETM/Trace settings from target");
     EXPECT_EQ(g_Ctrl, nullptr);
     EXPECT_NE(g_Settings, nullptr);
-    char start[5];
-    control->GetLastError(start, sizeof start);
-    EXPECT_STREQ(start, "Cann");
     control->GetLastError(nullptr, 10);
     host.TakeCalls();
     EXPECT_TRUE(control->Apply()); // half a read is nothing to send
@@ -180,7 +174,10 @@ TEST_F(Component, InitReadsTheTargetAndASecondComponentStartsAfresh) {
     EXPECT_EQ(g_Settings->Working.TriggerPosition, 50);
     EXPECT_TRUE(control->Init(0)); // a second time: no leak
 
-    ASSERT_NE(control->GetInterface("IOrnKVETMSupp"), nullptr);
+    auto* second = static_cast<IOrnKVETMCtrl*>(OrnDLL()->CreateRowObject(0));
+    EXPECT_TRUE(second->Init(0) && second->GetInterface("IOrnKVETMSupp") != nullptr);
+    OrnDLL()->DestroyRowObject(0, second);
+    EXPECT_TRUE(g_Supp != nullptr && g_Ctrl != nullptr && control->Apply());
     OrnDLL()->DestroyRowObject(0, control);
     EXPECT_TRUE(g_Settings == nullptr && g_Supp == nullptr && g_Ctrl == nullptr);
     control = static_cast<IOrnKVETMCtrl*>(OrnDLL()->CreateRowObject(0));
@@ -216,13 +213,6 @@ TEST_F(Component, BetweenTwoHandlersOfTheSheetAttachingActsAtOnce) {
     }));
     EXPECT_EQ(g_Settings, nullptr);
     control = static_cast<IOrnKVETMCtrl*>(OrnDLL()->CreateRowObject(0));
-}
-
-TEST_F(Component, ASecondOneThatGoesLeavesTheFirstWorking) {
-    auto* second = static_cast<IOrnKVETMCtrl*>(OrnDLL()->CreateRowObject(0));
-    EXPECT_TRUE(second->Init(0) && second->GetInterface("IOrnKVETMSupp") != nullptr);
-    OrnDLL()->DestroyRowObject(0, second);
-    EXPECT_TRUE(g_Supp != nullptr && g_Ctrl != nullptr && control->Apply());
 }
 
 TEST_F(Component, AHostThatCallsBackForEverIsHeardNoMore) {

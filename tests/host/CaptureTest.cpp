@@ -25,11 +25,9 @@ TEST(Capture, StopsAsItsModeSays) {
         const char* words;
     } rows[] = {
         {"buffer full", "arm926", 0x3, "", 2, "444444422222"},
-        {"address", "arm926", 0x201, "main", 2, "444442222222"},
         {"address, nothing behind", "arm926", 0x201, "main", 0, "444222222222"},
         {"address, a whole buffer", "arm926", 0x201, "main", 8, "444444444442"},
         {"address, but no trigger set", "arm926", 0x201, "", 2, "444444444444"},
-        {"pin, which nobody pulls", "arm926", 0x101, "main", 2, "444444444444"},
         {"ETB, which goes round", "arm9-etb", 0x3, "", 2, "444444444444"},
         {"TPIU, which has no trigger", "cortex-m3", 0x201, "1", 2, "444444444444"},
     };
@@ -39,7 +37,6 @@ TEST(Capture, StopsAsItsModeSays) {
         ASSERT_EQ(target.SetControl(row.control), Refusal());
         ASSERT_EQ(target.SetTriggerCount(target.chip().bufferSize / 8 * row.eighths), Refusal());
         target.state.trace.trigger = row.trigger;
-        EXPECT_EQ(Look(target, 2), "00") << "not started yet";
         EXPECT_EQ(target.Start(), Refusal());
         EXPECT_EQ(Look(target, 12), row.words);
         EXPECT_LE(target.state.capture.captured, target.chip().bufferSize);

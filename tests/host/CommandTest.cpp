@@ -36,11 +36,8 @@ TEST(Expression, IsAValueOrAnError) {
         const char *text, *result;
     } rows[] = {{" main + 4 // why", "0x8004"},
                 {"", "value expected at the end"},
-                {"* 4", "value expected at \"* 4\""},
-                {"1 2", "unexpected text \"2\""},
                 {"1 // a\n2", "unexpected text \"\\n2\""},
                 {"(main", "\")\" expected"},
-                {"Main", "unknown symbol \"Main\""},
                 {"'abcde'", "too long \"'abcde'\""},
                 {"'a\\", "quote not closed \"'a\\\""}};
     for (const auto& row : rows) EXPECT_EQ(Result(row.text), row.result) << row.text;
@@ -89,12 +86,10 @@ TEST(Command, RefusalsLeaveTheTargetAlone) {
         {"arm7", "capability", "capability needs a stream to write to"},
         {"arm7", "etm pc=all 5", "Unexpected text: 5"},
         {"arm7", "etm pc=to 1.5", "Bad address: invalid number \"1.5\""},
-        {"arm7", "etm data=some", "Unknown data trace mode \"some\""},
         {"arm7", "etm portsize=16", "This chip has no trace port of 16 bits"},
         {"arm7", "etm portsize=99999999999", "Port size expected, not \"99999999999\""},
         {"arm7", "etm halfrate=on", "This chip has no half-rate clocking"},
         {"arm7", "start", "Trace is not enabled"},
-        {"arm7", "trigger force", "Capture is not running"},
         {"arm9-etb", "trigger force",
          "The trigger of an ETB comes from the ETM and cannot be forced"},
         {"cortex-m3", "etm pc=from 1", "This chip cannot limit PC trace by addresses"},

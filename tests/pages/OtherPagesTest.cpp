@@ -4,13 +4,7 @@
 #include "pages/jToolTip.h"
 #include "tests/pages/PagesTest.h"
 
-using ::testing::ElementsAre;
-
-namespace {
-
-class OtherPages : public PagesTest {};
-
-TEST_F(OtherPages, TheDwtPageOffersTheComparatorsOfItsModeAndRefusesToBeLeft) {
+TEST_F(PagesTest, TheDwtPageOffersTheComparatorsOfItsModeAndRefusesToBeLeft) {
     jDWTPage page;
     CPropertySheet sheet("alone", nullptr, 0);
     sheet.AddPage(&page);
@@ -25,24 +19,17 @@ TEST_F(OtherPages, TheDwtPageOffersTheComparatorsOfItsModeAndRefusesToBeLeft) {
         EXPECT_TRUE(IsOpen());
     });
     sheet.DoModal();
-    EXPECT_THAT(display.Boxes(), ElementsAre("[Error] Simulation of error in DWT triggers"));
+    EXPECT_THAT(display.Boxes(),
+                testing::ElementsAre("[Error] Simulation of error in DWT triggers"));
 }
 
-TEST_F(OtherPages, AToolTipNeedsAControlAndAText) {
-    Open(
-        0,
-        [&] {
-            CWnd& edit = display.Control(1077);
-            CEdit orphan;
-            jToolTip tips;
-            EXPECT_FALSE(tips.AddWindowTool(&edit, 3)) << "not created yet";
-            tips.Create(display.Front());
-            tips.Activate(true);
-            EXPECT_TRUE(tips.AddWindowTool(&edit, 3));
-            EXPECT_TRUE(tips.AddWindowTool(&orphan, 6));
-            EXPECT_FALSE(tips.AddWindowTool(&edit, 7));
-            EXPECT_FALSE(tips.AddWindowTool(nullptr, 1));
-        });
+TEST_F(PagesTest, AToolTipNeedsAControlAndAText) {
+    CEdit edit;
+    jToolTip tips;
+    EXPECT_FALSE(tips.AddWindowTool(&edit, 3)) << "not created yet";
+    Open(0, [&] {
+        tips.Create(display.Front());
+        EXPECT_TRUE(tips.AddWindowTool(&edit, 6));
+        EXPECT_FALSE(tips.AddWindowTool(&edit, 7) || tips.AddWindowTool(nullptr, 1));
+    });
 }
-
-} // namespace

@@ -133,11 +133,11 @@ TEST_F(ControlPage, TheQuestionIsAskedOnceWhoeverAsks) {
         EXPECT_EQ(g_BoardQueryPending, 0);
     }
     g_BoardQueryPending = 1; // a sheet that closes before its tick
-    for (const bool first : {true, false})
-        OpenAnd([&] {
-            if (!first) display.Advance(600);
-            EXPECT_TRUE(IsOpen());
-        });
+    OpenAnd([] {});
+    OpenAnd([&] {
+        display.Advance(600);
+        EXPECT_TRUE(IsOpen());
+    });
 }
 
 TEST_F(ControlPage, AStateThatCannotBeToldIsReportedOnce) {
@@ -258,9 +258,8 @@ TEST_F(ControlPage, PcRangesRefuseTheTriggerOnAddress) {
 }
 
 TEST_F(ControlPage, SliderAndEditShowOneValue) {
-    const std::pair<const char*, int> rows[] = {
-        {"100", 100}, {"101", 50}, {"7", 7},   {"", 7},
-        {" 12x", 12}, {"x", 12},   {"-1", 50}, {"99999999999999999999", 50}};
+    const std::pair<const char*, int> rows[] = {{"100", 100}, {"101", 50}, {" 12x", 12},
+                                                {"", 12},     {"x", 12},   {"-1", 50}};
     host.values[ORN_VALUE_CONTROL] = ORN_CONTROL_ENABLE;
     Open(0, [&] {
         display.Drag(1007, 50);

@@ -44,8 +44,6 @@ TEST(TxtScan, CutsTextsIntoTokens) {
         {"0b101 0B1_01 0b1k 0b1-", "3:101=5 3:101=5 3:1=1024 3:1=1 7:- 8: 1.23+22"},
         {"12. 1e5 1E+2 2.5e-1", "5:12.=12 5:1e5=100000 5:1E+2=100 5:2.5e-1=0.25 8: 1.20+19"},
         {"1.5k 1.2.3", "5:1.5=1.5 1:k 5:1.2=1.2 7:. 2:3=3 8: 1.11+10"},
-        {"12.5e", "2:12.5e=12 7:. 2:5e=5 1:e 8: 1.6+5"},
-        {"1e+ 1.e-x", "2:1e+=1 1:e 7:+ 2:1.e-=1 7:. 1:e 7:- 1:x 8: 1.10+9"},
         {"1e400 1e-400 0e99999999999 0.1e99999999999",
          "5:1e400=inf 5:1e-400=0 5:0e99999999999=0 5:0.1e99999999999=inf 8: 1.43+42"},
         {R"("a b" "" "a""b" "//")", R"(4:a b 4: 4:ab 4:// 8: 1.21+20)"},
@@ -87,16 +85,11 @@ TEST(TxtScan, SaysWhatWasMissed) {
     EXPECT_STREQ(scan.Text, "Init not called");
     EXPECT_EQ(scan.Kind, TK_ERROR);
     for (int again = 0; again < 2; ++again) EXPECT_EQ(scan.GetToken(), TK_END);
-    const char* const text = "\n 7 //";
-    scan.Init(text, -1);
+    scan.Init("\n 7 //", -1);
     EXPECT_STREQ(scan.Text, "GetToken not called");
     EXPECT_EQ(scan.GetToken(), TK_DECIMAL);
-    EXPECT_EQ(scan.TokenStart, text + 2);
-    EXPECT_EQ(scan.GetToken(), TK_END);
-    EXPECT_EQ(scan.TokenStart, scan.End);
     scan.Init(nullptr, 10);
-    EXPECT_EQ(scan.Line, 1);
-    EXPECT_EQ(scan.Column, 1);
+    EXPECT_EQ(std::pair(scan.Line, scan.Column), std::pair(1, 1));
     EXPECT_EQ(scan.GetToken(), TK_END);
     EXPECT_EQ(scan.Value.Integer, 7) << "a token without a number leaves the last one";
 }

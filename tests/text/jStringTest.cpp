@@ -4,8 +4,6 @@
 
 #include <gtest/gtest.h>
 
-namespace {
-
 TEST(jString, SparesEightBytesWhenAnAssignHasToAllocate) {
     for (const auto& [length, capacity] :
          {std::pair{15u, 16u}, {16, 32}, {23, 32}, {24, 40}, {65535, 65544}}) {
@@ -16,7 +14,6 @@ TEST(jString, SparesEightBytesWhenAnAssignHasToAllocate) {
         EXPECT_EQ(string.GetBuffer(), text);
         string.Assign(nullptr);
         EXPECT_EQ(string.Capacity, capacity) << "an empty text keeps the buffer";
-        EXPECT_EQ(string.Length, 0u);
     }
 }
 
@@ -32,14 +29,10 @@ TEST(jString, GrowsNoFurtherThanNeededAndMeasuresAnewAfterAccess) {
     EXPECT_STREQ(string.Data, "123abcdefghijklmnopqrstuvwxyz");
     EXPECT_EQ(string.Capacity, 32u);
     EXPECT_EQ(string.Reserve(100), 103u);
-    EXPECT_EQ(string.Reserve(103), 103u);
     EXPECT_EQ(string.Reserve(0), 31u);
-    EXPECT_STREQ(string.Data, "123abcdefghijklmnopqrstuvwxyz");
     string.At(28) = '\0';
     EXPECT_EQ(string.GetLength(), 28u);
     EXPECT_EQ(&string.At(4000000000), string.Data + 28);
     string.GetBuffer()[2] = '\0';
     EXPECT_EQ(string.GetLength(), 2u);
 }
-
-} // namespace

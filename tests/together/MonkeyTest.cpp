@@ -52,9 +52,9 @@ protected:
     bool Refuses(const std::string& call) const {
         if (call.starts_with("SetValue("))
             return host.refusedSetValues.contains(call[11] == '0' ? 0u : 2u);
-        const std::string command = call.substr(8, call.size() - 9);
-        return call.starts_with("Command(") &&
-               (host.refusals.contains(command) || !host.refuseAllCommands.empty());
+        if (!call.starts_with("Command(")) return false;
+        return !host.refuseAllCommands.empty() ||
+               host.refusals.contains(call.substr(8, call.size() - 9));
     }
 
     /// Between events: Snapshot is what the last apply sent whole, or as it was.

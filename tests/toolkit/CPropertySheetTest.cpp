@@ -2,11 +2,7 @@
 
 #include "toolkit/CPropertySheet.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include "toolkit/CWinApp.h"
-#include "toolkit/headless/HeadlessDisplay.h"
+#include "tests/support/Session.h"
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
@@ -32,15 +28,8 @@ struct NotingPage : CPropertyPage {
     bool refuseToLeave = false, refuseToApply = false;
 };
 
-class PropertySheet : public ::testing::Test {
+class PropertySheet : public Session {
 protected:
-    PropertySheet() { AfxGetApp()->UseDisplay(&display); }
-    ~PropertySheet() override {
-        AfxGetApp()->UseDisplay(nullptr);
-        EXPECT_THAT(display.ScriptErrors(), IsEmpty());
-        EXPECT_EQ(display.OpenWindows(), 0);
-    }
-
     /// Runs a sheet of three pages; returns its result.
     int Run(HeadlessDisplay::Script script) {
         CPropertySheet sheet("Sheet", nullptr, 0);
@@ -50,7 +39,6 @@ protected:
     }
     std::vector<std::string> TakeNotes() { return std::exchange(notes, {}); }
 
-    HeadlessDisplay display;
     std::vector<std::string> notes;
     NotingPage first{107, notes}, second{108, notes}, third{106, notes};
 };
@@ -70,13 +58,10 @@ TEST_F(PropertySheet, MakesAPageAtItsFirstTimeOnlyAndEndsAllOfThem) {
             ok ? display.Click(IDOK) : display.CloseFrame();
         });
         EXPECT_EQ(result, ok ? IDOK : IDCANCEL);
-        const auto ends = ok ? std::vector<std::string>{"106 kill-active", "107 apply", "106 apply"}
-                             : std::vector<std::string>{"107 cancel", "106 cancel"};
-        std::vector<std::string> seen = TakeNotes();
-        EXPECT_THAT(std::vector(seen.end() - 2, seen.end()),
-                    ElementsAre("107 destroy", "106 destroy"));
-        seen.resize(seen.size() - 2);
-        EXPECT_EQ(seen, ends);
+        std::vector<std::string> ends = {"107 cancel", "106 cancel"};
+        if (ok) ends = {"106 kill-active", "107 apply", "106 apply"};
+        ends.insert(ends.end(), {"107 destroy", "106 destroy"});
+        EXPECT_EQ(TakeNotes(), ends);
     }
 }
 
@@ -99,32 +84,31 @@ TEST_F(PropertySheet, ApplyCallsThePagesThatExistOnceAnyPageIsMarked) {
 }
 
 TEST_F(PropertySheet, ARefusalKeepsTheTabAndTheSheet) {
-    EXPECT_EQ(Run([&] {
-                  first.refuseToLeave = true;
-                  TakeNotes();
-                  display.Tab(1);
-                  EXPECT_EQ(display.Selection(IDC_TAB_CONTROL), 0);
-                  EXPECT_EQ(display.FrontPage(), &first);
-                  display.Click(IDOK);
-                  EXPECT_THAT(TakeNotes(), ElementsAre("107 kill-active", "107 kill-active"));
+    const int result = Run([&] {
+        first.refuseToLeave = true;
+        TakeNotes();
+        display.Tab(1);
+        EXPECT_EQ(display.Selection(IDC_TAB_CONTROL), 0);
+        EXPECT_EQ(display.FrontPage(), &first);
+        display.Click(IDOK);
+        EXPECT_THAT(TakeNotes(), ElementsAre("107 kill-active", "107 kill-active"));
 
-                  first.refuseToLeave = false;
-                  display.Tab(1);
-                  first.refuseToApply = true;
-                  second.SetModified(true);
-                  TakeNotes();
-                  for (const int button : {IDOK, IDC_APPLY_NOW}) {
-                      display.Click(button); // no page behind the refusing one is called
-                      EXPECT_THAT(TakeNotes(),
-                                  ElementsAre("108 kill-active", "107 apply", "108 set-active"));
-                  }
-                  EXPECT_FALSE(display.Front()->HasEnded());
-                  display.Click(IDCANCEL);
-                  EXPECT_THAT(TakeNotes(), ElementsAre("107 cancel", "108 cancel"));
-                  display.Click(IDOK); // the sheet has ended
-                  EXPECT_THAT(TakeNotes(), IsEmpty());
-              }),
-              IDCANCEL);
+        first.refuseToLeave = false;
+        display.Tab(1);
+        first.refuseToApply = true;
+        second.SetModified(true);
+        TakeNotes();
+        for (const int button : {IDOK, IDC_APPLY_NOW}) {
+            display.Click(button); // no page behind the refusing one is called
+            EXPECT_THAT(TakeNotes(), ElementsAre("108 kill-active", "107 apply", "108 set-active"));
+        }
+        EXPECT_FALSE(display.Front()->HasEnded());
+        display.Click(IDCANCEL);
+        EXPECT_THAT(TakeNotes(), ElementsAre("107 cancel", "108 cancel"));
+        display.Click(IDOK); // the sheet has ended
+        EXPECT_THAT(TakeNotes(), IsEmpty());
+    });
+    EXPECT_EQ(result, IDCANCEL);
 }
 
 } // namespace
