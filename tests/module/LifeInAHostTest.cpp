@@ -5,7 +5,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <QApplication>
 #include <QDialog>
 #include <QLineEdit>
 #include <QTimer>
@@ -54,39 +53,28 @@ struct Environment {
     const QByteArray old;
 };
 
-struct Application {
-    int argc = 1;
-    char name[8] = "host";
-    char* argv[2] = {name, nullptr};
-    QApplication qt{argc, argv};
-};
-
-constexpr char kNoWindow[] = "Error while creating main window: ";
-
 void ExpectRefused(LoadedModule& loaded, const char* reason) {
     EXPECT_TRUE(loaded.control->Init(0));
     EXPECT_FALSE(loaded.control->Open());
-    EXPECT_THAT(loaded.LastError(), StartsWith(kNoWindow));
+    EXPECT_THAT(loaded.LastError(), StartsWith("Error while creating main window: "));
     EXPECT_THAT(loaded.LastError(), HasSubstr(reason));
 }
 
-/// Opens the sheet, runs `script` in it and returns what Open gave. Works in a host
-/// without an application too: the watch begins inside the module's first question
-/// after the sheet was made.
-bool OpenAnd(LoadedModule& loaded, QtUser& user, User::Script script) {
-    user.OnNextDialog(std::move(script));
-    loaded.host.onCall = [&](const std::string& call) {
-        if (call == "GetTraceState" && qApp != nullptr && !user.Watching()) user.Watch();
-    };
-    const bool opened = loaded.control->Open();
-    loaded.host.onCall = nullptr;
-    return opened;
-}
-
+/// Works in a host without an application too: the watch begins inside the module's first
+/// question after the sheet was made.
 void OpenAndCancel(LoadedModule& loaded) {
     EXPECT_TRUE(loaded.control->Init(0));
     QtUser user;
-    EXPECT_TRUE(OpenAnd(loaded, user, [&](User&) { user.Click(IDCANCEL); })) << loaded.LastError();
+    user.OnNextDialog([](User& person) {
+        person.Tab(2);
+        person.Click(IDCANCEL);
+    });
+    loaded.host.onCall = [&](const std::string& call) {
+        if (call == "GetTraceState" && qApp != nullptr && !user.Watching()) user.Watch();
+    };
+    EXPECT_TRUE(loaded.control->Open()) << loaded.LastError();
+    EXPECT_EQ(user.Surprises(), 0);
+    loaded.host.onCall = nullptr;
 }
 
 std::string OutputOf(const char* command) {
@@ -105,11 +93,27 @@ TEST(EachLibrary, HasOneExportAndTheModuleNoWindowToolkit) {
     EXPECT_THAT(OutputOf("readelf -d " MODULE_PATH), Not(HasSubstr("libQt")));
 }
 
-TEST(HostWithAnApplication, KeepsItsOwnAndItsThread) {
-    Application application;
+TEST(HostWithAnApplication, KeepsItsOwnAndItsThreadAndMayThrow) {
+    const Application application;
     const QString style = qApp->styleSheet();
     LoadedModule loaded;
-    OpenAndCancel(loaded);
+    loaded.host.values[ORN_VALUE_CONTROL] = ORN_CONTROL_ENABLE;
+    ASSERT_TRUE(loaded.control->Init(0));
+    QtUser user;
+    user.OnNextDialog([&](User&) {
+        loaded.host.onCall = [](const std::string& call) {
+            if (call == "Command(start)") throw std::runtime_error("the target is gone");
+        };
+        user.Answer(IDOK);
+        user.Click(1030);
+        user.Click(IDCANCEL);
+    });
+    EXPECT_TRUE(user.Open(*loaded.control));
+    EXPECT_THAT(user.Boxes(), ElementsAre("[KVETMControl] the target is gone"));
+    loaded.host.onCall = [](const std::string&) { throw std::runtime_error("gone"); };
+    EXPECT_FALSE(loaded.control->Open());
+    EXPECT_EQ(loaded.LastError(), "gone");
+    loaded.host.onCall = nullptr;
     bool opened = true;
     std::thread([&] { opened = loaded.control->Open(); }).join();
     EXPECT_FALSE(opened);
@@ -124,14 +128,8 @@ TEST(HostWithoutAnApplication, GetsOneForAsLongAsTheComponentLives) {
     const Environment locale("LC_ALL", "C.UTF-8");
     for (int round = 0; round < 50; ++round) {
         LoadedModule loaded;
-        QtUser user;
-        ASSERT_TRUE(loaded.control->Init(0));
         EXPECT_EQ(qApp, nullptr);
-        EXPECT_TRUE(OpenAnd(loaded, user, [&](User&) {
-            user.Tab(2);
-            user.Click(IDCANCEL);
-        })) << loaded.LastError();
-        EXPECT_EQ(user.Surprises(), 0);
+        OpenAndCancel(loaded);
         EXPECT_NE(qApp, nullptr);
         EXPECT_STREQ(std::setlocale(LC_ALL, nullptr), "C");
     }
@@ -170,40 +168,15 @@ TEST(HostWithACoreApplication, GetsAFailedOpenWithAReason) {
     ExpectRefused(loaded, "no QApplication");
 }
 
-TEST(AHostThatThrows, EndsInABox) {
-    Application application;
-    LoadedModule loaded;
-    loaded.host.values[ORN_VALUE_CONTROL] = ORN_CONTROL_ENABLE;
-    ASSERT_TRUE(loaded.control->Init(0));
-    QtUser user;
-    EXPECT_TRUE(OpenAnd(loaded, user, [&](User&) {
-        loaded.host.onCall = [](const std::string& call) {
-            if (call == "Command(start)") throw std::runtime_error("the target is gone");
-        };
-        user.Answer(IDOK);
-        user.Click(1030);
-        user.Click(IDCANCEL);
-    }));
-    EXPECT_THAT(user.Boxes(), ElementsAre("[KVETMControl] the target is gone"));
-
-    loaded.host.onCall = [](const std::string&) { throw std::runtime_error("gone"); };
-    EXPECT_FALSE(loaded.control->Open());
-    EXPECT_EQ(loaded.LastError(), "gone");
-}
-
-// --- What may end or spoil a process: each in one of its own --------------------------
-
 constexpr int kFine = 7;
 
-/// The status, and a word on what went wrong.
+/// For what may end or spoil a process: the status, and a word on what went wrong.
 int Status() {
     const auto& result = *::testing::UnitTest::GetInstance()->current_test_info()->result();
     for (int i = 0; i < result.total_part_count(); ++i)
         std::fprintf(stderr, "%s\n", result.GetTestPartResult(i).message());
     return result.Failed() ? 1 : kFine;
 }
-
-// --- Where the display lies -------------------------------------------------------------
 
 namespace fs = std::filesystem;
 
@@ -212,24 +185,18 @@ std::string BytesOf(const char* file) {
     return {std::istreambuf_iterator<char>(in), {}};
 }
 
-/// The display, had the sources of the toolkit had another hash.
-std::string AnotherBuild() {
-    std::string bytes = BytesOf(DISPLAY_PATH);
-    bytes[bytes.find(", compiler ") - 1] ^= 1;
-    return bytes;
-}
-
 TEST(TheDisplay, LiesBesideTheModule) {
+    std::string otherHash = BytesOf(DISPLAY_PATH); // of the toolkit's sources
+    otherHash[otherHash.find(", compiler ") - 1] ^= 1;
     const std::pair<std::string, const char*> rows[] = {
         {"", "KVETMControlQt.so: cannot open"},
         {"no library", "KVETMControlQt.so: "},
         {BytesOf(MODULE_PATH), "KVETMControlQt.so is none."},
-        {AnotherBuild(), "KVETMControlQt.so is of another build."},
+        {otherHash, "KVETMControlQt.so is of another build."},
         {BytesOf(DISPLAY_PATH), nullptr},
     };
     const fs::path before = fs::current_path();
-    std::deque<TemporaryDirectory>
-        directories; // until the end: the loader knows files by name and inode
+    std::deque<TemporaryDirectory> directories; // the loader knows files by name and inode
     for (const auto& [bytes, reason] : rows) {
         const TemporaryDirectory& modules = directories.emplace_back();
         const TemporaryDirectory& links = directories.emplace_back();

@@ -1,8 +1,6 @@
 #include "tests/module/QtUser.h"
 
 #include <QAbstractButton>
-#include <QApplication>
-#include <QComboBox>
 #include <QFileDialog>
 #include <QLineEdit>
 #include <QMessageBox>
@@ -12,13 +10,6 @@
 #include <QTabWidget>
 #include <QTest>
 #include <QTimer>
-
-#include "toolkit/constants.h"
-
-/// The widget as what it has to be; throws std::bad_cast if it is something else.
-template <class Control> static Control& Cast(QWidget* widget) {
-    return dynamic_cast<Control&>(*widget);
-}
 
 void QtUser::Watch() {
     if (m_Context == nullptr) m_Context = std::make_unique<QObject>();
@@ -61,8 +52,7 @@ void QtUser::AnswerBox(QMessageBox& box) {
 void QtUser::AnswerSaveDialog(QFileDialog& dialog) {
     const std::string path = Next<std::string>(m_Saves, "");
     if (path.empty()) return dialog.reject();
-    Cast<QLineEdit>(dialog.findChild<QWidget*>("fileNameEdit"))
-        .setText(QString::fromStdString(path));
+    dialog.findChild<QLineEdit*>("fileNameEdit")->setText(QString::fromStdString(path));
     QMetaObject::invokeMethod(&dialog, "accept");
 }
 
@@ -89,13 +79,12 @@ void QtUser::Type(int id, const char* text) {
     edit->setFocus();
     QTest::keySequence(edit, QKeySequence::SelectAll);
     QTest::keyClick(edit, Qt::Key_Delete);
-    for (const QChar character : QString::fromUtf8(text)) {
-        if (character == '\r') continue;
+    const QString typed = QString::fromUtf8(text).remove('\r');
+    for (const QChar character : typed)
         if (character == '\n')
             QTest::keyClick(edit, Qt::Key_Return);
         else
             QTest::keyClicks(edit, QString(character));
-    }
 }
 
 void QtUser::Select(int id, int index) {
@@ -106,12 +95,12 @@ void QtUser::Select(int id, int index) {
 }
 
 void QtUser::Tab(int index) {
-    QTabBar* bar = Cast<QTabWidget>(Find(IDC_TAB_CONTROL)).tabBar();
+    QTabBar* bar = dynamic_cast<QTabWidget&>(*Find(IDC_TAB_CONTROL)).tabBar();
     QTest::mouseClick(bar, Qt::LeftButton, {}, bar->tabRect(index).center());
 }
 
 void QtUser::Drag(int id, int position) {
-    auto& slider = Cast<QSlider>(Find(id));
+    auto& slider = dynamic_cast<QSlider&>(*Find(id));
     slider.setSliderDown(true);
     slider.setSliderPosition(position);
     Wait(30); // the edit follows the repaint
@@ -127,18 +116,6 @@ std::string QtUser::Text(int id) {
     if (auto* lines = qobject_cast<QPlainTextEdit*>(widget))
         return lines->toPlainText().replace("\n", "\r\n").toStdString();
     return widget->property("text").toString().toStdString();
-}
-
-bool QtUser::Checked(int id) {
-    return Cast<QAbstractButton>(Find(id)).isChecked();
-}
-
-int QtUser::Selection(int id) {
-    return Cast<QComboBox>(Find(id)).currentIndex();
-}
-
-int QtUser::TabInFront() {
-    return Cast<QTabWidget>(Find(IDC_TAB_CONTROL)).currentIndex();
 }
 
 int QtUser::Focus() {

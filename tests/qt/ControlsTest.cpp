@@ -13,42 +13,40 @@ namespace {
 using Controls = QtTest;
 
 TEST_F(Controls, KeepEachByteThatNobodyEditsAndTakeWhatIsTyped) {
-    Run(
-        dialog,
-        [&] {
-            // Latin-1, cut short, a surrogate, too long a form, line ends of Unicode, a mark.
-            const std::string bytes =
-                "\xef\xbb\xbf\xff\xc3\xa9 \xc2\xa0x\xe2\x80\r\n\xed\xa0\x80\xc0\x80"
-                "\xe2\x80\xa8\xef\xb7\x90\x01\xf0\x9f\x98\x80 Stra\xdf";
-            for (const int id : {11, 12}) {
-                dialog.GetDlgItem(id)->SetWindowText(bytes);
-                PressOn(id, Qt::Key_End, Qt::ControlModifier);
-                QTest::keyClicks(user.Find(id), "e");
-                EXPECT_EQ(dialog.GetDlgItem(id)->GetWindowText(), bytes + "e") << id;
+    Run([&] {
+        // Latin-1, cut short, a surrogate, too long a form, line ends of Unicode, a mark.
+        const std::string bytes =
+            "\xef\xbb\xbf\xff\xc3\xa9 \xc2\xa0x\xe2\x80\r\n\xed\xa0\x80\xc0\x80"
+            "\xe2\x80\xa8\xef\xb7\x90\x01\xf0\x9f\x98\x80 Stra\xdf";
+        for (const int id : {11, 12}) {
+            dialog.GetDlgItem(id)->SetWindowText(bytes);
+            PressOn(id, Qt::Key_End, Qt::ControlModifier);
+            QTest::keyClicks(user.Find(id), "e");
+            EXPECT_EQ(dialog.GetDlgItem(id)->GetWindowText(), bytes + "e") << id;
+        }
+        auto& edit = dynamic_cast<QPlainTextEdit&>(*user.Find(12));
+        EXPECT_EQ(edit.blockCount(), 2);
+        EXPECT_EQ(user.Find(11)->accessibleName() + ' ' + edit.accessibleName(), "Name Text");
+        user.Type(12, "a\n");
+        edit.insertPlainText(QString::fromUtf8("\xc2\xa0"));
+        EXPECT_EQ(dialog.GetDlgItem(12)->GetWindowText(), "a\r\n\xc2\xa0");
+        for (const int id : {11, 12})
+            for (const char* typed : {"", "text"}) { // as long as it is not read-only
+                const bool readOnly = *typed == '\0';
+                dynamic_cast<CEdit&>(*dialog.GetDlgItem(id)).SetReadOnly(readOnly);
+                user.Type(id, typed);
+                EXPECT_EQ(dialog.GetDlgItem(id)->GetWindowText() == typed, !readOnly) << id;
             }
-            auto& edit = dynamic_cast<QPlainTextEdit&>(*user.Find(12));
-            EXPECT_EQ(edit.blockCount(), 2);
-            EXPECT_EQ(user.Find(11)->accessibleName() + ' ' + edit.accessibleName(), "Name Text");
-            user.Type(12, "a\n");
-            edit.insertPlainText(QString::fromUtf8("\xc2\xa0"));
-            EXPECT_EQ(dialog.GetDlgItem(12)->GetWindowText(), "a\r\n\xc2\xa0");
-            for (const int id : {11, 12})
-                for (const char* typed : {"", "text"}) { // as long as it is not read-only
-                    const bool readOnly = *typed == '\0';
-                    dynamic_cast<CEdit&>(*dialog.GetDlgItem(id)).SetReadOnly(readOnly);
-                    user.Type(id, typed);
-                    EXPECT_EQ(dialog.GetDlgItem(id)->GetWindowText() == typed, !readOnly) << id;
-                }
-            user.Type(50, "1-x2"); // takes digits alone
-            EXPECT_EQ(dialog.GetDlgItem(50)->GetWindowText(), "12");
-            dialog.GetDlgItem(50)->SetWindowText("-31"); // the model may hold anything
-            PressOn(50, Qt::Key_Backspace);
-            EXPECT_EQ(dialog.GetDlgItem(50)->GetWindowText(), "-3");
-        });
+        user.Type(50, "1-x2"); // takes digits alone
+        EXPECT_EQ(dialog.GetDlgItem(50)->GetWindowText(), "12");
+        dialog.GetDlgItem(50)->SetWindowText("-31"); // the model may hold anything
+        PressOn(50, Qt::Key_Backspace);
+        EXPECT_EQ(dialog.GetDlgItem(50)->GetWindowText(), "-3");
+    });
 }
 
 TEST_F(Controls, HaveTipsEvenIfDisabled) {
-    Run(dialog, [&] {
+    Run([&] {
         dialog.GetDlgItem(40)->EnableWindow(false);
         CToolTipCtrl tips;
         tips.Create(&dialog);

@@ -9,20 +9,7 @@ namespace {
 
 using Keyboard = QtTest;
 
-TEST_F(Keyboard, TabGoesThroughTheTemplate) {
-    Run(
-        dialog,
-        [&] {
-            for (const int id : {11, 12, 13, 20, 30, 32, 50, 40, 1, 2, 11}) {
-                EXPECT_EQ(Focus(), id);
-                Press(Qt::Key_Tab);
-            }
-            PressOn(11, Qt::Key_Backtab);
-            EXPECT_EQ(Focus(), 2);
-        });
-}
-
-TEST_F(Keyboard, ARadioGroupIsOneStopWithArrowsInside) {
+TEST_F(Keyboard, TabGoesThroughTheTemplateWithARadioGroupAsOneStopAndArrowsInside) {
     struct {
         int from;
         Qt::Key key;
@@ -31,16 +18,22 @@ TEST_F(Keyboard, ARadioGroupIsOneStopWithArrowsInside) {
         {20, Qt::Key_Down, 22}, {22, Qt::Key_Right, 20}, {20, Qt::Key_Up, 22},
         {13, Qt::Key_Tab, 22},  {22, Qt::Key_Tab, 30},   {30, Qt::Key_Backtab, 22},
     };
-    Run(dialog, [&] {
+    Run([&] {
+        for (const int id : {11, 12, 13, 20, 30, 32, 50, 40, 1, 2, 11}) {
+            EXPECT_EQ(user.Focus(), id);
+            Press(Qt::Key_Tab);
+        }
+        PressOn(11, Qt::Key_Backtab);
+        EXPECT_EQ(user.Focus(), 2);
         dialog.GetDlgItem(21)->EnableWindow(false);
         for (const auto& row : rows) {
             PressOn(row.from, row.key);
-            EXPECT_EQ(Focus(), row.to) << "from " << row.from << " by " << row.key;
+            EXPECT_EQ(user.Focus(), row.to) << "from " << row.from << " by " << row.key;
         }
         EXPECT_TRUE(user.Checked(22));
         dialog.GetDlgItem(22)->EnableWindow(false); // it stays checked
         PressOn(13, Qt::Key_Tab);
-        EXPECT_EQ(Focus(), 20);
+        EXPECT_EQ(user.Focus(), 20);
     });
     EXPECT_THAT(dialog.clicks, ::testing::ElementsAre(22, 20, 22));
 }
@@ -53,7 +46,6 @@ TEST_F(Keyboard, ReturnEscapeAndSpacePressWhatTheyShould) {
         std::vector<int> clicks;
     } const rows[] = {
         {11, Qt::Key_Return, IDOK, {}},     {13, Qt::Key_Return, IDOK, {}},
-        {20, Qt::Key_Return, IDOK, {}},     {30, Qt::Key_Return, IDOK, {}},
         {32, Qt::Key_Enter, IDOK, {}},      {2, Qt::Key_Return, IDCANCEL, {}},
         {12, Qt::Key_Escape, IDCANCEL, {}}, {40, Qt::Key_Enter, 0, {40}},
         {12, Qt::Key_Return, 0, {}},        {30, Qt::Key_Space, 0, {30}},
@@ -61,7 +53,7 @@ TEST_F(Keyboard, ReturnEscapeAndSpacePressWhatTheyShould) {
     for (const auto& row : rows) {
         SCOPED_TRACE(std::to_string(row.id) + " key " + std::to_string(row.key));
         dialog.clicks.clear();
-        const int result = Run(dialog, [&] {
+        const int result = Run([&] {
             PressOn(row.id, row.key);
             EXPECT_EQ(dialog.HasEnded(), row.result != 0);
         });
@@ -81,12 +73,12 @@ TEST_F(Keyboard, StaysOnAControlThatComesBackBeforeTheHandlerEnds) {
             button->ShowWindow(SW_SHOW);
             user.Answer(IDOK);
             dialog.MessageBox("", "", MB_OK);
-            EXPECT_EQ(Focus(), 40);
+            EXPECT_EQ(user.Focus(), 40);
             button->EnableWindow(comesBack);
         };
-        Run(dialog, [&] {
+        Run([&] {
             PressOn(40, Qt::Key_Space);
-            EXPECT_EQ(Focus(), comesBack ? 40 : 50); // not OK
+            EXPECT_EQ(user.Focus(), comesBack ? 40 : 50); // not OK
             Press(Qt::Key_Space);
             EXPECT_FALSE(dialog.HasEnded());
         });
@@ -115,7 +107,7 @@ TEST_F(Keyboard, AHeldKeyPressesNothingAndGoesOnTyping) {
         EXPECT_FALSE(GetSaveFileName(record));
         Run(inner, [&] { Hold(); });
     };
-    Run(dialog, [&] {
+    Run([&] {
         for (const int id : {40, 11, 12, 30, 2}) {
             user.Find(id)->setFocus();
             Hold();

@@ -5,7 +5,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <QApplication>
 #include <QTest>
 
 #include "tests/module/QtUser.h"
@@ -53,6 +52,7 @@ protected:
         if (!user.Watching()) user.Watch();
         return modal.DoModal();
     }
+    int Run(std::function<void()> script) { return Run(dialog, std::move(script)); }
     void Press(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
         QTest::keyClick(QtUser::Window()->focusWidget(), key, modifiers);
     }
@@ -60,13 +60,8 @@ protected:
         user.Find(id)->setFocus();
         Press(key, modifiers);
     }
-    /// Number of the control that has the focus.
-    int Focus() { return user.Focus(); }
 
-    int argc = 1;
-    char name[5] = "host";
-    char* argv[2] = {name, nullptr};
-    QApplication application{argc, argv};
+    Application application;
     QtUser user;
     TestDialog dialog;
 };

@@ -11,41 +11,35 @@
 
 namespace {
 
-class Sheet : public QtTest {
-protected:
-    Sheet() {
-        for (CPropertyPage* page : {&control, &trigger, &status}) sheet.AddPage(page);
-    }
-
-    CPropertySheet sheet{"Sheet", nullptr, 0};
+struct Sheet : QtTest {
     CPropertyPage control{107}, trigger{108}, status{106};
 };
 
 TEST_F(Sheet, TurnsByKeyFromAnywhere) {
-    Run(
-        sheet,
-        [&] {
-            PressOn(1077, Qt::Key_Tab, Qt::ControlModifier);
-            EXPECT_EQ(Focus(), 1030);
-            Press(Qt::Key_PageDown, Qt::ControlModifier);
-            EXPECT_EQ(Focus(), 1038); // 1064 lies out of sight, and screen readers don't find it
-            EXPECT_EQ(QtUser::Window()->findChild<QWidget*>("1064"), nullptr);
-            PressOn(IDOK, Qt::Key_Tab, Qt::ControlModifier);
-            EXPECT_EQ(user.TabInFront(), 0);
-            Press(Qt::Key_Backtab, Qt::ControlModifier | Qt::ShiftModifier);
-            EXPECT_EQ(user.TabInFront(), 2);
-            Press(Qt::Key_PageUp, Qt::ControlModifier);
-            EXPECT_EQ(user.TabInFront(), 1);
-            // From the tabs into the page, and behind it to the buttons.
-            auto* bar = QtUser::Window()->findChild<QTabBar*>();
-            bar->setFocus();
-            Press(Qt::Key_Left);
-            EXPECT_TRUE(bar->hasFocus());
-            Press(Qt::Key_Tab);
-            EXPECT_EQ(Focus(), 1000);
-            PressOn(1083, Qt::Key_Tab);
-            EXPECT_EQ(Focus(), IDOK);
-        });
+    CPropertySheet sheet("Sheet", nullptr, 0);
+    for (CPropertyPage* page : {&control, &trigger, &status}) sheet.AddPage(page);
+    Run(sheet, [&] {
+        PressOn(1077, Qt::Key_Tab, Qt::ControlModifier);
+        EXPECT_EQ(user.Focus(), 1030);
+        Press(Qt::Key_PageDown, Qt::ControlModifier);
+        EXPECT_EQ(user.Focus(), 1038); // 1064 lies out of sight, and screen readers don't find it
+        EXPECT_EQ(QtUser::Window()->findChild<QWidget*>("1064"), nullptr);
+        PressOn(IDOK, Qt::Key_Tab, Qt::ControlModifier);
+        EXPECT_EQ(user.TabInFront(), 0);
+        Press(Qt::Key_Backtab, Qt::ControlModifier | Qt::ShiftModifier);
+        EXPECT_EQ(user.TabInFront(), 2);
+        Press(Qt::Key_PageUp, Qt::ControlModifier);
+        EXPECT_EQ(user.TabInFront(), 1);
+        // From the tabs into the page, and behind it to the buttons.
+        auto* bar = QtUser::Window()->findChild<QTabBar*>();
+        bar->setFocus();
+        Press(Qt::Key_Left);
+        EXPECT_TRUE(bar->hasFocus());
+        Press(Qt::Key_Tab);
+        EXPECT_EQ(user.Focus(), 1000);
+        PressOn(1083, Qt::Key_Tab);
+        EXPECT_EQ(user.Focus(), IDOK);
+    });
 }
 
 /// Names the texts of a page that are cut off, and the controls that overlap.

@@ -20,10 +20,7 @@ public:
 protected:
     /// Takes the first of `prepared`; without one, counts a surprise and gives `otherwise`.
     template <class T> T Next(std::deque<T>& prepared, T otherwise) {
-        if (prepared.empty()) {
-            ++m_Surprises;
-            return otherwise;
-        }
+        if (prepared.empty()) return ++m_Surprises, otherwise;
         T next = std::move(prepared.front());
         prepared.pop_front();
         return next;

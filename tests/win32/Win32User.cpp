@@ -1,28 +1,20 @@
 #include "tests/win32/Win32User.h"
 
-#include <commctrl.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <stdexcept>
+#include <thread>
 
 namespace {
 
 constexpr DWORD kPatience = 10000; // milliseconds
 constexpr int kSaveNames[] = {0x47c, 0x480};
-constexpr int kTabControl = 0x3020;
 constexpr int kBoardList = 1078; // only the ETM Configuration dialog has it
 
 std::string ClassOf(HWND window) {
     char name[64];
     return std::string(name, static_cast<size_t>(GetClassNameA(window, name, sizeof name)));
-}
-
-std::string WindowText(HWND window) {
-    std::string text(static_cast<size_t>(SendMessageA(window, WM_GETTEXTLENGTH, 0, 0)) + 1, '\0');
-    text.resize(static_cast<size_t>(
-        SendMessageA(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()))));
-    return text;
 }
 
 BOOL CALLBACK FindFront(HWND window, LPARAM result) {
@@ -58,26 +50,18 @@ Win32User::Win32User()
     : m_WindowThread(GetCurrentThreadId()),
       m_Marker(CreateWindowA("EDIT", "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr)) {}
 
-Win32User::~Win32User() {
-    GetUp();
-    DestroyWindow(m_Marker);
-}
-
-void Win32User::Sit() {
-    m_Person = std::thread([this] {
+bool Win32User::Open(IOrnKVETMCtrl& control) {
+    std::thread person([this] {
         for (DWORD waited = 0; Front() == nullptr; waited += 5) {
             if (waited > kPatience) throw std::runtime_error("no dialog came up");
             Sleep(5);
         }
         Attend(Front());
     });
+    const bool opened = control.Open();
+    person.join();
+    return opened;
 }
-
-void Win32User::GetUp() {
-    if (m_Person.joinable()) m_Person.join();
-}
-
-// --- Attending to windows -----------------------------------------------------------------
 
 HWND Win32User::Front() {
     HWND front = nullptr;
@@ -126,7 +110,7 @@ void Win32User::Attend(HWND window) {
     const ULONGLONG limit = GetTickCount64() + kPatience;
     while (LetWork(window)) { // something may still come up, such as a question
         Settle();
-        if (GetTickCount64() > limit) throw std::runtime_error("stays open: " + WindowText(window));
+        if (GetTickCount64() > limit) throw std::runtime_error("stays open: " + TextOf(window));
     }
     m_Attended.pop_back();
 }
@@ -142,10 +126,10 @@ void Win32User::RunScript(HWND window) {
 }
 
 void Win32User::AnswerBox(HWND box) {
-    std::string text = "[" + WindowText(box) + "] ";
+    std::string text = "[" + TextOf(box) + "] ";
     for (HWND part = FindWindowExA(box, nullptr, "Static", nullptr); part != nullptr;
          part = FindWindowExA(box, part, "Static", nullptr))
-        text += WindowText(part);
+        text += TextOf(part);
     m_Boxes.push_back(text);
     for (const WPARAM key : {VK_RETURN, VK_ESCAPE}) Post(box, WM_KEYDOWN, key, kHeld);
     const int answer = Next<int>(m_Answers, IDCANCEL);
@@ -168,8 +152,6 @@ void Win32User::AnswerSaveDialog(HWND dialog) {
         Settle();
     } while (IsWindow(dialog) && !m_Saves.empty());
 }
-
-// --- What the person does --------------------------------------------------------------------
 
 HWND Win32User::Find(int id) {
     const HWND window = m_Attended.back();
@@ -234,8 +216,6 @@ void Win32User::Wait(unsigned milliseconds) {
     Settle();
 }
 
-// --- What the person sees -----------------------------------------------------------------------
-
 HWND Win32User::FocusWindow() const {
     GUITHREADINFO info{};
     info.cbSize = sizeof info;
@@ -243,10 +223,9 @@ HWND Win32User::FocusWindow() const {
     return info.hwndFocus;
 }
 
-std::string Win32User::Text(int id) {
-    return WindowText(Find(id));
-}
-
-int Win32User::TabInFront() {
-    return Ask(kTabControl, TCM_GETCURSEL);
+std::string Win32User::TextOf(HWND window) {
+    std::string text(static_cast<size_t>(SendMessageA(window, WM_GETTEXTLENGTH, 0, 0)) + 1, '\0');
+    text.resize(static_cast<size_t>(
+        SendMessageA(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()))));
+    return text;
 }

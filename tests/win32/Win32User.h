@@ -8,8 +8,9 @@
 
 #include <windows.h>
 
-#include <thread>
+#include <commctrl.h>
 
+#include "frame/interfaces/IOrnKVETMCtrl.h"
 #include "tests/support/PreparedUser.h"
 
 // Of <windows.h>; the stories use the toolkit's constants of these names.
@@ -29,12 +30,11 @@ public:
 
     /// REQUIRES: made and destroyed on the thread that runs the dialogs.
     Win32User();
-    ~Win32User() override;
+    ~Win32User() override { DestroyWindow(m_Marker); }
 
-    /// Waits for the first dialog, on the person's thread, and runs its script.
-    void Sit();
-    /// Waits until the person has got up. What scripts threw has become a failure.
-    void GetUp();
+    /// Opens the sheet; the person's thread waits for it and runs its script, and has ended
+    /// afterwards. What scripts threw has become a failure.
+    bool Open(IOrnKVETMCtrl& control);
 
     void Click(int id) override;
     void Type(int id, const char* text) override;
@@ -46,12 +46,12 @@ public:
     /// Presses a key in the window that has the focus; `details` as in WM_KEYDOWN.
     void Press(WPARAM key, LPARAM details = 0);
 
-    std::string Text(int id) override;
+    std::string Text(int id) override { return TextOf(Find(id)); }
     bool Enabled(int id) override { return IsWindowEnabled(Find(id)) != 0; }
     bool Visible(int id) override { return IsWindowVisible(Find(id)) != 0; }
     bool Checked(int id) override { return Ask(id, BM_GETCHECK) == BST_CHECKED; }
     int Selection(int id) override { return Ask(id, CB_GETCURSEL); }
-    int TabInFront() override;
+    int TabInFront() override { return Ask(kTabControl, TCM_GETCURSEL); }
     int Focus() override { return GetDlgCtrlID(FocusWindow()); }
 
     /// The dialog that the script of the moment is about.
@@ -66,6 +66,9 @@ public:
     void Settle();
 
 private:
+    static constexpr int kTabControl = 0x3020;
+
+    static std::string TextOf(HWND window);
     int Ask(int id, UINT question) {
         return static_cast<int>(SendMessageA(Find(id), question, 0, 0));
     }
@@ -79,5 +82,4 @@ private:
     const DWORD m_WindowThread;
     const HWND m_Marker; // an edit; its limit is the last mark reached
     WPARAM m_Marks = 0;
-    std::thread m_Person;
 };
