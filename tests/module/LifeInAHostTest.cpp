@@ -219,7 +219,12 @@ struct XServer {
         if (std::fscanf(pipe, "%d %d", &process, &number) != 2) throw std::runtime_error("no Xvfb");
     }
     ~XServer() { Kill(), pclose(pipe); }
-    void Kill() const { kill(process, SIGKILL); }
+    /// Returns when it is dead, which takes a while on a busy machine.
+    void Kill() const {
+        siginfo_t end;
+        kill(process, SIGKILL);
+        waitid(P_PID, static_cast<id_t>(process), &end, WEXITED | WNOWAIT);
+    }
 
     FILE* const pipe = popen("echo $$; exec setpriv --pdeathsig KILL Xvfb -displayfd 1", "r");
     int process = 0, number = 0;

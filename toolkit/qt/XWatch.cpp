@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <cstring>
 #include <dlfcn.h>
+#include <poll.h>
 #include <utility>
 #include <vector>
 
@@ -73,6 +74,7 @@ struct Watch {
     const QCoreApplication* application = nullptr;
     void* connection = nullptr;
     int (*hasError)(void* connection) = nullptr;
+    int socket = -1;
     void (*cancel)() = nullptr;
     std::vector<unsigned> readers; // numbers of the sources that read from X
     Source* source = nullptr;
@@ -81,10 +83,18 @@ struct Watch {
 Watch g_Watch;
 bool g_Broken = false;
 
+/// Whether the server has hung up. A thread of Qt's reads from the connection and notes that
+/// it is broken; until it gets its turn, only the socket knows.
+bool HasHungUp() {
+    pollfd socket{g_Watch.socket, POLLIN, 0};
+    return g_Watch.socket >= 0 && poll(&socket, 1, 0) > 0 &&
+           (socket.revents & (POLLHUP | POLLERR)) != 0;
+}
+
 int IsBroken() {
     // Beside an application of the host's the connection is no business of ours.
     return g_Watch.hasError != nullptr && QCoreApplication::instance() == g_Watch.application &&
-           g_Watch.hasError(g_Watch.connection) != 0;
+           (g_Watch.hasError(g_Watch.connection) != 0 || HasHungUp());
 }
 
 Source* FindSource(unsigned number) {
@@ -142,8 +152,10 @@ void WatchX(QApplication& application, const SourcesBefore& before, void (*cance
     if (QGuiApplication::platformName() != "xcb" || before.First() == 0) return;
     auto* native = application.nativeInterface<QNativeInterface::QX11Application>();
     if (native == nullptr || native->connection() == nullptr) return;
-    g_Watch = {&application, native->connection(), nullptr, cancel, {}, nullptr};
+    g_Watch = {&application, native->connection(), nullptr, -1, cancel, {}, nullptr};
     g_Watch.hasError = Find<int(void*)>("libxcb.so.1", "xcb_connection_has_error");
+    if (auto* socketOf = Find<int(void*)>("libxcb.so.1", "xcb_get_file_descriptor"))
+        g_Watch.socket = socketOf(g_Watch.connection);
     const unsigned last = Attach(kWatching, g_Watch.source);
     for (unsigned number = before.First(); number < last; ++number) {
         Source* reader = FindSource(number);
