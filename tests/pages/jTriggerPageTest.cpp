@@ -3,7 +3,6 @@
 
 #include "tests/pages/PagesTest.h"
 
-using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 namespace {

@@ -55,7 +55,7 @@ TEST(TxtScan, CutsTextsIntoTokens) {
 
     EXPECT_TRUE(Dump("0." + std::string(400, '0') + "1").ends_with("=0 8: 1.404+403"));
 
-    const auto expectError = [](const std::string& message, std::vector<std::string> texts) {
+    const auto expectError = [](const std::string& message, const std::vector<std::string>& texts) {
         for (const std::string& text : texts)
             EXPECT_EQ(Dump(text), "0:" + message + " 1.1+0") << text;
     };

@@ -91,7 +91,7 @@ bool HasHungUp() {
            (socket.revents & (POLLHUP | POLLERR)) != 0;
 }
 
-int IsBroken() {
+bool IsBroken() {
     // Beside an application of the host's the connection is no business of ours.
     return g_Watch.hasError != nullptr && QCoreApplication::instance() == g_Watch.application &&
            (g_Watch.hasError(g_Watch.connection) != 0 || HasHungUp());
@@ -116,7 +116,7 @@ SourceFunctions g_Reading{};         // of a reader, with our own dispatch
 decltype(g_Reading.dispatch) g_Read; // Qt's
 
 int ReadUnlessBroken(void* source, int (*callback)(void*), void* data) {
-    return IsBroken() != 0 ? 1 : g_Read(source, callback, data);
+    return IsBroken() ? 1 : g_Read(source, callback, data);
 }
 
 void StandBefore(Source& reader) {
@@ -125,11 +125,11 @@ void StandBefore(Source& reader) {
     reader.functions = &g_Reading;
 }
 
-constexpr SourceFunctions kWatching = {[](void*, int* timeout) {
+constexpr SourceFunctions kWatching = {[](void*, int* timeout) -> int {
                                            *timeout = -1;
-                                           return IsBroken();
+                                           return IsBroken() ? 1 : 0;
                                        },
-                                       [](void*) { return IsBroken(); },
+                                       [](void*) { return IsBroken() ? 1 : 0; },
                                        Dispatch,
                                        nullptr,
                                        {}};
@@ -180,7 +180,7 @@ void UnwatchX() {
 }
 
 bool HasXBroken() {
-    return g_Broken || IsBroken() != 0;
+    return g_Broken || IsBroken();
 }
 
 } // namespace qt
