@@ -49,7 +49,8 @@ public:
     /// with all that it handed out. Does nothing for a null object or an index
     /// outside the table. While an operation of it is running, its dialogs end as
     /// cancelled, the host's interfaces are not called any more, and the object goes when
-    /// the outermost call has ended; the host may let go of its own objects at once.
+    /// the outermost call has ended; the host may let go of its own objects at once,
+    /// unless another component is there that uses them.
     virtual void DestroyRowObject(int32_t row, IOrnInterface* object) = 0;
 
     /// Slot 11. Tells the module the full path of its own file; copied. Null
