@@ -8,7 +8,7 @@
 #include <cstdlib>
 #include <sstream>
 
-#include "host/command.h"
+#include "host/target/command.h"
 
 using namespace etmhost;
 

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <cstdlib>
 
-#include "host/expression.h"
+#include "host/target/expression.h"
 
 using namespace etmhost;
 

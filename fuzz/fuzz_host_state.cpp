@@ -6,8 +6,8 @@
 #include <fstream>
 #include <iterator>
 
-#include "host/host_error.h"
-#include "host/state_file.h"
+#include "host/commandline/state_file.h"
+#include "host/support/host_error.h"
 
 using namespace etmhost;
 

@@ -5,8 +5,8 @@
 
 #include <cstdlib>
 
-#include "host/host_error.h"
-#include "host/symbols.h"
+#include "host/support/host_error.h"
+#include "host/target/symbols.h"
 
 using namespace etmhost;
 

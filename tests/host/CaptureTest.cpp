@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "host/target.h"
+#include "host/target/target.h"
 
 namespace etmhost {
 namespace {

@@ -1,12 +1,12 @@
 // The command language, and the expressions in it.
 
-#include "host/command.h"
+#include "host/target/command.h"
 
 #include <gtest/gtest.h>
 
 #include <sstream>
 
-#include "host/journal.h"
+#include "host/support/words.h"
 #include "testkit/TemporaryDirectory.h"
 
 namespace etmhost {

@@ -1,12 +1,12 @@
-#include "host/host_interfaces.h"
+#include "host/module/host_interfaces.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <sstream>
 
-#include "host/host_error.h"
-#include "host/module_session.h"
+#include "host/module/module_session.h"
+#include "host/support/host_error.h"
 
 namespace etmhost {
 namespace {

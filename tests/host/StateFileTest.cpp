@@ -1,11 +1,11 @@
-#include "host/state_file.h"
+#include "host/commandline/state_file.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <thread>
 
-#include "host/host_error.h"
+#include "host/support/host_error.h"
 #include "testkit/TemporaryDirectory.h"
 
 using ::testing::HasSubstr;

@@ -3,7 +3,7 @@
 
 #pragma once
 
-#include "host/module_session.h"
+#include "host/module/module_session.h"
 #include "testkit/RecordingHost.h"
 
 class LoadedModule {

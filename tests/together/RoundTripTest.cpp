@@ -7,7 +7,7 @@
 #include <random>
 
 #include "frame/slots.h"
-#include "host/module_session.h"
+#include "host/module/module_session.h"
 #include "testkit/TemporaryDirectory.h"
 #include "toolkit/CWinApp.h"
 #include "toolkit/headless/HeadlessDisplay.h"

@@ -1,0 +1,45 @@
+// What etmhost does on each of its commands.
+
+#pragma once
+
+#include <iosfwd>
+#include <string>
+#include <vector>
+
+#include "host/module/module_session.h"
+
+namespace etmhost {
+
+/// The name under which the program itself complains.
+inline constexpr const char* kProgram = "etmhost";
+
+/// Exit statuses.
+enum Status : int {
+    kDone = 0,
+    kFailed = 1,   ///< the target refused a command, or the module failed
+    kBadInput = 2, ///< there was nothing to work with
+};
+
+/// Lists the chips.
+Status ShowChips(std::ostream& out);
+
+/// Prints what the host's target is and holds.
+Status ShowTarget(const SimulatedHost& host, std::ostream& out);
+
+/// Carries out `commands` in order, and prints those that were. A refused one is a matter of the
+/// host's journal.
+Status RunCommands(SimulatedHost& host, const std::vector<std::string>& commands,
+                   std::ostream& out);
+
+/// Shows the dialog, and returns when it has closed. Failures go to `errors`.
+Status OpenDialog(ModuleSession& session, SimulatedHost& host, std::ostream& errors);
+
+/// Sends the module's settings to the target.
+Status Apply(ModuleSession& session, SimulatedHost& host, std::ostream& out, std::ostream& errors);
+
+/// Has the module settle its board file, and prints what it answers. A dialog that cannot open to
+/// ask goes to `errors` too.
+Status InitBoardFile(ModuleSession& session, SimulatedHost& host, const std::string& directory,
+                     std::ostream& out, std::ostream& errors);
+
+} // namespace etmhost

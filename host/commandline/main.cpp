@@ -1,0 +1,170 @@
+// etmhost: a debugger host with simulated chips, to develop and try the module against.
+
+#include <CLI/CLI.hpp>
+#include <iostream>
+#include <optional>
+
+#include "host/commandline/screen.h"
+#include "host/commandline/state_file.h"
+#include "host/support/host_error.h"
+#include "host/target/symbols.h"
+
+namespace etmhost {
+
+namespace {
+
+struct Options {
+    std::string chip = "arm926";
+    std::string state;
+    std::string module;
+    std::string symbols;
+    std::string directory;
+    std::vector<std::string> commands;
+    TourOptions tour;
+    bool journal = false;
+};
+
+std::filesystem::path ToPath(const std::string& text) {
+    if (const auto path = NativePath(text)) return *path;
+    throw HostError("\"" + text + "\" is no file name");
+}
+
+std::filesystem::path ModuleFile(const Options& options) {
+    if (!options.module.empty()) return ToPath(options.module);
+    return ExecutableFile().replace_filename(std::string("KVETMControl") + LibraryExtension());
+}
+
+Status RunWithModule(const std::string& command, const Options& options, SimulatedHost& host) {
+    Screen screen;
+    if (command == "tour")
+        screen = PrepareTour(options.tour);
+    else if (options.tour.dark)
+        screen = PrepareDarkScreen();
+    LoadedModule module(ModuleFile(options));
+    ModuleSession session(module.object(), module.path(), host);
+    if (command == "apply") return Apply(session, host, std::cout, std::cerr);
+    if (command == "init-board")
+        return InitBoardFile(session, host, options.directory, std::cout, std::cerr);
+    if (command == "tour") return Tour(session, host, options.tour, std::cerr);
+    return OpenDialog(session, host, std::cerr);
+}
+
+Status Run(const std::string& command, const Options& options) {
+    if (command == "chips") return ShowChips(std::cout);
+    const Chip* chip = FindChip(options.chip);
+    if (chip == nullptr) {
+        throw HostError("there is no chip \"" + options.chip +
+                        "\"; \"etmhost chips\" lists those there are");
+    }
+    const bool journal = options.journal || command == "tour";
+    SimulatedHost host(*chip,
+                       options.symbols.empty() ? Symbols() : ReadSymbols(ToPath(options.symbols)),
+                       Journal(journal ? &std::cout : nullptr, &std::cerr));
+    std::optional<StateFile> state;
+    std::string failure; // why the last change could not be kept
+    if (!options.state.empty()) {
+        state.emplace(ToPath(options.state));
+        state->Load(host);
+        host.transaction = [&](const std::function<void()>& change) {
+            try {
+                state->Update(host, change);
+                failure.clear();
+            } catch (const HostError& error) {
+                if (failure != error.what()) { // else it has been told
+                    failure = error.what();
+                    PrintRefusal(std::cerr, kProgram, failure);
+                }
+            }
+        };
+    }
+    if (command == "show") return ShowTarget(host, std::cout);
+    Status status = kDone;
+    if (command == "run")
+        status = RunCommands(host, options.commands, std::cout);
+    else
+        status = RunWithModule(command, options, host);
+    host.transaction([] {}); // the last try to keep what could not be kept before
+    return failure.empty() ? status : kBadInput;
+}
+
+void Describe(CLI::App& app, Options& options) {
+    app.require_subcommand(1);
+    app.option_defaults()->always_capture_default();
+    app.add_option("--chip", options.chip, "The chip to simulate")->type_name("NAME");
+    app.option_defaults()->always_capture_default(false);
+    app.add_option("--state", options.state,
+                   "Keep the simulated target and the named settings in FILE")
+        ->type_name("FILE");
+    app.add_option("--module", options.module,
+                   "The module to load; usually the one beside this program")
+        ->type_name("FILE");
+    app.add_option("--symbols", options.symbols, "Take symbols for addresses from the ELF FILE")
+        ->type_name("FILE");
+    app.add_flag("--journal", options.journal,
+                 "Print every call of the module to the host with its answer; of those that poll "
+                 "the capture only the ones with news");
+    app.add_flag("--dark", options.tour.dark, "Show windows in dark colours");
+
+    const auto command = [&app](const char* name, const char* text) {
+        CLI::App* sub = app.add_subcommand(name, text);
+        sub->fallthrough(); // the options above may stand behind the command too
+        return sub;
+    };
+    command("chips", "List the chips");
+    command("show", "Print what the target is and holds");
+    command("run", "Carry out commands of the host's language on the target")
+        ->add_option("COMMAND", options.commands, "Commands such as 'etm pc=all'")
+        ->required()
+        ->type_name("");
+    command("open", "Show the dialog");
+    command("apply", "Send the module's settings to the target");
+    command("init-board", "Settle the board file, and ask for it if need be")
+        ->add_option("--directory", options.directory,
+                     "Where board files are; usually the directory of the module")
+        ->type_name("DIR");
+    CLI::App* tour = command(
+        "tour", "Go through the dialog off-screen, take pictures and print the conversation");
+    tour->add_option("DIR", options.tour.directory, "Receives the pictures; made if missing")
+        ->required()
+        ->type_name("");
+    tour->add_option("--font", options.tour.font, "In the font NAME")->type_name("NAME");
+    tour->add_option("--scale", options.tour.scale, "At FACTOR times the size")
+        ->type_name("FACTOR")
+        ->check(CLI::Range(0.5, 4.0));
+}
+
+Status Main(int argc, char** argv) {
+    Options options;
+    CLI::App app("A debugger host with simulated chips, which loads and drives the trace module.",
+                 "etmhost");
+    Describe(app, options);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        if (app.get_subcommands().empty() && !app.remaining().empty()) {
+            const std::string first = app.remaining().front();
+            throw HostError("there is no " + std::string(first[0] == '-' ? "option" : "command") +
+                            " \"" + first + "\"; \"etmhost --help\" lists those there are");
+        }
+        if (error.get_exit_code() != 0) throw HostError(error.what());
+        app.exit(error); // help was asked for
+        return kDone;
+    }
+    const Status status = Run(app.get_subcommands().front()->get_name(), options);
+    std::cout.flush();
+    if (!std::cout) throw HostError("cannot write to the standard output");
+    return status;
+}
+
+} // namespace
+
+} // namespace etmhost
+
+int main(int argc, char** argv) {
+    try {
+        return etmhost::Main(argc, argv);
+    } catch (const std::exception& error) {
+        etmhost::PrintRefusal(std::cerr, etmhost::kProgram, error.what());
+        return etmhost::kBadInput;
+    }
+}

@@ -1,0 +1,65 @@
+// The module at work in this host.
+
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+#include "frame/interfaces/IOrnAPIBase.h"
+#include "frame/interfaces/IOrnKVETMCtrl.h"
+#include "frame/interfaces/IOrnKVETMSupp.h"
+#include "host/module/host_interfaces.h"
+#include "host/support/system.h"
+
+namespace etmhost {
+
+/// A module library in memory.
+class LoadedModule {
+public:
+    /// Loads the library `file`. Throws HostError if there is none or it is no module.
+    explicit LoadedModule(const std::filesystem::path& file);
+
+    IOrnAPIBase& object() { return *m_Object; }
+
+    /// Returns the full path of the module's file as text.
+    std::string path() const { return PathText(m_File); }
+
+private:
+    std::filesystem::path m_File;
+    Library m_Library;
+    IOrnAPIBase* m_Object;
+};
+
+/// One control component of a module, from its creation to its destruction, attached to a host.
+class ModuleSession {
+public:
+    /// Goes through the steps that a host owes the module, up to a successful Init. Both `module`
+    /// and `host` must outlive the session. Throws HostError if the module offers no control
+    /// component, requires an interface that this host does not have, or fails in Init.
+    ModuleSession(IOrnAPIBase& module, const std::string& path, SimulatedHost& host);
+
+    /// Takes the interfaces back and destroys the component.
+    ~ModuleSession();
+
+    ModuleSession(const ModuleSession&) = delete;
+    ModuleSession& operator=(const ModuleSession&) = delete;
+
+    IOrnKVETMCtrl& control() { return *m_Control; }
+
+    /// Returns the text of the last failure of the control component.
+    std::string LastError();
+
+    /// Returns the support component. Throws HostError if the module does not offer it.
+    IOrnKVETMSupp& support();
+
+private:
+    void Attach();
+    void TearDown();
+
+    IOrnAPIBase& m_Module;
+    SimulatedHost& m_Host;
+    int32_t m_Row = 0;
+    IOrnKVETMCtrl* m_Control = nullptr;
+};
+
+} // namespace etmhost

@@ -1,0 +1,88 @@
+#include "host/support/words.h"
+
+#include <algorithm>
+#include <cstdio>
+
+namespace etmhost {
+
+namespace {
+
+char Lower(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+} // namespace
+
+bool IsBlank(char c) {
+    return c == ' ' || c == '\t';
+}
+
+bool IsDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+
+bool IsLetter(char c) {
+    return Lower(c) >= 'a' && Lower(c) <= 'z';
+}
+
+bool EqualNoCase(std::string_view a, std::string_view b) {
+    return std::equal(
+        a.begin(), a.end(), b.begin(), b.end(),
+        [](char x, char y) { return Lower(x) == Lower(y); });
+}
+
+std::string_view SkipBlanks(std::string_view text) {
+    text.remove_prefix(std::min(text.find_first_not_of(" \t"), text.size()));
+    return text;
+}
+
+std::string_view Trim(std::string_view text) {
+    text = SkipBlanks(text);
+    while (!text.empty() && IsBlank(text.back())) text.remove_suffix(1);
+    return text;
+}
+
+std::string_view TakeWord(std::string_view& text, std::string_view stops) {
+    text = SkipBlanks(text);
+    size_t end = 0;
+    while (end < text.size() && !IsBlank(text[end]) &&
+           stops.find(text[end]) == std::string_view::npos)
+        ++end;
+    const std::string_view word = text.substr(0, end);
+    text = SkipBlanks(text.substr(end));
+    return word;
+}
+
+std::string Escape(std::string_view text, std::string_view marked) {
+    std::string escaped;
+    for (const char c : text) {
+        const unsigned char byte = static_cast<unsigned char>(c);
+        if (c == '\n' || c == '\r' || c == '\t') {
+            escaped += c == '\n' ? "\\n" : c == '\r' ? "\\r" : "\\t";
+        } else if (byte < 0x20 || byte == 0x7F) {
+            char code[8];
+            std::snprintf(code, sizeof code, "\\x%02X", byte);
+            escaped += code;
+        } else {
+            escaped += marked.find(c) != std::string_view::npos ? "\\" : "";
+            escaped += c;
+        }
+    }
+    return escaped;
+}
+
+std::string Quote(const char* text) {
+    return text != nullptr ? "\"" + Escape(text, "\"\\") + "\"" : "null";
+}
+
+std::string Hex(uint32_t value) {
+    char text[16];
+    std::snprintf(text, sizeof text, "0x%X", static_cast<unsigned>(value));
+    return text;
+}
+
+std::string YesNo(bool value) {
+    return value ? "yes" : "no";
+}
+
+} // namespace etmhost

@@ -1,0 +1,18 @@
+// The capability report: what the ETM of a chip offers, in words.
+
+#pragma once
+
+#include <string>
+
+#include "host/target/chips.h"
+
+namespace etmhost {
+
+/// Returns the report of `chip`, made from its registers: lines "label: value", each ended by a
+/// line feed. The labels are those that the module looks for.
+std::string CapabilityReport(const Chip& chip);
+
+/// Returns the general control word in words, one line feed behind each line.
+std::string DescribeControlWord(uint32_t word);
+
+} // namespace etmhost
