@@ -42,7 +42,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (size == 0) return 0;
     static const int board = memfd_create("board", 0);
     static const Symbols symbols = {{"main", 0x8000}, {"a.b", 1}};
-    Target target(Chips()[data[0] % Chips().size()]);
+    Target target(Chips()[data[0] % Chips().size()], symbols);
     CommandLanguage language(target, symbols);
     std::string_view text(reinterpret_cast<const char*>(data) + 1, size - 1);
     while (!text.empty() && text.front() != '\n') {
@@ -61,10 +61,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     CheckRefusal(macro, language.Execute(macro, nullptr));
 
     Require((target.state.control & ~0x33Fu) == 0); // the bits that the contract names
-    const std::vector<uint32_t> ports = PortSizes(target.chip());
-    Require(std::find(ports.begin(), ports.end(), target.state.trace.portSize) != ports.end());
-    for (int step = 0; step < 20; ++step) target.Step();
-    Require(target.state.capture.captured <= target.chip().bufferSize);
+    const std::vector<uint32_t> ports = PortSizes(target.hardware().portSizes);
+    Require(std::find(ports.begin(), ports.end(), target.Settings().portSize) != ports.end());
+    for (int step = 0; step < 20; ++step) target.Poll();
+    Require(target.state.capture.captured <= target.hardware().capacity);
     // The settings lines are commands that the target takes, but for their spaces.
     for (const std::string& line : target.SettingsLines()) Require(line.starts_with("ETM "));
     return 0;

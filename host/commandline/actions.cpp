@@ -5,6 +5,7 @@
 #include <sstream>
 
 #include "host/support/words.h"
+#include "host/target/etm_registers.h"
 #include "host/target/report.h"
 
 namespace etmhost {
@@ -17,6 +18,23 @@ void PrintIndented(std::ostream& out, const std::string& text) {
     for (std::string line; std::getline(in, line);) out << "  " << line << '\n';
 }
 
+void PrintComparators(std::ostream& out, const std::vector<DwtComparator>& comparators) {
+    if (comparators.empty()) return;
+    out << "\nDWT comparators\n";
+    for (size_t index = 0; index < comparators.size(); ++index) {
+        const DwtComparator& comparator = comparators[index];
+        out << "  " << index << ": ";
+        if (comparator.function == 0)
+            out << "off";
+        else if (comparator.function == DWT_FUNCTION_ETM_PC)
+            out << Hex(comparator.address) << ", tells the ETM";
+        else
+            out << Hex(comparator.address) << ", in use by a debugger (function "
+                << Hex(comparator.function) << ")";
+        out << (comparator.lost ? "; what was set here is lost\n" : "\n");
+    }
+}
+
 const char* DescribeState(const Capture& capture) {
     return !capture.running ? "stopped" : capture.triggered ? "running, triggered" : "running";
 }
@@ -25,23 +43,34 @@ const char* DescribeState(const Capture& capture) {
 
 Status ShowChips(std::ostream& out) {
     for (const Chip& chip : Chips())
-        out << std::left << std::setw(11) << chip.name << chip.description << '\n';
+        out << std::left << std::setw(15) << chip.name << chip.description << '\n';
     return kDone;
 }
 
-Status ShowTarget(const SimulatedHost& host, std::ostream& out) {
-    const Chip& chip = host.target.chip();
-    const TargetState& state = host.target.state;
-    out << chip.name << ": " << chip.description << "\n\nETM Resources\n";
-    PrintIndented(out, CapabilityReport(chip));
+Status ShowTarget(SimulatedHost& host, std::ostream& out) {
+    Target& target = host.target;
+    const TraceHardware& hardware = target.hardware();
+    target.Look();
+    const TargetState& state = target.state;
+    const uint32_t control = target.Control();
+    const TraceSettings trace = target.Settings();
+    out << hardware.name << ": " << hardware.description << "\n\nETM Resources\n";
+    PrintIndented(out, CapabilityReport(hardware.etm));
     out << "\nTrace settings\n";
-    for (const std::string& line : host.target.SettingsLines()) PrintIndented(out, line);
-    out << "\nControl word " << Hex(state.control) << '\n';
-    PrintIndented(out, DescribeControlWord(state.control));
+    for (const std::string& line : target.SettingsLines()) PrintIndented(out, line);
+    if (trace.pcPending) out << "  the PC range is pending: it takes its other end\n";
+    if (trace.dataPending) out << "  the data range is pending: it takes its other end\n";
+    PrintComparators(out, target.DwtComparators());
+    out << "\nControl word " << Hex(control) << '\n';
+    PrintIndented(out, DescribeControlWord(control));
     out << "\nCapture\n  " << DescribeState(state.capture) << ", state word "
-        << Hex(host.target.StateWord()) << "\n  " << state.capture.captured << " of "
-        << chip.bufferSize << " words in the trace buffer\n  " << state.triggerCount
-        << " words to capture behind the trigger\n  " << chip.info << '\n';
+        << Hex(target.StateWord()) << '\n';
+    if (hardware.capacity > 0) {
+        out << "  " << state.capture.captured << " of " << hardware.capacity
+            << " words in the trace buffer\n  " << target.TriggerCount()
+            << " words to capture behind the trigger\n";
+    }
+    out << "  " << hardware.info << '\n';
     out << "\nBoard\n  trace pins are " << (state.pinsReady ? "switched on" : "off")
         << "\n  last macro: " << (state.macro.empty() ? "none" : state.macro) << '\n';
     for (const auto& [section, keys] : host.settings)

@@ -24,7 +24,7 @@ enum Status : int {
 Status ShowChips(std::ostream& out);
 
 /// Prints what the host's target is and holds.
-Status ShowTarget(const SimulatedHost& host, std::ostream& out);
+Status ShowTarget(SimulatedHost& host, std::ostream& out);
 
 /// Carries out `commands` in order, and prints those that were. A refused one is a matter of the
 /// host's journal.

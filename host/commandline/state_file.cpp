@@ -59,6 +59,23 @@ template <class Enum> Enum ToEnum(const Json& value, Enum last) {
     return static_cast<Enum>(number);
 }
 
+Json FromNumbers(const std::map<uint32_t, uint32_t>& numbers) {
+    Json json = Json::object();
+    for (const auto& [key, value] : numbers) json[Hex(key)] = value;
+    return json;
+}
+
+std::map<uint32_t, uint32_t> ToNumbers(const Json& json) {
+    std::map<uint32_t, uint32_t> numbers;
+    for (const auto& [key, value] : json.items()) {
+        size_t used = 0;
+        const unsigned long number = std::stoul(key, &used, 16);
+        if (used != key.size() || number > UINT32_MAX) throw HostError(key + " is no address");
+        numbers[static_cast<uint32_t>(number)] = ToWord(value);
+    }
+    return numbers;
+}
+
 Json FromTarget(const TargetState& state) {
     const TraceSettings& trace = state.trace;
     const Capture& capture = state.capture;
@@ -75,7 +92,11 @@ Json FromTarget(const TargetState& state) {
               {"dataEnd", FromText(trace.dataEnd)},
               {"trigger", FromText(trace.trigger)},
               {"portSize", trace.portSize},
-              {"halfRate", trace.halfRate}}},
+              {"halfRate", trace.halfRate},
+              {"pcPending", trace.pcPending},
+              {"dataPending", trace.dataPending}}},
+            {"registers", FromNumbers(state.registers)},
+            {"dwt", FromNumbers(state.dwt)},
             {"capture",
              {{"running", capture.running},
               {"ended", capture.ended},
@@ -101,6 +122,10 @@ TargetState ToTarget(const Json& json) {
     state.trace.trigger = ToText(trace.at("trigger"));
     state.trace.portSize = ToWord(trace.at("portSize"));
     state.trace.halfRate = trace.at("halfRate").get<bool>();
+    state.trace.pcPending = trace.value("pcPending", false);
+    state.trace.dataPending = trace.value("dataPending", false);
+    state.registers = ToNumbers(json.value("registers", Json::object()));
+    state.dwt = ToNumbers(json.value("dwt", Json::object()));
     const Json& capture = json.at("capture");
     state.capture.running = capture.at("running").get<bool>();
     state.capture.ended = capture.at("ended").get<bool>();
@@ -216,9 +241,14 @@ StateFile::~StateFile() = default;
 void StateFile::Load(SimulatedHost& host) {
     Undamaged(m_File, [this, &host] {
         const Json& targets = m_Document->root.at("targets");
-        const auto target = targets.find(host.target.chip().name);
+        const auto target = targets.find(host.target.hardware().name);
         NamedSettings settings = ToSettings(m_Document->root.at("settings"));
-        if (target != targets.end()) host.target.state = ToTarget(*target);
+        if (target != targets.end()) {
+            host.target.state = ToTarget(*target);
+            // A file of the time when chips had no registers.
+            if (host.target.IsSimulated() && !target->contains("registers"))
+                host.target.Reprogram();
+        }
         host.settings = std::move(settings);
     });
     m_Document->base = FromHost(host);
@@ -243,7 +273,7 @@ void StateFile::Update(SimulatedHost& host, const std::function<void()>& change)
 
 // Takes over what others have written, but for what this host has not been able to write.
 void StateFile::Pull(SimulatedHost& host) {
-    const std::string chip = host.target.chip().name;
+    const std::string chip = host.target.hardware().name;
     const Json own = FromHost(host);
     Json agreed = {{"target", m_Document->root["targets"].value(chip, own["target"])},
                    {"settings", m_Document->root["settings"]}};
@@ -265,7 +295,7 @@ void StateFile::Push(const SimulatedHost& host) {
     const Json own = FromHost(host);
     Json root = m_Document->root;
     Json& targets = root["targets"];
-    const char* chip = host.target.chip().name;
+    const std::string& chip = host.target.hardware().name;
     Merge(targets[chip], m_Document->base["target"], own["target"]);
     Merge(root["settings"], m_Document->base["settings"], own["settings"]);
     if (root == m_Document->root) return;

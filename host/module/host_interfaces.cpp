@@ -30,13 +30,17 @@ const char* HostVETMTrace::Command(const char* text, std::ostream* stream) {
 }
 
 const char* HostVETMTrace::GetInfoText(uint32_t which) {
-    const char* text = which == 0 ? m_Target.chip().info : nullptr;
+    const char* text = which == 0 ? m_Target.hardware().info.c_str() : nullptr;
     m_Journal.Call("GetInfoText " + std::to_string(which), Quote(text));
     return text;
 }
 
 uint32_t HostVETMTrace::GetTraceState(uint32_t* detail) {
-    m_Transaction([this] { m_Target.Step(); });
+    Refusal refusal;
+    m_Transaction([&] { refusal = m_Target.Poll(); });
+    // A target that does not answer says so once, not with each look.
+    if (refusal && refusal != m_PollRefusal) m_Journal.Refused("GetTraceState", *refusal);
+    m_PollRefusal = refusal;
     const uint32_t state = m_Target.StateWord();
     if (detail != nullptr) *detail = m_Target.state.capture.captured;
     // The dialog polls by its clock. Only news goes into the journal, so that it does not depend on
@@ -48,10 +52,11 @@ uint32_t HostVETMTrace::GetTraceState(uint32_t* detail) {
 }
 
 OrnBool HostVETMTrace::HasFeature(uint32_t feature) {
-    const Chip& chip = m_Target.chip();
-    const bool has = (feature == ORN_FEATURE_ETB && chip.path == TracePath::Etb) ||
-                     (feature == ORN_FEATURE_TPIU && chip.path == TracePath::Tpiu) ||
-                     (feature == ORN_FEATURE_CORTEX_M3 && chip.cortexM3);
+    const TraceHardware& hardware = m_Target.hardware();
+    const bool buffer = hardware.sink == SinkKind::Buffer;
+    const bool has = (feature == ORN_FEATURE_ETB && buffer) ||
+                     (feature == ORN_FEATURE_TPIU && !buffer && hardware.tpiuBase) ||
+                     (feature == ORN_FEATURE_CORTEX_M3 && hardware.etm.TakesIndexes());
     m_Journal.Call("HasFeature " + Hex(feature), YesNo(has));
     return static_cast<OrnBool>(has);
 }
@@ -70,30 +75,30 @@ OrnBool HostVETMTrace::SetValue(uint32_t id, uint32_t value) {
     return static_cast<OrnBool>(!refusal);
 }
 
-bool HostVETMTrace::Read(uint32_t id, uint32_t& value) const {
-    const Chip& chip = m_Target.chip();
+bool HostVETMTrace::Read(uint32_t id, uint32_t& value) {
+    const TraceHardware& hardware = m_Target.hardware();
     switch (id) {
     case ORN_VALUE_CONTROL:
-        value = m_Target.state.control;
+        value = m_Target.Control();
         return true;
     case ORN_VALUE_BUFFER_SIZE:
-        value = chip.bufferSize;
+        value = hardware.capacity;
         return true;
     case ORN_VALUE_TRIGGER_COUNT:
-        value = m_Target.state.triggerCount;
+        value = m_Target.TriggerCount();
         return true;
     case ORN_VALUE_PORT_SIZES:
-        value = chip.portSizeMask;
+        value = hardware.portSizes;
         return true;
     case ORN_VALUE_ETMCCR:
-        value = chip.configCode;
+        value = hardware.ids.configCode;
         return true;
     case ORN_VALUE_ETMSCR:
-        value = chip.systemConfig;
+        value = hardware.ids.systemConfig;
         return true;
     case ORN_VALUE_ETMIDR:
-        value = chip.id;
-        return (chip.configCode & ORN_ETMCCR_HAS_ID) != 0;
+        value = hardware.ids.id;
+        return (hardware.ids.configCode & ORN_ETMCCR_HAS_ID) != 0;
     default:
         return false;
     }
@@ -101,16 +106,29 @@ bool HostVETMTrace::Read(uint32_t id, uint32_t& value) const {
 
 OrnBool HostVETMTrace::GetValue(uint32_t id, uint32_t* value) {
     uint32_t read = 0;
-    const bool known = value != nullptr && Read(id, read);
+    std::string refusal = "There is no such value to read";
+    bool known = false;
+    try {
+        known = value != nullptr && Read(id, read);
+    } catch (const BusError& error) {
+        refusal = error.what();
+    }
     if (known) *value = read;
     const std::string call = "GetValue " + Hex(id);
     m_Journal.Call(call, known ? Hex(read) : "refused");
-    if (!known) m_Journal.Refused(call, "There is no such value to read");
+    if (!known) m_Journal.Refused(call, refusal);
     return static_cast<OrnBool>(known);
 }
 
 const char* HostVETMTrace::GetSettingsLine(uint32_t index) {
-    if (index == 0) m_Lines = m_Target.SettingsLines();
+    if (index == 0) {
+        m_Lines.clear();
+        try {
+            m_Lines = m_Target.SettingsLines();
+        } catch (const BusError& error) {
+            m_Journal.Refused("GetSettingsLine 0", error.what());
+        }
+    }
     const char* line = index < m_Lines.size() ? m_Lines[index].c_str() : nullptr;
     m_Journal.Call("GetSettingsLine " + std::to_string(index), Quote(line));
     return line;
@@ -183,10 +201,19 @@ OrnBool HostXTraceClient::ReadSetting(const char* section, const char* key, int3
 // --- The host --------------------------------------------------------------------------
 
 SimulatedHost::SimulatedHost(const Chip& chip, Symbols addresses, Journal log)
-    : target(chip), symbols(std::move(addresses)), journal(log), api(ORN_API, 100, journal),
-      trace(target, symbols, transaction, journal), traceClient(symbols, journal),
-      xTraceClient(settings, transaction, journal), xTrace(ORN_XTRACE, 100, journal),
-      emu(ORN_EMU, 100, journal) {}
+    : symbols(std::move(addresses)), journal(log), target(chip, symbols),
+      api(ORN_API, 100, journal), trace(target, symbols, transaction, journal),
+      traceClient(symbols, journal), xTraceClient(settings, transaction, journal),
+      xTrace(ORN_XTRACE, 100, journal), emu(ORN_EMU, 100, journal) {}
+
+SimulatedHost::SimulatedHost(std::unique_ptr<RegisterBus> bus, const TraceHardware& hardware,
+                             Symbols addresses, Journal log)
+    : symbols(std::move(addresses)), journal(log),
+      target(std::move(bus), hardware, symbols,
+             [this](const std::string& text) { journal.Tell(text); }),
+      api(ORN_API, 100, journal), trace(target, symbols, transaction, journal),
+      traceClient(symbols, journal), xTraceClient(settings, transaction, journal),
+      xTrace(ORN_XTRACE, 100, journal), emu(ORN_EMU, 100, journal) {}
 
 IOrnInterface* SimulatedHost::Find(const std::string& name) {
     const struct {

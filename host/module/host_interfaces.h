@@ -62,13 +62,14 @@ public:
     const char* GetSettingsLine(uint32_t index) override;
 
 private:
-    bool Read(uint32_t id, uint32_t& value) const;
+    bool Read(uint32_t id, uint32_t& value);
 
     Target& m_Target;
     const Transaction& m_Transaction;
     CommandLanguage m_Language;
     std::string m_Refusal;            // keeps the text that Command returned
     std::vector<std::string> m_Lines; // of the pass that runs
+    Refusal m_PollRefusal;            // why the last look at the capture failed
     bool m_StateKnown = false;
     uint32_t m_LastState = 0; // the answer that the journal showed last
 };
@@ -99,17 +100,20 @@ private:
 /// A debugger host with one target. The interfaces borrow its members and live as long as it.
 class SimulatedHost {
 public:
+    /// With a simulated chip as its target, or with a real one behind `bus`.
     SimulatedHost(const Chip& chip, Symbols symbols, Journal journal);
+    SimulatedHost(std::unique_ptr<RegisterBus> bus, const TraceHardware& hardware, Symbols symbols,
+                  Journal journal);
     SimulatedHost(const SimulatedHost&) = delete;
     SimulatedHost& operator=(const SimulatedHost&) = delete;
 
     /// Returns the interface `name`, or null.
     IOrnInterface* Find(const std::string& name);
 
-    Target target;
-    NamedSettings settings;
     const Symbols symbols;
     Journal journal;
+    Target target;
+    NamedSettings settings;
 
     /// Around each change of the target and of the settings, which the module makes through the
     /// interfaces; initially there is nothing around it. Must not throw: its callers return into

@@ -13,6 +13,10 @@ void Journal::Refused(std::string_view command, std::string_view reasons) {
     if (m_Refusals != nullptr) PrintRefusal(*m_Refusals, command, reasons);
 }
 
+void Journal::Tell(const std::string& text) {
+    if (m_Refusals != nullptr) PrintRefusal(*m_Refusals, "etmhost", text);
+}
+
 void Journal::Step(const std::string& text) {
     if (m_Out != nullptr) *m_Out << "-- " << text << std::endl;
 }

@@ -23,6 +23,9 @@ public:
     /// What the host refused, and why: see PrintRefusal.
     void Refused(std::string_view command, std::string_view reasons);
 
+    /// What the host does beside what it was asked for; it goes where refusals go.
+    void Tell(const std::string& text);
+
     /// A step of the host itself: "-- text".
     void Step(const std::string& text);
 

@@ -42,6 +42,9 @@ public:
     /// Returns the word at `address`. Throws as Read does.
     uint32_t Read(uint32_t address) { return Read(std::span(&address, 1)).front(); }
 
+    /// Writes a word outside of the trace components, as board files do.
+    virtual void WriteMemory(uint32_t address, uint32_t value) { Write(address, value); }
+
     /// Has the other side prepare the pins of a trace port of `width` bits, by means of its own.
     /// Refused, in words, where it has none. Throws as Read does.
     virtual Refusal PreparePort(uint32_t width);

@@ -22,7 +22,7 @@ std::string_view WithoutSpace(std::string_view line) {
 } // namespace
 
 Refusal RunBoardFile(const std::string& path,
-                     const std::function<Refusal(std::string_view)>& execute) {
+                     const std::function<Refusal(int number, std::string_view line)>& execute) {
     const std::optional<std::filesystem::path> native = NativePath(path);
     std::error_code ignored;
     std::ifstream file;
@@ -36,7 +36,7 @@ Refusal RunBoardFile(const std::string& path,
     for (int number = 1; std::getline(file, text); ++number) {
         const std::string_view line = WithoutSpace(text);
         if (line.empty() || line.front() == ';') continue;
-        const Refusal refusal = execute(line);
+        const Refusal refusal = execute(number, line);
         if (refusal && ++count <= kMostReports) {
             problems +=
                 (problems.empty() ? "line " : "\nline ") + std::to_string(number) + ": " + *refusal;

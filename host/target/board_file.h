@@ -11,9 +11,10 @@
 namespace etmhost {
 
 /// Reads the file `path` and hands each line that is neither blank nor a comment to `execute`,
-/// without the white space around it. Refused are a file that cannot be read, and each refused line
-/// with a reason "line N: <reason>". Such a line does not keep the later ones from being run.
+/// without the white space around it and with its number, from 1. Refused are a file that cannot be
+/// read, and each refused line with a reason "line N: <reason>". Such a line does not keep the
+/// later ones from being run.
 Refusal RunBoardFile(const std::string& path,
-                     const std::function<Refusal(std::string_view)>& execute);
+                     const std::function<Refusal(int number, std::string_view line)>& execute);
 
 } // namespace etmhost

@@ -1,49 +1,81 @@
-// The chips that this host can pretend to be.
+// The chips that this host can pretend to be. Each is a description in JSON, in chips/, compiled
+// into the program.
 
 #pragma once
 
 #include <cstdint>
+#include <map>
+#include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace etmhost {
 
-/// Where the trace of a chip goes.
-enum class TracePath {
-    Emulator, ///< through a trace port into the emulator's buffer
-    Etb,      ///< into an on-chip buffer
-    Tpiu,     ///< through a TPIU into the emulator's buffer
+/// A part of a chip with registers at addresses of its own.
+struct ChipComponent {
+    enum class Kind {
+        Etm,
+        Tpiu,
+        Etb,
+        Dwt,
+        Scs,  ///< system control space, of which the chip itself has the trace power bit
+        Other ///< nothing but its identification
+    };
+
+    Kind kind = Kind::Other;
+    uint32_t address = 0;
+    uint32_t part = 0;                      ///< part number, of its identification registers
+    bool lock = false;                      ///< locked at first, also for a debugger
+    std::map<uint32_t, uint32_t> registers; ///< by offset: values after reset other than 0
+    std::vector<uint32_t> portSizes;        ///< of a TPIU, in bits
+    uint32_t words = 0;                     ///< depth of a trace buffer
+    uint32_t comparators = 0;               ///< of a DWT
 };
 
-/// One simulated chip, as its registers and its trace path describe it.
+/// What takes the trace of a chip.
+enum class SinkKind {
+    Emulator, ///< the simulated emulator's buffer
+    Buffer,   ///< an on-chip buffer
+    Port,     ///< somebody outside
+};
+
 struct Chip {
-    const char* name;        ///< what --chip takes
-    const char* description; ///< one line for people
-    const char* info;        ///< what the emulator or ETB says of itself
-    uint32_t configCode;     ///< ETM configuration code register, 0x004
-    uint32_t systemConfig;   ///< ETM system configuration register, 0x014
-    uint32_t id;             ///< ETM ID register, 0x1E4; present iff bit 31 of configCode
-    uint32_t portSizeMask;   ///< bit k: a port of k + 1 bits is on offer
-    uint32_t bufferSize;     ///< capacity of the trace buffer in 32-bit words
-    TracePath path;
-    bool cortexM3; ///< DWT comparators take the place of ETM addresses
+    std::string name;        ///< what --chip takes
+    std::string description; ///< one line for people
+    std::string info;        ///< what the emulator or ETB says of itself
+    std::vector<ChipComponent> components;
+    /// Where the ROM table stands. Without one the components can only be reached by a scan chain,
+    /// and their addresses are this program's own.
+    std::optional<uint32_t> romTable;
+    uint32_t romTablePart = 0;
+    std::vector<uint32_t> portSizes; ///< of the ETM's own port, in bits, ascending
+    SinkKind sink = SinkKind::Emulator;
+    uint32_t emulatorWords = 0; ///< the buffer of an emulator, in words of 32 bits
+
+    /// Returns the first component of `kind`, or null.
+    const ChipComponent* Find(ChipComponent::Kind kind) const;
 };
 
-/// What the registers of a chip say about its ETM.
-struct EtmResources {
-    uint32_t protocolVersion;
-    uint32_t archMajor, archMinor;
-    uint32_t addressPairs;
-    uint32_t dataComparators;
-    uint32_t memoryMapDecoders;
-    uint32_t counters;
-    uint32_t externalInputs, externalOutputs;
-    bool sequencer;
-    bool fifoFull;
-    bool halfRate, fullRate;
-    bool normalFormat, multiplexedFormat, demultiplexedFormat;
-};
+/// Reads a description, and returns the chip and those that its options make of it. Throws
+/// HostError with what is wrong.
+///
+///     {"name": "x", "description": "one line", "info": "text of the Status page",
+///      "portSizes": [4, 8],              of the ETM's own port, where there is no TPIU
+///      "romTable": {"address": "0xE00FF000", "part": "0x4C4"},      or none
+///      "components": [
+///        {"kind": "etm" | "tpiu" | "etb" | "dwt" | "scs" | "other",
+///         "address": "0xE0041000", "part": "0x925", "lock": true,
+///         "registers": {"ETMCCR": "0x8C802000", "0x1E4": "0x4114F250"},   after reset
+///         "portSizes": [1, 2, 4], "current": 1,      of a TPIU
+///         "words": 1024,                             of an ETB
+///         "comparators": 4}],                        of a DWT
+///      "sink": {"kind": "emulator", "words": 65536} | {"kind": "buffer"} | {"kind": "port"},
+///      "options": {"etb": {...}}}        a chip "x-etb": what stands there in place of the above
+///
+/// Registers go by the names of ETM registers or by offset; numbers may be texts such as "0x10".
+std::vector<Chip> ParseChips(std::string_view json);
 
 /// Returns all chips, the default one first.
 std::span<const Chip> Chips();
@@ -51,9 +83,10 @@ std::span<const Chip> Chips();
 /// Returns the chip `name`, letters in any case, or null.
 const Chip* FindChip(const std::string& name);
 
-EtmResources DecodeRegisters(const Chip& chip);
+/// Returns a mask of port sizes: bit k for a port of k + 1 bits.
+uint32_t PortSizeMask(std::span<const uint32_t> sizes);
 
-/// Returns the port widths on offer, in bits, ascending.
-std::vector<uint32_t> PortSizes(const Chip& chip);
+/// Returns the port sizes of `mask`, in bits, ascending.
+std::vector<uint32_t> PortSizes(uint32_t mask);
 
 } // namespace etmhost

@@ -1,5 +1,6 @@
 #include "host/target/command.h"
 
+#include <algorithm>
 #include <charconv>
 #include <ostream>
 
@@ -34,7 +35,7 @@ Refusal CommandLanguage::Execute(std::string_view text, std::ostream* stream) {
     if (EqualNoCase(word, "macro")) return Macro(rest);
     if (EqualNoCase(word, "capability") && rest.empty()) {
         if (stream == nullptr) return "capability needs a stream to write to";
-        *stream << CapabilityReport(m_Target.chip()) << '\0';
+        *stream << CapabilityReport(m_Target.etm()) << '\0';
         return {};
     }
     const std::string_view line = Trim(text);
@@ -42,54 +43,52 @@ Refusal CommandLanguage::Execute(std::string_view text, std::ostream* stream) {
     if (EqualNoCase(line, "stop")) return m_Target.Stop();
     if (EqualNoCase(word, "trigger") && EqualNoCase(Trim(rest), "force"))
         return m_Target.ForceTrigger();
-    const uint32_t control = m_Target.state.control;
-    if (EqualNoCase(line, "enable")) {
-        m_Target.SetControl(control | ORN_CONTROL_ENABLE);
-        return {};
-    }
-    if (EqualNoCase(line, "disable")) {
-        m_Target.SetControl(control & ~ORN_CONTROL_ENABLE);
-        return {};
-    }
+    if (EqualNoCase(line, "enable")) return m_Target.Enable(true);
+    if (EqualNoCase(line, "disable")) return m_Target.Enable(false);
+    if (EqualNoCase(word, "dwt")) return Dwt(rest);
     return UnknownCommand(line);
 }
 
 Refusal CommandLanguage::Macro(std::string_view value) {
     if (value.empty()) value = ORN_BOARD_NONE;
-    if (EqualNoCase(value, ORN_BOARD_NONE) || EqualNoCase(value, ORN_BOARD_STARTUP)) {
-        m_Target.state.pinsReady = EqualNoCase(value, ORN_BOARD_STARTUP);
-        m_Target.state.macro = value;
-        return {};
-    }
-    m_Target.state.pinsReady = false;
-    m_Target.state.macro = value;
-    return RunBoardFile(m_Target.state.macro,
-                        [this](std::string_view line) { return BoardLine(line); });
+    TargetState& state = m_Target.state;
+    state.pinsReady = false;
+    state.macro = value;
+    if (EqualNoCase(value, ORN_BOARD_NONE)) return {};
+    if (EqualNoCase(value, ORN_BOARD_STARTUP)) return m_Target.PreparePins();
+    return RunBoardFile(
+        state.macro, [this](int number, std::string_view line) { return BoardLine(number, line); });
 }
 
-Refusal CommandLanguage::BoardLine(std::string_view line) {
+Refusal CommandLanguage::BoardLine(int number, std::string_view line) {
     std::string_view rest = line;
     const std::string_view word = TakeWord(rest);
     if (EqualNoCase(word, "trace")) {
         std::string_view behind = rest;
         const std::string_view verb = TakeWord(behind);
         if (EqualNoCase(verb, "etm")) return Etm(behind);
-        if (EqualNoCase(rest, "clear")) {
-            m_Target.state.capture.captured = 0;
-            return {};
-        }
+        if (EqualNoCase(rest, "clear")) return m_Target.ClearBuffer();
         if (EqualNoCase(rest, "enable")) {
             m_Target.state.pinsReady = true;
             return {};
         }
-        if (EqualNoCase(rest, "update"))
-            return {}; // the simulated target takes each setting at once
+        if (EqualNoCase(rest, "update")) return {}; // each setting is taken at once
         return UnknownCommand(line);
     }
-    if (EqualNoCase(word, "mem_init")) return CheckAddress(rest);
+    Address first, second;
+    if (EqualNoCase(word, "mem_init")) {
+        if (const Refusal refusal = Parse(rest, first)) return refusal;
+        if (m_Target.IsSimulated()) return {};
+        return "mem_init: this host knows no memory of the board that it could initialize";
+    }
     if (EqualNoCase(word, "mem_write")) {
-        const Refusal address = CheckAddress(TakeWord(rest));
-        return address ? address : CheckAddress(rest);
+        if (const Refusal refusal = Parse(TakeWord(rest), first)) return refusal;
+        if (const Refusal refusal = Parse(rest, second)) return refusal;
+        if (!m_Target.IsSimulated()) {
+            m_Target.TellPerson("line " + std::to_string(number) + ": writing " +
+                                Hex(second.value) + " to " + Hex(first.value));
+        }
+        return m_Target.WriteMemory(first.value, second.value);
     }
     return UnknownCommand(line);
 }
@@ -100,8 +99,7 @@ Refusal CommandLanguage::Etm(std::string_view text) {
     if (EqualNoCase(key, "trigger")) return Trigger(rest);
     if (EqualNoCase(key, "complex")) {
         if (const Refusal refusal = ExpectEnd(rest)) return refusal;
-        m_Target.state.trace.pc = PcTrace::Complex;
-        return {};
+        return m_Target.TracePc(PcTrace::Complex);
     }
     if (rest.empty() || rest.front() != '=') return UnknownCommand("etm " + std::string(text));
     rest.remove_prefix(1);
@@ -114,12 +112,10 @@ Refusal CommandLanguage::Etm(std::string_view text) {
     return UnknownCommand("etm " + std::string(text));
 }
 
-Refusal CommandLanguage::Pc(std::string_view word, std::string_view address) {
-    TraceSettings& trace = m_Target.state.trace;
+Refusal CommandLanguage::Pc(std::string_view word, std::string_view text) {
     if (EqualNoCase(word, "none") || EqualNoCase(word, "all")) {
-        if (const Refusal refusal = ExpectEnd(address)) return refusal;
-        trace.pc = EqualNoCase(word, "all") ? PcTrace::All : PcTrace::None;
-        return {};
+        if (const Refusal refusal = ExpectEnd(text)) return refusal;
+        return m_Target.TracePc(EqualNoCase(word, "all") ? PcTrace::All : PcTrace::None);
     }
     const bool start = EqualNoCase(word, "start");
     const bool from = EqualNoCase(word, "from");
@@ -127,52 +123,46 @@ Refusal CommandLanguage::Pc(std::string_view word, std::string_view address) {
     if (!start && !range && !EqualNoCase(word, "stop"))
         return "Unknown PC trace mode " + Quoted(word);
     const EtmResources& etm = m_Target.etm();
-    const bool comparators = etm.addressPairs > 0 && etm.archMajor * 10 + etm.archMinor >= 12;
-    if (!comparators && (range || !m_Target.chip().cortexM3))
+    if (range ? etm.addressPairs == 0 : !etm.startStop)
         return "This chip cannot limit PC trace by addresses";
-    if (const Refusal refusal = comparators ? CheckAddress(address) : CheckComparator(address))
+    Address address;
+    if (const Refusal refusal =
+            etm.TakesIndexes() && !range ? ParseComparator(text, address) : Parse(text, address))
         return refusal;
-    const PcTrace mode = range ? PcTrace::Range : PcTrace::StartStop;
-    // "start" alone traces from there on, so it takes back a stop; "stop", "from" and "to" join the
-    // other address of their own mode.
-    if (start || trace.pc != mode) {
-        trace.pcBegin.clear();
-        trace.pcEnd.clear();
-    }
-    trace.pc = mode;
-    (start || from ? trace.pcBegin : trace.pcEnd) = address;
-    return {};
+    return start    ? m_Target.StartPcAt(address)
+           : !range ? m_Target.StopPcAt(address)
+           : from   ? m_Target.TracePcFrom(address)
+                    : m_Target.TracePcTo(address);
 }
 
-Refusal CommandLanguage::Data(std::string_view word, std::string_view address) {
-    TraceSettings& trace = m_Target.state.trace;
-    const EtmResources& etm = m_Target.etm();
+Refusal CommandLanguage::Data(std::string_view word, std::string_view text) {
     constexpr DataTrace kKinds[] = {DataTrace::None, DataTrace::Addresses, DataTrace::Values,
                                     DataTrace::All};
     for (const DataTrace kind : kKinds) {
         if (!EqualNoCase(word, DataTraceName(kind))) continue;
-        if (const Refusal refusal = ExpectEnd(address)) return refusal;
-        if (kind != DataTrace::None && etm.dataComparators == 0 && etm.addressPairs == 0)
+        if (const Refusal refusal = ExpectEnd(text)) return refusal;
+        if (kind != DataTrace::None && !m_Target.etm().HasData())
             return "This chip has no data trace";
-        trace.data = kind; // the kind stands for all data until a range follows
-        trace.dataBegin.clear();
-        trace.dataEnd.clear();
-        return {};
+        return m_Target.TraceData(kind);
     }
     const bool from = EqualNoCase(word, "from");
     if (!from && !EqualNoCase(word, "to")) return "Unknown data trace mode " + Quoted(word);
-    if (etm.addressPairs == 0) return "This chip has no address comparators for a data range";
-    if (const Refusal refusal = CheckAddress(address)) return refusal;
-    (from ? trace.dataBegin : trace.dataEnd) = address;
-    return {};
+    if (m_Target.etm().addressPairs == 0)
+        return "This chip has no address comparators for a data range";
+    Address address;
+    if (const Refusal refusal = Parse(text, address)) return refusal;
+    return from ? m_Target.TraceDataFrom(address) : m_Target.TraceDataTo(address);
 }
 
-Refusal CommandLanguage::Trigger(std::string_view address) {
-    if (m_Target.etm().addressPairs == 0)
+Refusal CommandLanguage::Trigger(std::string_view text) {
+    const EtmResources& etm = m_Target.etm();
+    if (etm.addressPairs == 0 && !etm.TakesIndexes())
         return "This chip has no address comparators for a trigger";
-    if (const Refusal refusal = CheckAddress(address)) return refusal;
-    m_Target.state.trace.trigger = address;
-    return {};
+    Address address;
+    if (const Refusal refusal =
+            etm.TakesIndexes() ? ParseComparator(text, address) : Parse(text, address))
+        return refusal;
+    return m_Target.SetTrigger(address);
 }
 
 Refusal CommandLanguage::PortSize(std::string_view value) {
@@ -180,34 +170,37 @@ Refusal CommandLanguage::PortSize(std::string_view value) {
     const char* end = value.data() + value.size();
     const auto [last, error] = std::from_chars(value.data(), end, size);
     if (error != std::errc() || last != end) return "Port size expected, not " + Quoted(value);
-    for (const uint32_t width : PortSizes(m_Target.chip())) {
-        if (width == size) {
-            m_Target.state.trace.portSize = size;
-            return {};
-        }
-    }
-    return "This chip has no trace port of " + std::to_string(size) + " bits";
+    return m_Target.SetPortSize(size);
 }
 
 Refusal CommandLanguage::HalfRate(std::string_view value) {
     const bool on = EqualNoCase(value, "on");
     if (!on && !EqualNoCase(value, "off"))
         return "\"on\" or \"off\" expected, not " + Quoted(value);
-    if (on && !m_Target.etm().halfRate) return "This chip has no half-rate clocking";
-    m_Target.state.trace.halfRate = on;
-    return {};
+    return m_Target.SetHalfRate(on);
 }
 
-Refusal CommandLanguage::CheckAddress(std::string_view address) const {
-    const Evaluation result = Evaluate(address, m_Symbols);
+Refusal CommandLanguage::Dwt(std::string_view text) {
+    std::string_view rest = text;
+    Address index, address;
+    if (const Refusal refusal = ParseComparator(TakeWord(rest), index)) return refusal;
+    if (EqualNoCase(Trim(rest), "off")) return m_Target.ClearDwt(index.value);
+    if (const Refusal refusal = Parse(rest, address)) return refusal;
+    return m_Target.SetDwt(index.value, address.value);
+}
+
+Refusal CommandLanguage::Parse(std::string_view text, Address& address) const {
+    const Evaluation result = Evaluate(text, m_Symbols);
+    address = {std::string(text), result.value};
     return result.error.empty() ? Refusal() : "Bad address: " + result.ErrorText();
 }
 
-Refusal CommandLanguage::CheckComparator(std::string_view address) const {
-    const Evaluation result = Evaluate(address, m_Symbols);
-    return result.error.empty() && result.value <= 3
-               ? Refusal()
-               : "DWT comparator 0 to 3 expected, not " + Quoted(address);
+Refusal CommandLanguage::ParseComparator(std::string_view text, Address& address) const {
+    const Evaluation result = Evaluate(text, m_Symbols);
+    address = {std::string(text), result.value};
+    const uint32_t count = std::max(m_Target.etm().watchInputs, 1u);
+    if (result.error.empty() && result.value < count) return {};
+    return "DWT comparator 0 to " + std::to_string(count - 1) + " expected, not " + Quoted(text);
 }
 
 } // namespace etmhost

@@ -2,8 +2,7 @@
 
 namespace etmhost {
 
-std::string CapabilityReport(const Chip& chip) {
-    const EtmResources etm = DecodeRegisters(chip);
+std::string CapabilityReport(const EtmResources& etm) {
     std::string report;
     const auto text = [&report](const char* label, const std::string& value) {
         report += std::string(label) + ": " + value + "\n";

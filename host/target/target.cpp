@@ -2,6 +2,11 @@
 
 #include <algorithm>
 
+#include "frame/interfaces/IOrnVETMTrace.h"
+#include "host/support/words.h"
+#include "host/target/etm_programming.h"
+#include "host/target/etm_registers.h"
+
 namespace etmhost {
 
 namespace {
@@ -11,26 +16,144 @@ constexpr uint32_t kControlBits = ORN_CONTROL_ENABLE | ORN_CONTROL_STOP_WHEN_FUL
                                   ORN_CONTROL_ACCUMULATE | ORN_CONTROL_MANUAL | ORN_CONTROL_KEPT |
                                   ORN_CONTROL_TRIGGER_PIN | ORN_CONTROL_TRIGGER_ADDRESS;
 
-constexpr uint32_t kStepsToFill = 8;
-constexpr uint32_t kTriggerStep = 4;
+// A trace ID that a formatted stream may have: 0 and what lies from 0x70 on is reserved there.
+constexpr uint32_t kTraceId = 1;
+constexpr uint32_t kFirstReservedId = 0x70;
+
+std::string Capitalized(std::string text) {
+    if (!text.empty() && text[0] >= 'a' && text[0] <= 'z')
+        text[0] = static_cast<char>(text[0] - 'a' + 'A');
+    return text;
+}
 
 } // namespace
 
-Target::Target(const Chip& chip) : m_Chip(&chip), m_Etm(DecodeRegisters(chip)) {
-    state.triggerCount = chip.bufferSize / 2;
-    state.trace.portSize = PortSizes(chip).back();
+const Symbols& Target::NoSymbols() {
+    static const Symbols none;
+    return none;
 }
 
-std::vector<std::string> Target::SettingsLines() const {
-    const TraceSettings& trace = state.trace;
+Target::Target(const Chip& chip, const Symbols& symbols) : m_Symbols(symbols) {
+    auto simulated = std::make_unique<SimulatedChip>(chip, state.registers);
+    m_Simulated = simulated.get();
+    m_Bus = std::move(simulated);
+    m_Hardware = HardwareOf(chip, *m_Bus);
+    Prepare();
+}
+
+Target::Target(std::unique_ptr<RegisterBus> bus, TraceHardware hardware, const Symbols& symbols,
+               Tell tell)
+    : m_Symbols(symbols), m_Tell(std::move(tell)), m_Bus(std::move(bus)),
+      m_Hardware(std::move(hardware)) {
+    Prepare();
+}
+
+void Target::Prepare() {
+    switch (m_Hardware.sink) {
+    case SinkKind::Buffer:
+        m_Sink = MakeBufferSink(*m_Bus, m_Hardware, state.triggerCount);
+        state.triggerCount = m_Sink->TriggerCount();
+        break;
+    case SinkKind::Emulator:
+        m_Sink = MakeEmulatorSink(*m_Simulated, m_Hardware, state.capture, state.triggerCount);
+        state.triggerCount = m_Hardware.capacity / 2;
+        break;
+    case SinkKind::Port:
+        m_Sink = MakePortSink(*m_Bus, m_Hardware);
+        break;
+    }
+    const TraceSettings settings = Settings();
+    state.trace.portSize = settings.portSize;
+    state.trace.halfRate = settings.halfRate;
+    // An armed trigger is all that the chip knows of a stop mode.
+    if (!settings.trigger.empty()) state.control |= ORN_CONTROL_TRIGGER_ADDRESS;
+}
+
+Refusal Target::Try(const std::function<Refusal()>& action) {
+    try {
+        PowerTrace();
+        return action();
+    } catch (const BusError& error) {
+        return Capitalized(error.what());
+    }
+}
+
+// A reset of the chip takes the power from its trace hardware.
+void Target::PowerTrace() {
+    if (!m_Hardware.hasTracePower) return;
+    const uint32_t demcr = m_Bus->Read(DEMCR);
+    if ((demcr & DEMCR_TRCENA) != 0) return;
+    m_Tell("trace has lost its power: setting TRCENA, bit 24 of DEMCR (" + Hex(DEMCR) + ")");
+    WriteChecked(*m_Bus, "DEMCR", DEMCR, demcr | DEMCR_TRCENA, DEMCR_TRCENA);
+}
+
+EtmImage Target::ReadImage() {
+    return ReadEtm(*m_Bus, m_Hardware, SettingRegisters(m_Hardware.etm));
+}
+
+bool Target::IsEnabled() {
+    return (m_Bus->Read(m_Hardware.Etm(ETMCR)) & ETMCR_POWER_DOWN) == 0;
+}
+
+void Target::Program(const std::vector<EtmWrite>& writes) {
+    if (!writes.empty()) ProgramEtm(*m_Bus, m_Hardware, writes);
+}
+
+// --- What it traces ------------------------------------------------------------------------
+
+std::string Target::TextOf(const std::string& typed, uint32_t value) const {
+    const Evaluation evaluation = Evaluate(typed, m_Symbols);
+    return evaluation.error.empty() && evaluation.value == value ? typed : Hex(value);
+}
+
+std::optional<Address> Target::Typed(const std::string& text) const {
+    const Evaluation evaluation = Evaluate(text, m_Symbols);
+    if (text.empty() || !evaluation.error.empty()) return std::nullopt;
+    return Address{text, evaluation.value};
+}
+
+TraceSettings Target::Settings() {
+    const EtmSettings held = DecodeSettings(m_Hardware.etm, ReadImage());
+    const TraceSettings& asked = state.trace;
+    const auto text = [this](const std::string& typed, const std::optional<uint32_t>& value) {
+        return value ? TextOf(typed, *value) : std::string();
+    };
+    TraceSettings settings;
+    // What is complex by a command stays so until another command says otherwise.
+    settings.pc = asked.pc == PcTrace::Complex || held.dataForeign ? PcTrace::Complex : held.pc;
+    settings.pcPending = asked.pcPending;
+    settings.dataPending = asked.dataPending;
+    if (asked.pcPending) {
+        settings.pc = PcTrace::Range;
+        settings.pcBegin = asked.pcBegin;
+        settings.pcEnd = asked.pcEnd;
+    } else if (settings.pc != PcTrace::Complex) {
+        settings.pcBegin = text(asked.pcBegin, held.pcBegin);
+        settings.pcEnd = text(asked.pcEnd, held.pcEnd);
+    }
+    settings.data = held.data;
+    settings.dataBegin =
+        asked.dataPending ? asked.dataBegin : text(asked.dataBegin, held.dataBegin);
+    settings.dataEnd = asked.dataPending ? asked.dataEnd : text(asked.dataEnd, held.dataEnd);
+    settings.trigger = text(asked.trigger, held.trigger);
+    settings.halfRate = held.halfRate;
+    settings.portSize = held.portSize;
+    if (m_Hardware.tpiuBase) {
+        const std::vector<uint32_t> sizes =
+            PortSizes(m_Bus->Read(*m_Hardware.tpiuBase + TPIU_CURRENT));
+        settings.portSize = sizes.size() == 1 ? sizes[0] : 0;
+    }
+    return settings;
+}
+
+std::vector<std::string> Target::SettingsLines() {
+    const TraceSettings trace = Settings();
     std::vector<std::string> lines;
     const auto line = [&lines](const char* what, const std::string& value) {
         lines.push_back(std::string("ETM ") + what + value);
     };
     const auto address = [&line](const char* what, const std::string& value) {
-        if (!value.empty()) {
-            line(what, value);
-        }
+        if (!value.empty()) line(what, value);
     };
     switch (trace.pc) {
     case PcTrace::None:
@@ -55,81 +178,441 @@ std::vector<std::string> Target::SettingsLines() const {
     address("DATA = from ", trace.dataBegin);
     address("DATA = to ", trace.dataEnd);
     address("TRIGGER ", trace.trigger);
-    line("PORTSIZE = ", std::to_string(trace.portSize));
-    if (m_Etm.halfRate) // a chip without the choice has nothing to report
+    if (trace.portSize != 0) line("PORTSIZE = ", std::to_string(trace.portSize));
+    if (m_Hardware.etm.halfRate) // a chip without the choice has nothing to report
         line("HALFRATE = ", trace.halfRate ? "on" : "off");
     return lines;
 }
 
+Refusal Target::ProgramPc(const EtmImage& image, EtmSettings wanted) {
+    if (const Refusal refusal = CheckDwt(wanted)) return refusal;
+    EtmPlan plan = EncodePc(m_Hardware.etm, image, wanted);
+    if (plan.refusal && wanted.dataBegin) {
+        // The comparators of the range of data are needed. Whoever sets the PC trace sets the data
+        // behind it, and hears there if both can't be.
+        wanted.dataBegin = wanted.dataEnd = std::nullopt;
+        const EtmPlan everywhere = EncodeData(m_Hardware.etm, image, wanted);
+        plan = EncodePc(m_Hardware.etm, WithWrites(image, everywhere.writes), wanted);
+        plan.writes.insert(plan.writes.begin(), everywhere.writes.begin(), everywhere.writes.end());
+    }
+    if (plan.refusal) return plan.refusal;
+    Program(plan.writes);
+    return {};
+}
+
+Refusal Target::TracePc(PcTrace mode) {
+    return Try([&]() -> Refusal {
+        if (mode != PcTrace::Complex) {
+            const EtmImage image = ReadImage();
+            EtmSettings wanted = DecodeSettings(m_Hardware.etm, image);
+            wanted.pc = mode;
+            wanted.pcBegin = wanted.pcEnd = std::nullopt;
+            if (const Refusal refusal = ProgramPc(image, wanted)) return refusal;
+        }
+        state.trace.pc = mode;
+        state.trace.pcPending = false;
+        return {};
+    });
+}
+
+Refusal Target::ProgramPcEnds(PcTrace mode, const std::optional<Address>& begin,
+                              const std::optional<Address>& end) {
+    const EtmImage image = ReadImage();
+    EtmSettings wanted = DecodeSettings(m_Hardware.etm, image);
+    wanted.pc = mode;
+    wanted.pcBegin = begin ? std::optional(begin->value) : std::nullopt;
+    wanted.pcEnd = end ? std::optional(end->value) : std::nullopt;
+    if (const Refusal refusal = ProgramPc(image, wanted)) return refusal;
+    state.trace.pc = mode;
+    state.trace.pcBegin = begin ? begin->text : "";
+    state.trace.pcEnd = end ? end->text : "";
+    state.trace.pcPending = false;
+    return {};
+}
+
+Refusal Target::StartPcAt(const Address& address) {
+    return Try([&] { return ProgramPcEnds(PcTrace::StartStop, address, std::nullopt); });
+}
+
+Refusal Target::StopPcAt(const Address& address) {
+    return Try([&] {
+        const EtmSettings held = DecodeSettings(m_Hardware.etm, ReadImage());
+        std::optional<Address> begin;
+        if (held.pc == PcTrace::StartStop && held.pcBegin)
+            begin = Address{TextOf(state.trace.pcBegin, *held.pcBegin), *held.pcBegin};
+        return ProgramPcEnds(PcTrace::StartStop, begin, address);
+    });
+}
+
+Refusal Target::PcRangeEnd(const Address& address, bool isEnd) {
+    if (m_Hardware.etm.addressPairs == 0) return "This chip cannot limit PC trace by addresses";
+    TraceSettings& trace = state.trace;
+    const std::string& otherText = isEnd ? trace.pcBegin : trace.pcEnd;
+    std::optional<Address> other;
+    if (trace.pcPending) {
+        other = Typed(otherText);
+    } else if (isEnd) { // a new end of the range that is
+        const EtmSettings held = DecodeSettings(m_Hardware.etm, ReadImage());
+        if (held.pc == PcTrace::Range)
+            other = Address{TextOf(otherText, *held.pcBegin), *held.pcBegin};
+    }
+    if (other) {
+        return isEnd ? ProgramPcEnds(PcTrace::Range, other, address)
+                     : ProgramPcEnds(PcTrace::Range, address, other);
+    }
+    trace.pc = PcTrace::Range;
+    trace.pcPending = true;
+    trace.pcBegin = isEnd ? "" : address.text;
+    trace.pcEnd = isEnd ? address.text : "";
+    return {};
+}
+
+Refusal Target::TracePcFrom(const Address& address) {
+    return Try([&] { return PcRangeEnd(address, false); });
+}
+
+Refusal Target::TracePcTo(const Address& address) {
+    return Try([&] { return PcRangeEnd(address, true); });
+}
+
+Refusal Target::TraceData(DataTrace kind) {
+    return Try([&]() -> Refusal {
+        const EtmImage image = ReadImage();
+        EtmSettings wanted = DecodeSettings(m_Hardware.etm, image);
+        // An area that others have programmed stays, as long as its kind does.
+        if (!wanted.dataForeign || wanted.data != kind) {
+            wanted.data = kind;
+            wanted.dataBegin = wanted.dataEnd = std::nullopt;
+            const EtmPlan plan = EncodeData(m_Hardware.etm, image, wanted);
+            if (plan.refusal) return plan.refusal;
+            Program(plan.writes);
+        }
+        state.trace.data = kind;
+        state.trace.dataBegin.clear();
+        state.trace.dataEnd.clear();
+        state.trace.dataPending = false;
+        return {};
+    });
+}
+
+Refusal Target::ProgramDataRange(const Address& begin, const Address& end) {
+    const EtmImage image = ReadImage();
+    EtmSettings wanted = DecodeSettings(m_Hardware.etm, image);
+    if (wanted.data == DataTrace::None) wanted.data = DataTrace::All;
+    wanted.dataBegin = begin.value;
+    wanted.dataEnd = end.value;
+    const EtmPlan plan = EncodeData(m_Hardware.etm, image, wanted);
+    if (plan.refusal) return plan.refusal;
+    Program(plan.writes);
+    state.trace.data = wanted.data;
+    state.trace.dataBegin = begin.text;
+    state.trace.dataEnd = end.text;
+    state.trace.dataPending = false;
+    return {};
+}
+
+Refusal Target::DataRangeEnd(const Address& address, bool isEnd) {
+    if (m_Hardware.etm.addressPairs == 0)
+        return "This chip has no address comparators for a data range";
+    TraceSettings& trace = state.trace;
+    const std::string& otherText = isEnd ? trace.dataBegin : trace.dataEnd;
+    std::optional<Address> other;
+    if (trace.dataPending) {
+        other = Typed(otherText);
+    } else if (isEnd) {
+        const EtmSettings held = DecodeSettings(m_Hardware.etm, ReadImage());
+        if (held.dataBegin) other = Address{TextOf(otherText, *held.dataBegin), *held.dataBegin};
+    }
+    if (other) return isEnd ? ProgramDataRange(*other, address) : ProgramDataRange(address, *other);
+    trace.dataPending = true;
+    trace.dataBegin = isEnd ? "" : address.text;
+    trace.dataEnd = isEnd ? address.text : "";
+    return {};
+}
+
+Refusal Target::TraceDataFrom(const Address& address) {
+    return Try([&] { return DataRangeEnd(address, false); });
+}
+
+Refusal Target::TraceDataTo(const Address& address) {
+    return Try([&] { return DataRangeEnd(address, true); });
+}
+
+Refusal Target::SetTrigger(const Address& address) {
+    return Try([&]() -> Refusal {
+        const EtmImage image = ReadImage();
+        EtmSettings wanted = DecodeSettings(m_Hardware.etm, image);
+        wanted.trigger = address.value;
+        const EtmPlan plan = EncodeTrigger(m_Hardware.etm, image, wanted);
+        if (plan.refusal) return plan.refusal;
+        Program(plan.writes);
+        state.trace.trigger = address.text;
+        return {};
+    });
+}
+
+void Target::Disarm() {
+    const EtmImage image = ReadImage();
+    EtmSettings wanted = DecodeSettings(m_Hardware.etm, image);
+    if (!wanted.trigger) return; // none, or one that others have made
+    wanted.trigger = std::nullopt;
+    Program(EncodeTrigger(m_Hardware.etm, image, wanted).writes);
+    state.trace.trigger.clear();
+}
+
+Refusal Target::SetPortSize(uint32_t bits) {
+    const std::vector<uint32_t> sizes = PortSizes(m_Hardware.portSizes);
+    if (std::ranges::find(sizes, bits) == sizes.end())
+        return "This chip has no trace port of " + std::to_string(bits) + " bits";
+    return Try([&]() -> Refusal {
+        if (m_Hardware.tpiuBase) {
+            const uint32_t address = *m_Hardware.tpiuBase + TPIU_CURRENT;
+            const uint32_t size = PortSizeMask(std::span(&bits, 1));
+            if (m_Bus->Read(address) != size) {
+                Unlock(*m_Bus, *m_Hardware.tpiuBase, "TPIU");
+                WriteChecked(*m_Bus, "the TPIU's current port size", address, size);
+            }
+        } else {
+            EtmSettings wanted = DecodeSettings(m_Hardware.etm, ReadImage());
+            wanted.portSize = bits;
+            const EtmPlan plan = EncodePort(m_Hardware.etm, wanted);
+            if (plan.refusal) return plan.refusal;
+            Program(plan.writes);
+        }
+        state.trace.portSize = bits;
+        return {};
+    });
+}
+
+Refusal Target::SetHalfRate(bool on) {
+    if (!m_Hardware.etm.halfRate)
+        return on ? Refusal("This chip has no half-rate clocking") : Refusal();
+    return Try([&]() -> Refusal {
+        EtmSettings wanted = DecodeSettings(m_Hardware.etm, ReadImage());
+        wanted.halfRate = on;
+        wanted.portSize = 0; // stays
+        Program(EncodePort(m_Hardware.etm, wanted).writes);
+        state.trace.halfRate = on;
+        return {};
+    });
+}
+
+void Target::Reprogram() {
+    const TraceSettings trace = state.trace;
+    const auto begin = Typed(trace.pcBegin);
+    const auto end = Typed(trace.pcEnd);
+    if (trace.pc == PcTrace::StartStop) {
+        Try([&] { return ProgramPcEnds(PcTrace::StartStop, begin, end); });
+    } else if (trace.pc == PcTrace::Range) {
+        if (begin) TracePcFrom(*begin);
+        if (end) TracePcTo(*end);
+    } else {
+        TracePc(trace.pc);
+    }
+    TraceData(trace.data);
+    if (const auto from = Typed(trace.dataBegin)) TraceDataFrom(*from);
+    if (const auto to = Typed(trace.dataEnd)) TraceDataTo(*to);
+    if (const auto trigger = Typed(trace.trigger)) SetTrigger(*trigger);
+    SetPortSize(trace.portSize);
+    SetHalfRate(trace.halfRate);
+    Enable((state.control & ORN_CONTROL_ENABLE) != 0);
+}
+
+// --- Comparators of the DWT ------------------------------------------------------------------
+
+std::vector<DwtComparator> Target::DwtComparators() {
+    std::vector<DwtComparator> comparators;
+    if (!m_Hardware.dwtBase || m_Hardware.dwtComparators == 0) return comparators;
+    std::vector<uint32_t> addresses;
+    for (uint32_t index = 0; index < m_Hardware.dwtComparators; ++index)
+        for (const uint32_t offset : {DWT_COMP, DWT_FUNCTION})
+            addresses.push_back(*m_Hardware.dwtBase + offset + 16 * index);
+    const std::vector<uint32_t> words = m_Bus->Read(addresses);
+    for (uint32_t index = 0; index < m_Hardware.dwtComparators; ++index) {
+        DwtComparator comparator;
+        comparator.address = words[2 * index];
+        comparator.function = words[2 * index + 1] & 0xF;
+        if (const auto entry = state.dwt.find(index); entry != state.dwt.end()) {
+            comparator.setHere = true;
+            comparator.lost =
+                comparator.function != DWT_FUNCTION_ETM_PC || comparator.address != entry->second;
+        }
+        comparators.push_back(comparator);
+    }
+    return comparators;
+}
+
+// Debug servers clear comparators when they examine the core again. One that was never set here may
+// be somebody else's business, and is taken as it is.
+Refusal Target::CheckDwt(const EtmSettings& settings) {
+    if (!m_Hardware.etm.TakesIndexes() || settings.pc != PcTrace::StartStop || state.dwt.empty())
+        return {};
+    const std::vector<DwtComparator> comparators = DwtComparators();
+    for (const auto& index : {settings.pcBegin, settings.pcEnd}) {
+        if (!index || *index >= comparators.size() || !comparators[*index].lost) continue;
+        const std::string number = std::to_string(*index);
+        return "DWT comparator " + number + " no longer watches " + Hex(state.dwt.at(*index)) +
+               ": its function reads " + Hex(comparators[*index].function) + ", its address " +
+               Hex(comparators[*index].address) +
+               "; debug servers clear it when they examine "
+               "the core again. Set it anew: dwt " +
+               number + " " + Hex(state.dwt.at(*index));
+    }
+    return {};
+}
+
+Refusal Target::SetDwt(uint32_t index, uint32_t address) {
+    if (!m_Hardware.etm.TakesIndexes() || !m_Hardware.dwtBase)
+        return "This chip has no DWT comparators that its ETM listens to";
+    if (index >= std::min(m_Hardware.dwtComparators, m_Hardware.etm.watchInputs)) {
+        return "This chip has DWT comparators 0 to " +
+               std::to_string(std::min(m_Hardware.dwtComparators, m_Hardware.etm.watchInputs) - 1);
+    }
+    return Try([&]() -> Refusal {
+        const uint32_t base = *m_Hardware.dwtBase;
+        const uint32_t function = m_Bus->Read(base + DWT_FUNCTION + 16 * index);
+        if (const uint32_t present = function & 0xF; present != 0 && present != DWT_FUNCTION_ETM_PC)
+            return "DWT comparator " + std::to_string(index) + " is in use: its function reads " +
+                   Hex(present);
+        Unlock(*m_Bus, base, "DWT");
+        // Neither a data value nor a cycle count is compared, and no packet sent.
+        constexpr uint32_t kFields = 0xF | 1u << 5 | 1u << 7 | 1u << 8;
+        const uint32_t other = function & ~kFields & ~(1u << 9) & ~(1u << 24);
+        m_Bus->Write(base + DWT_FUNCTION + 16 * index, other);
+        WriteChecked(*m_Bus, "the DWT's address", base + DWT_COMP + 16 * index, address);
+        WriteChecked(*m_Bus, "the DWT's mask", base + DWT_MASK + 16 * index, 0, 0x1F);
+        WriteChecked(*m_Bus, "the DWT's function", base + DWT_FUNCTION + 16 * index,
+                     other | DWT_FUNCTION_ETM_PC, kFields);
+        state.dwt[index] = address;
+        return {};
+    });
+}
+
+Refusal Target::ClearDwt(uint32_t index) {
+    return Try([&]() -> Refusal {
+        const std::vector<DwtComparator> comparators = DwtComparators();
+        if (index >= comparators.size()) return "There is no such DWT comparator";
+        const uint32_t function = comparators[index].function;
+        if (function != 0 && function != DWT_FUNCTION_ETM_PC)
+            return "DWT comparator " + std::to_string(index) + " is in use: its function reads " +
+                   Hex(function);
+        if (function != 0) {
+            Unlock(*m_Bus, *m_Hardware.dwtBase, "DWT");
+            WriteChecked(*m_Bus, "the DWT's function",
+                         *m_Hardware.dwtBase + DWT_FUNCTION + 16 * index, 0, 0xF);
+        }
+        state.dwt.erase(index);
+        return {};
+    });
+}
+
+// --- Capture ----------------------------------------------------------------------------------
+
+uint32_t Target::Control() {
+    return (state.control & ~ORN_CONTROL_ENABLE) | (IsEnabled() ? ORN_CONTROL_ENABLE : 0);
+}
+
+Refusal Target::Enable(bool on) {
+    return Try([&]() -> Refusal {
+        if (!on && state.capture.running) m_Sink->Stop();
+        std::vector<EtmWrite> writes = {{ETMCR, on ? 0 : ETMCR_POWER_DOWN, ETMCR_POWER_DOWN},
+                                        {ETMCR, on ? ETMCR_ENABLE : 0, ETMCR_ENABLE}};
+        if (on && m_Hardware.etm.archMajor >= 3 && (m_Hardware.tpiuBase || m_Hardware.etbBase)) {
+            const uint32_t id = m_Bus->Read(m_Hardware.Etm(ETMTRACEIDR)) & 0x7F;
+            if (id == 0 || id >= kFirstReservedId) writes.push_back({ETMTRACEIDR, kTraceId, 0x7F});
+        }
+        Program(writes);
+        if (!on) state.capture.running = false;
+        state.control = (state.control & ~ORN_CONTROL_ENABLE) | (on ? ORN_CONTROL_ENABLE : 0);
+        return {};
+    });
+}
+
 Refusal Target::SetControl(uint32_t word) {
     if ((word & ~kControlBits) != 0) return "The control word has bits that the target lacks";
-    state.control = word;
-    if ((word & ORN_CONTROL_ENABLE) == 0) state.capture.running = false;
-    return {};
+    if (const Refusal refusal = m_Sink->CheckControl(word)) return refusal;
+    return Try([&]() -> Refusal {
+        const bool on = (word & ORN_CONTROL_ENABLE) != 0;
+        if (on != IsEnabled())
+            if (const Refusal refusal = Enable(on)) return refusal;
+        // No command takes a trigger back.
+        if ((word & ORN_CONTROL_TRIGGER_ADDRESS) == 0) Disarm();
+        state.control = word;
+        return {};
+    });
+}
+
+uint32_t Target::TriggerCount() {
+    return m_Sink->TriggerCount();
 }
 
 Refusal Target::SetTriggerCount(uint32_t count) {
-    if (count > m_Chip->bufferSize)
-        return "The trace buffer has only " + std::to_string(m_Chip->bufferSize) + " words";
-    if (m_Chip->path == TracePath::Etb && state.capture.running)
-        return "The trigger count of an ETB cannot be changed while it captures";
-    state.triggerCount = count;
-    return {};
+    return Try([&] { return m_Sink->SetTriggerCount(count); });
 }
 
 Refusal Target::Start() {
-    if ((state.control & ORN_CONTROL_ENABLE) == 0) return "Trace is not enabled";
-    if (!state.capture.running) {
-        const uint32_t kept =
-            (state.control & ORN_CONTROL_ACCUMULATE) != 0 ? state.capture.captured : 0;
-        state.capture = {.running = true, .ended = state.capture.ended, .captured = kept};
-    }
-    return {};
+    return Try([&]() -> Refusal {
+        if (!IsEnabled()) return "Trace is not enabled";
+        if (const Refusal refusal = CheckDwt(DecodeSettings(m_Hardware.etm, ReadImage())))
+            return refusal;
+        if (state.capture.running) return {};
+        m_Sink->Start(state.control);
+        state.capture.running = true;
+        return {};
+    });
 }
 
 Refusal Target::Stop() {
-    state.capture.running = false;
-    return {};
+    return Try([&]() -> Refusal {
+        m_Sink->Stop();
+        state.capture.running = false;
+        return {};
+    });
 }
 
 Refusal Target::ForceTrigger() {
-    if (m_Chip->path == TracePath::Tpiu) return "A TPIU has no trigger that could be forced";
-    if (m_Chip->path == TracePath::Etb)
-        return "The trigger of an ETB comes from the ETM and cannot be forced";
-    if (!state.capture.running) return "Capture is not running";
-    Trigger();
-    return {};
+    return Try([&] { return m_Sink->ForceTrigger(); });
 }
 
-void Target::Trigger() {
-    if (!state.capture.triggered) {
-        state.capture.triggered = true;
-        state.capture.remaining = state.triggerCount;
-    }
+Refusal Target::ClearBuffer() {
+    return Try([&]() -> Refusal {
+        m_Sink->Clear();
+        return {};
+    });
 }
 
-void Target::Step() {
-    Capture& capture = state.capture;
-    if (!capture.running) return;
-    const uint32_t size = m_Chip->bufferSize;
-    const uint32_t amount = std::max<uint32_t>(size / kStepsToFill, 1);
-    capture.steps += 1;
-    capture.captured =
-        static_cast<uint32_t>(std::min<uint64_t>(uint64_t{capture.captured} + amount, size));
-    if (capture.triggered) capture.remaining -= std::min(capture.remaining, amount);
-    if (capture.steps == kTriggerStep && m_Chip->path != TracePath::Tpiu &&
-        (state.control & ORN_CONTROL_TRIGGER_ADDRESS) != 0 && !state.trace.trigger.empty())
-        Trigger();
-    const bool full = (state.control & ORN_CONTROL_STOP_WHEN_FULL) != 0 &&
-                      capture.captured == size &&
-                      m_Chip->path != TracePath::Etb; // an on-chip buffer goes round and round
-    const bool behindTrigger =
-        (state.control & (ORN_CONTROL_TRIGGER_PIN | ORN_CONTROL_TRIGGER_ADDRESS)) != 0 &&
-        capture.triggered && capture.remaining == 0;
-    if (full || behindTrigger) {
-        capture.running = false;
-        capture.ended = !capture.ended;
+void Target::Look() {
+    std::vector<uint32_t> addresses = m_Sink->StateAddresses();
+    addresses.insert(addresses.begin(), m_Hardware.Etm(ETMCR));
+    if (m_Hardware.hasTracePower) addresses.push_back(DEMCR);
+    std::vector<uint32_t> words = m_Bus->Read(addresses);
+    const uint32_t control = words.front();
+    words.erase(words.begin());
+    const bool powerLost = m_Hardware.hasTracePower && (words.back() & DEMCR_TRCENA) == 0;
+    state.capture = m_Sink->Look(control, words, state.capture);
+    if (powerLost) {
+        state.capture.running = false;
+        if (!m_PowerLost) m_Tell("trace has lost its power: the chip may have been reset");
     }
+    m_PowerLost = powerLost;
+}
+
+Refusal Target::Poll() {
+    const Capture before = state.capture;
+    Refusal refusal;
+    try {
+        m_Bus->Step();
+        m_Sink->Step(state.control);
+        Look();
+    } catch (const BusError& error) {
+        state.capture.running = false;
+        refusal = Capitalized(error.what());
+    }
+    // One that was running and is not, though nobody has stopped it. The simulated emulator has
+    // told so itself.
+    if (before.running && !state.capture.running && state.capture.ended == before.ended)
+        state.capture.ended = !before.ended;
+    return refusal;
 }
 
 uint32_t Target::StateWord() const {
@@ -137,9 +620,32 @@ uint32_t Target::StateWord() const {
            (state.capture.running ? ORN_STATE_RUNNING : 0u);
 }
 
-const char* DataTraceName(DataTrace data) {
-    constexpr const char* kNames[] = {"none", "addr", "value", "all"};
-    return kNames[static_cast<int>(data)];
+// --- The board --------------------------------------------------------------------------------
+
+Refusal Target::PreparePins() {
+    return Try([&]() -> Refusal {
+        const uint32_t size = Settings().portSize;
+        if (!IsSimulated())
+            m_Tell("the debug server prepares its trace port of " + std::to_string(size) +
+                   " bits; what it writes is its own");
+        if (const Refusal refusal = m_Bus->PreparePort(size)) return refusal;
+        state.pinsReady = true;
+        if (const uint32_t now = Settings().portSize; now != size)
+            m_Tell("the debug server has changed the port size from " + std::to_string(size) +
+                   " to " + std::to_string(now) + " bits");
+        return {};
+    });
+}
+
+Refusal Target::WriteMemory(uint32_t address, uint32_t value) {
+    if (address % 4 != 0 && !IsSimulated())
+        return "Address " + Hex(address) + " is no multiple of 4";
+    try {
+        m_Bus->WriteMemory(address, value);
+        return {};
+    } catch (const BusError& error) {
+        return Capitalized(error.what());
+    }
 }
 
 } // namespace etmhost

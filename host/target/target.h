@@ -1,97 +1,163 @@
-// The simulated target: settings, control word and a capture that goes on in steps of time.
+// The target: what this host changes and reads on a chip, and what it remembers of it.
 
 #pragma once
 
-#include <cstdint>
+#include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
-#include "frame/interfaces/IOrnVETMTrace.h"
 #include "host/support/refusal.h"
-#include "host/target/chips.h"
+#include "host/target/capture.h"
+#include "host/target/etm_codec.h"
+#include "host/target/expression.h"
+#include "host/target/trace_hardware.h"
 
 namespace etmhost {
 
-enum class PcTrace { None, All, StartStop, Range, Complex };
-enum class DataTrace { None, Addresses, Values, All };
-
-/// What the ETM traces, as the "etm ..." commands left it. An address that is not in use is empty.
-struct TraceSettings {
-    PcTrace pc = PcTrace::All;
-    std::string pcBegin, pcEnd; ///< start and stop, or from and to
-    DataTrace data = DataTrace::None;
-    std::string dataBegin, dataEnd;
-    std::string trigger;
-    uint32_t portSize = 0; ///< bits
-    bool halfRate = false;
-
-    bool operator==(const TraceSettings&) const = default;
-};
-
-/// A capture. Amounts are in the words of the trace buffer.
-struct Capture {
-    bool running = false;
-    bool ended = false; ///< turns over whenever a capture stops by itself
-    bool triggered = false;
-    uint32_t steps = 0;     ///< time since the start
-    uint32_t captured = 0;  ///< words in the buffer
-    uint32_t remaining = 0; ///< words to go behind the trigger
-
-    bool operator==(const Capture&) const = default;
-};
-
-/// All that a target keeps.
+/// What a target keeps beside the registers of a real chip.
 struct TargetState {
-    uint32_t control = 0;
+    uint32_t control = 0; ///< as it was set last; trace enabled is the chip's
     uint32_t triggerCount = 0;
     std::string macro;      ///< value of the last "macro" command
     bool pinsReady = false; ///< a board file has switched the trace pins on
-    TraceSettings trace;
+    TraceSettings trace;    ///< as they were asked for: the texts, and what is not complete yet
     Capture capture;
+    ChipRegisters registers; ///< of a simulated chip, where they differ from those after reset
+    std::map<uint32_t, uint32_t> dwt; ///< comparators that were set here, with their addresses
 
     bool operator==(const TargetState&) const = default;
 };
 
+/// An address as a person typed it, and what it is.
+struct Address {
+    std::string text;
+    uint32_t value = 0;
+};
+
+/// One comparator of the DWT.
+struct DwtComparator {
+    uint32_t address = 0;
+    uint32_t function = 0; ///< what it does; 0: nothing
+    bool setHere = false;
+    bool lost = false; ///< it was set here, and does not hold that any more
+};
+
+/// Commands give a refusal; what only reads throws BusError where the chip doesn't answer.
 class Target {
 public:
-    /// A target fresh from reset. `chip` must outlive it.
-    explicit Target(const Chip& chip);
+    /// A simulated chip fresh from reset. `chip` and `symbols` must outlive the target.
+    explicit Target(const Chip& chip, const Symbols& symbols = NoSymbols());
 
-    const Chip& chip() const { return *m_Chip; }
-    const EtmResources& etm() const { return m_Etm; }
+    /// A chip behind `bus`. What is done beside what was asked for goes to `tell`.
+    Target(std::unique_ptr<RegisterBus> bus, TraceHardware hardware, const Symbols& symbols,
+           Tell tell);
+
+    Target(const Target&) = delete;
+    Target& operator=(const Target&) = delete;
+
+    const TraceHardware& hardware() const { return m_Hardware; }
+    const EtmResources& etm() const { return m_Hardware.etm; }
+    bool IsSimulated() const { return m_Simulated != nullptr; }
+
+    /// Says something on a line of its own to the person at the host.
+    void TellPerson(const std::string& text) const { m_Tell(text); }
 
     TargetState state;
 
-    /// Returns the trace settings as lines of text, the way GetSettingsLine hands them out.
-    std::vector<std::string> SettingsLines() const;
+    // --- What it traces ---
 
-    /// Takes a new control word; refused if it has a bit that the target lacks.
+    /// Returns what the registers set. A typed address stands for its value as long as it has that.
+    TraceSettings Settings();
+
+    /// Returns the settings as lines of text, the way GetSettingsLine hands them out.
+    std::vector<std::string> SettingsLines();
+
+    Refusal TracePc(PcTrace mode); ///< none, all, or what others have programmed
+    Refusal StartPcAt(const Address& address);
+    Refusal StopPcAt(const Address& address);
+    /// One end of a range; the registers change when both are known.
+    Refusal TracePcFrom(const Address& address);
+    Refusal TracePcTo(const Address& address);
+    Refusal TraceData(DataTrace kind); ///< everywhere
+    Refusal TraceDataFrom(const Address& address);
+    Refusal TraceDataTo(const Address& address);
+    Refusal SetTrigger(const Address& address);
+    Refusal SetPortSize(uint32_t bits);
+    Refusal SetHalfRate(bool on);
+
+    /// Brings the registers about to what `state` says was asked for.
+    void Reprogram();
+
+    // --- Comparators of the DWT ---
+
+    std::vector<DwtComparator> DwtComparators();
+    /// Has comparator `index` tell the ETM when the core is at `address`. Refused for one that does
+    /// something else: it is the debugger's.
+    Refusal SetDwt(uint32_t index, uint32_t address);
+    Refusal ClearDwt(uint32_t index);
+
+    // --- Capture ---
+
+    /// Returns the control word: trace enabled as the chip says, the rest as it was set.
+    uint32_t Control();
+    /// Takes a new control word; refused if it has a bit that the target lacks. Without
+    /// ORN_CONTROL_TRIGGER_ADDRESS the trigger is disarmed.
     Refusal SetControl(uint32_t word);
+    Refusal Enable(bool on);
 
-    /// Takes a new number of words to capture behind the trigger. Refused if the buffer is smaller,
-    /// and while an on-chip buffer captures: it ignores the write then.
+    /// Words to capture behind the trigger. More than the buffer has are refused; so is any change
+    /// while an on-chip buffer captures: it ignores the write then.
+    uint32_t TriggerCount();
     Refusal SetTriggerCount(uint32_t count);
 
-    /// Starts and ends a capture.
     Refusal Start();
     Refusal Stop();
     Refusal ForceTrigger();
+    Refusal ClearBuffer();
 
-    /// One step of simulated time: a running capture fills an eighth of the buffer, and stops if a
-    /// stop mode tells it to. An address trigger occurs at the fourth step.
-    void Step();
+    /// Looks at the capture, as Poll does, without letting time go by. Throws BusError.
+    void Look();
 
-    /// Returns the state word of GetTraceState.
+    /// Looks at the capture, by one access to the chip; of a simulated one a step of time goes by
+    /// first. Refused if the chip doesn't answer: the capture then counts as stopped.
+    Refusal Poll();
+
+    /// Returns the state word of GetTraceState, as it was at the last look.
     uint32_t StateWord() const;
 
+    // --- The board ---
+
+    Refusal PreparePins(); ///< by the debug server's own means
+    Refusal WriteMemory(uint32_t address, uint32_t value);
+
+    static const Symbols& NoSymbols();
+
 private:
-    void Trigger();
+    void Prepare();
+    Refusal Try(const std::function<Refusal()>& action);
+    EtmImage ReadImage();
+    bool IsEnabled();
+    void PowerTrace();
+    void Program(const std::vector<EtmWrite>& writes);
+    Refusal ProgramPc(const EtmImage& image, EtmSettings wanted);
+    Refusal ProgramPcEnds(PcTrace mode, const std::optional<Address>& begin,
+                          const std::optional<Address>& end);
+    Refusal ProgramDataRange(const Address& begin, const Address& end);
+    Refusal PcRangeEnd(const Address& address, bool isEnd);
+    Refusal DataRangeEnd(const Address& address, bool isEnd);
+    Refusal CheckDwt(const EtmSettings& settings);
+    void Disarm();
+    std::string TextOf(const std::string& typed, uint32_t value) const;
+    std::optional<Address> Typed(const std::string& text) const;
 
-    const Chip* m_Chip;
-    EtmResources m_Etm;
+    const Symbols& m_Symbols;
+    Tell m_Tell = [](const std::string&) {};
+    SimulatedChip* m_Simulated = nullptr;
+    std::unique_ptr<RegisterBus> m_Bus;
+    TraceHardware m_Hardware;
+    std::unique_ptr<TraceSink> m_Sink;
+    bool m_PowerLost = false; // and told so
 };
-
-/// Returns the word that commands and settings lines use for `data`.
-const char* DataTraceName(DataTrace data);
 
 } // namespace etmhost

@@ -9,7 +9,7 @@ namespace {
 std::string Look(Target& target, int steps) {
     std::string words;
     for (int step = 0; step < steps; ++step) {
-        target.Step();
+        target.Poll();
         words += std::to_string(target.StateWord());
     }
     return words;
@@ -28,24 +28,26 @@ TEST(Capture, StopsAsItsModeSays) {
         {"address, nothing behind", "arm926", 0x201, "main", 0, "444222222222"},
         {"address, a whole buffer", "arm926", 0x201, "main", 8, "444444444442"},
         {"address, but no trigger set", "arm926", 0x201, "", 2, "444444444444"},
-        {"ETB, which goes round", "arm9-etb", 0x3, "", 2, "444444444444"},
+        {"ETB, which goes round", "arm9-etb", 0x1, "", 2, "444444444444"},
+        {"ETB, behind an address", "arm9-etb", 0x201, "main", 2, "444442222222"},
         {"TPIU, which has no trigger", "cortex-m3", 0x201, "1", 2, "444444444444"},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.what);
         Target target(*FindChip(row.chip));
         ASSERT_EQ(target.SetControl(row.control), Refusal());
-        ASSERT_EQ(target.SetTriggerCount(target.chip().bufferSize / 8 * row.eighths), Refusal());
-        target.state.trace.trigger = row.trigger;
+        ASSERT_EQ(target.SetTriggerCount(target.hardware().capacity / 8 * row.eighths), Refusal());
+        const std::string trigger = row.trigger;
+        EXPECT_EQ(trigger.empty() ? Refusal() : target.SetTrigger({trigger, 1}), Refusal());
         EXPECT_EQ(target.Start(), Refusal());
         EXPECT_EQ(Look(target, 12), row.words);
-        EXPECT_LE(target.state.capture.captured, target.chip().bufferSize);
+        EXPECT_LE(target.state.capture.captured, target.hardware().capacity);
     }
 }
 
 TEST(Capture, ObeysCommands) {
     Target target(*FindChip("arm7"));
-    const uint32_t eighth = target.chip().bufferSize / 8;
+    const uint32_t eighth = target.hardware().capacity / 8;
     target.SetTriggerCount(2 * eighth);
     const auto start = [&](uint32_t control, int steps) {
         EXPECT_EQ(target.SetControl(control), Refusal());
@@ -68,10 +70,13 @@ TEST(Capture, ObeysCommands) {
     EXPECT_EQ(target.state.capture.captured, eighth);
 
     EXPECT_NE(target.SetControl(0x80000001), Refusal());
+    for (const char* name : {"arm9-etb", "cortex-m4"}) // stop when full, an external pin
+        for (const uint32_t control : {0x3u, 0x101u})
+            EXPECT_NE(Target(*FindChip(name)).SetControl(control), Refusal());
     EXPECT_EQ(target.state.control, 0x1u);
     for (const char* name : {"arm7", "arm9-etb"}) {
         Target fresh(*FindChip(name));
-        const uint32_t size = fresh.chip().bufferSize;
+        const uint32_t size = fresh.hardware().capacity;
         fresh.SetControl(0x1);
         fresh.Start();
         EXPECT_NE(fresh.SetTriggerCount(size + 1), Refusal());

@@ -50,7 +50,8 @@ TEST(Expression, IsAValueOrAnError) {
 
 // A target and its command language.
 struct Machine {
-    explicit Machine(const char* chip) : target(*FindChip(chip)), language(target, kSymbols) {}
+    explicit Machine(const char* chip)
+        : target(*FindChip(chip), kSymbols), language(target, kSymbols) {}
 
     std::string Run(const std::string& text) {
         return language.Execute(text, nullptr).value_or("ok");

@@ -31,13 +31,15 @@ TEST(StateFile, EverythingSurvives) {
     const std::string path = directory.PathOf("state.json");
     LoadedHost first("arm926", path);
     TargetState& state = first.host.target.state;
-    state = {
-        .control = 0x30F,
-        .triggerCount = 4294967295u,
-        .macro = "\xF6.mac", // not UTF-8
-        .pinsReady = true,
-        .trace = {PcTrace::Range, "main", "main+\"4\"", DataTrace::All, "1", "2", "\x80", 4, true},
-        .capture = {true, true, true, 7, 8, 9}};
+    state = {.control = 0x30F,
+             .triggerCount = 4294967295u,
+             .macro = "\xF6.mac", // not UTF-8
+             .pinsReady = true,
+             .trace = {PcTrace::Range, "main", "main+\"4\"", DataTrace::All, "1", "2", "\x80", 4,
+                       true, true, true},
+             .capture = {true, true, true, 7, 8, 9},
+             .registers = {{0x40, 0xFFFFFFFF}},
+             .dwt = {{1, 0x8000}}};
     first.host.settings["KVETM"]["BoardFile"] = "caf\xE9/x.mac";
     first.host.settings["other"]["key"] = "";
     first.file.Update(first.host);

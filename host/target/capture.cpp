@@ -1,0 +1,267 @@
+#include "host/target/capture.h"
+
+#include <algorithm>
+
+#include "frame/interfaces/IOrnVETMTrace.h"
+#include "host/support/words.h"
+#include "host/target/etm_programming.h"
+#include "host/target/etm_registers.h"
+
+namespace etmhost {
+
+namespace {
+
+constexpr uint32_t kStepsToFill = 8;
+constexpr uint32_t kTriggerStep = 4;
+
+Refusal TooMany(uint32_t capacity) {
+    return "The trace buffer has only " + std::to_string(capacity) + " words";
+}
+
+bool EtmSends(uint32_t control) {
+    constexpr uint32_t kSending = ETMCR_POWER_DOWN | ETMCR_PROGRAMMING | ETMCR_ENABLE;
+    return (control & kSending) == ETMCR_ENABLE;
+}
+
+// --- The on-chip buffer ------------------------------------------------------------------
+
+class BufferSink final : public TraceSink {
+public:
+    BufferSink(RegisterBus& bus, const TraceHardware& hardware, uint32_t& count)
+        : m_Bus(bus), m_Hardware(hardware), m_Base(*hardware.etbBase), m_Count(count) {}
+
+    Refusal CheckControl(uint32_t control) const override {
+        if ((control & ORN_CONTROL_STOP_WHEN_FULL) != 0)
+            return "An on-chip buffer goes round and round: it cannot stop when it is full";
+        if ((control & ORN_CONTROL_TRIGGER_PIN) != 0)
+            return "No external pin leads to the trigger of this on-chip buffer";
+        return {};
+    }
+
+    uint32_t TriggerCount() override {
+        const uint32_t held = m_Bus.Read(m_Base + ETB_TRIGGER);
+        return InRegister(m_Count) == held ? m_Count : held + 1;
+    }
+
+    Refusal SetTriggerCount(uint32_t count) override {
+        if (count > m_Hardware.capacity) return TooMany(m_Hardware.capacity);
+        if (IsCapturing()) return "The trigger count of an ETB cannot be changed while it captures";
+        Prepare();
+        WriteChecked(m_Bus, "the ETB's trigger counter", m_Base + ETB_TRIGGER, InRegister(count));
+        m_Count = count;
+        return {};
+    }
+
+    void Start(uint32_t control) override {
+        const uint32_t count = TriggerCount();
+        Prepare();
+        if ((control & ORN_CONTROL_ACCUMULATE) == 0) Empty();
+        m_Bus.Write(m_Base + ETB_TRIGGER, InRegister(count));
+        constexpr uint32_t kStops =
+            (1u << 0) | (1u << 1) | (0x7u << 4) | ETB_STOP_ON_FLUSH | ETB_STOP_ON_TRIGGER;
+        constexpr uint32_t kTriggers = ORN_CONTROL_TRIGGER_ADDRESS | ORN_CONTROL_TRIGGER_PIN;
+        const uint32_t formatter =
+            ETB_FORMATTING | ((control & kTriggers) != 0 ? ETB_STOP_ON_TRIGGER : 0);
+        WriteChecked(m_Bus, "the ETB's formatter control", m_Base + ETB_FORMATTER, formatter,
+                     kStops);
+        WriteChecked(m_Bus, "the ETB's control register", m_Base + ETB_CONTROL, ETB_CAPTURE,
+                     ETB_CAPTURE);
+    }
+
+    void Stop() override {
+        if ((m_Bus.Read(m_Base + ETB_CONTROL) & ETB_CAPTURE) == 0) return;
+        Unlock(m_Bus, m_Base, "ETB");
+        const uint32_t formatter = m_Bus.Read(m_Base + ETB_FORMATTER) | ETB_STOP_ON_FLUSH;
+        m_Bus.Write(m_Base + ETB_FORMATTER, formatter);
+        m_Bus.Write(m_Base + ETB_FORMATTER, formatter | ETB_FLUSH);
+        const uint32_t flushed = Await(m_Bus, m_Base + ETB_FORMATTER, ETB_FLUSH, 0);
+        m_Bus.Write(m_Base + ETB_CONTROL, 0); // also where the flush does not end
+        const uint32_t stopped = Await(m_Bus, m_Base + ETB_FORMATTER_STATUS, ETB_FORMATTER_STOPPED,
+                                       ETB_FORMATTER_STOPPED);
+        if ((flushed & ETB_FLUSH) != 0 || (stopped & ETB_FORMATTER_STOPPED) == 0) {
+            throw BusError("the ETB's formatter did not stop: its control register reads " +
+                           Hex(flushed) + ", its status " + Hex(stopped));
+        }
+    }
+
+    Refusal ForceTrigger() override {
+        return "The trigger of an ETB comes from the ETM and cannot be forced";
+    }
+
+    void Clear() override {
+        if (IsCapturing()) return; // it takes no pointers now, and goes round anyway
+        Prepare();
+        Empty();
+    }
+
+    std::vector<uint32_t> StateAddresses() const override {
+        return {m_Base + ETB_CONTROL, m_Base + ETB_FORMATTER_STATUS, m_Base + ETB_STATUS,
+                m_Base + ETB_WRITE_POINTER};
+    }
+
+    Capture Look(uint32_t, const std::vector<uint32_t>& words, const Capture& before) override {
+        Capture capture = before;
+        capture.running = (words[0] & ETB_CAPTURE) != 0 && (words[1] & ETB_FORMATTER_STOPPED) == 0;
+        capture.triggered = (words[2] & ETB_STATUS_TRIGGERED) != 0;
+        capture.captured = (words[2] & ETB_STATUS_FULL) != 0
+                               ? m_Hardware.capacity
+                               : std::min(words[3], m_Hardware.capacity);
+        return capture;
+    }
+
+private:
+    // This and one more words are stored behind the trigger.
+    static uint32_t InRegister(uint32_t count) { return count > 0 ? count - 1 : 0; }
+
+    bool IsCapturing() {
+        const uint32_t addresses[] = {m_Base + ETB_CONTROL, m_Base + ETB_FORMATTER_STATUS};
+        const std::vector<uint32_t> words = m_Bus.Read(addresses);
+        return (words[0] & ETB_CAPTURE) != 0 && (words[1] & ETB_FORMATTER_STOPPED) == 0;
+    }
+
+    // Opens and disables the buffer, so that its registers can be written.
+    void Prepare() {
+        Unlock(m_Bus, m_Base, "ETB");
+        if ((m_Bus.Read(m_Base + ETB_CONTROL) & ETB_CAPTURE) != 0)
+            WriteChecked(m_Bus, "the ETB's control register", m_Base + ETB_CONTROL, 0, ETB_CAPTURE);
+        if (m_Hardware.bufferIsController)
+            WriteChecked(m_Bus, "the buffer's mode register", m_Base + ETB_MODE, 0, 3);
+    }
+
+    void Empty() {
+        WriteChecked(m_Bus, "the ETB's write pointer", m_Base + ETB_WRITE_POINTER, 0);
+        m_Bus.Write(m_Base + ETB_READ_POINTER, 0);
+    }
+
+    RegisterBus& m_Bus;
+    const TraceHardware& m_Hardware;
+    const uint32_t m_Base;
+    uint32_t& m_Count;
+};
+
+// --- The port ------------------------------------------------------------------------------
+
+class PortSink final : public TraceSink {
+public:
+    PortSink(RegisterBus& bus, const TraceHardware& hardware) : m_Bus(bus), m_Hardware(hardware) {}
+
+    Refusal CheckControl(uint32_t control) const override {
+        if ((control & ORN_CONTROL_STOP_WHEN_FULL) != 0)
+            return "A trace port has no buffer that could be full; what takes its trace is outside";
+        if ((control & ORN_CONTROL_TRIGGER_PIN) != 0)
+            return "No external pin leads to the trigger of this trace port";
+        return {};
+    }
+    uint32_t TriggerCount() override { return 0; }
+    Refusal SetTriggerCount(uint32_t count) override {
+        if (count == 0) return {};
+        return "A trace port has no buffer with words behind a trigger";
+    }
+    void Start(uint32_t) override { Gate(ETMCR_ENABLE); }
+    void Stop() override { Gate(0); }
+    Refusal ForceTrigger() override { return "A TPIU has no trigger that could be forced"; }
+    void Clear() override {}
+    Capture Look(uint32_t etmControl, const std::vector<uint32_t>&,
+                 const Capture& before) override {
+        Capture capture = before;
+        capture.running = EtmSends(etmControl);
+        return capture;
+    }
+
+private:
+    void Gate(uint32_t enable) {
+        const EtmWrite writes[] = {{ETMCR, enable, ETMCR_ENABLE}};
+        ProgramEtm(m_Bus, m_Hardware, {std::begin(writes), std::end(writes)});
+    }
+
+    RegisterBus& m_Bus;
+    const TraceHardware& m_Hardware;
+};
+
+// --- The simulated emulator ----------------------------------------------------------------
+
+class EmulatorSink final : public TraceSink {
+public:
+    EmulatorSink(const SimulatedChip& chip, const TraceHardware& hardware, Capture& capture,
+                 uint32_t& count)
+        : m_Chip(chip), m_Hardware(hardware), m_Capture(capture), m_Count(count) {}
+
+    Refusal CheckControl(uint32_t) const override { return {}; }
+    uint32_t TriggerCount() override { return m_Count; }
+    Refusal SetTriggerCount(uint32_t count) override {
+        if (count > m_Hardware.capacity) return TooMany(m_Hardware.capacity);
+        m_Count = count;
+        return {};
+    }
+
+    void Start(uint32_t control) override {
+        if (m_Capture.running) return;
+        const uint32_t kept = (control & ORN_CONTROL_ACCUMULATE) != 0 ? m_Capture.captured : 0;
+        m_Capture = {.running = true, .ended = m_Capture.ended, .captured = kept};
+    }
+    void Stop() override { m_Capture.running = false; }
+
+    Refusal ForceTrigger() override {
+        if (m_Hardware.tpiuBase) return "A TPIU has no trigger that could be forced";
+        if (!m_Capture.running) return "Capture is not running";
+        Trigger();
+        return {};
+    }
+    void Clear() override { m_Capture.captured = 0; }
+
+    Capture Look(uint32_t, const std::vector<uint32_t>&, const Capture&) override {
+        return m_Capture;
+    }
+
+    void Step(uint32_t control) override {
+        if (!m_Capture.running || !m_Chip.TraceFlows()) return;
+        const uint32_t size = m_Hardware.capacity;
+        const uint32_t amount = std::max<uint32_t>(size / kStepsToFill, 1);
+        m_Capture.steps += 1;
+        m_Capture.captured =
+            static_cast<uint32_t>(std::min<uint64_t>(uint64_t{m_Capture.captured} + amount, size));
+        if (m_Capture.triggered) m_Capture.remaining -= std::min(m_Capture.remaining, amount);
+        if (m_Capture.steps == kTriggerStep && !m_Hardware.tpiuBase &&
+            (control & ORN_CONTROL_TRIGGER_ADDRESS) != 0 && m_Chip.HasTrigger())
+            Trigger();
+        constexpr uint32_t kTriggers = ORN_CONTROL_TRIGGER_PIN | ORN_CONTROL_TRIGGER_ADDRESS;
+        const bool full = (control & ORN_CONTROL_STOP_WHEN_FULL) != 0 && m_Capture.captured == size;
+        const bool behindTrigger =
+            (control & kTriggers) != 0 && m_Capture.triggered && m_Capture.remaining == 0;
+        if (full || behindTrigger) {
+            m_Capture.running = false;
+            m_Capture.ended = !m_Capture.ended;
+        }
+    }
+
+private:
+    void Trigger() {
+        if (m_Capture.triggered) return;
+        m_Capture.triggered = true;
+        m_Capture.remaining = m_Count;
+    }
+
+    const SimulatedChip& m_Chip;
+    const TraceHardware& m_Hardware;
+    Capture& m_Capture;
+    uint32_t& m_Count;
+};
+
+} // namespace
+
+std::unique_ptr<TraceSink> MakeBufferSink(RegisterBus& bus, const TraceHardware& hardware,
+                                          uint32_t& count) {
+    return std::make_unique<BufferSink>(bus, hardware, count);
+}
+
+std::unique_ptr<TraceSink> MakePortSink(RegisterBus& bus, const TraceHardware& hardware) {
+    return std::make_unique<PortSink>(bus, hardware);
+}
+
+std::unique_ptr<TraceSink> MakeEmulatorSink(const SimulatedChip& chip,
+                                            const TraceHardware& hardware, Capture& capture,
+                                            uint32_t& count) {
+    return std::make_unique<EmulatorSink>(chip, hardware, capture, count);
+}
+
+} // namespace etmhost
