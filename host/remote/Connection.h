@@ -47,6 +47,9 @@ public:
 
     bool IsOpen() const { return m_Socket != sockets::kNone; }
 
+    /// Returns why it is closed.
+    const std::string& reason() const { return m_Reason; }
+
 private:
     friend class Listener;
     explicit Connection(sockets::Socket socket) : m_Socket(socket) {}
