@@ -5,9 +5,11 @@
 BUILD_PACKAGES=(g++ cmake ninja-build pkg-config qt6-base-dev libgl-dev fonts-dejavu-core
   libcli11-dev nlohmann-json3-dev libelf-dev)
 
-# To test them: a second compiler with its sanitizers, a virtual screen, other fonts.
+# To test them: a second compiler with its sanitizers, a virtual screen, other fonts; debug servers
+# and a debugger.
 TEST_PACKAGES=(clang libclang-rt-14-dev llvm clang-format clang-tidy shellcheck libgtest-dev
-  libgmock-dev xvfb xauth binutils fonts-liberation2 fonts-cantarell python3)
+  libgmock-dev xvfb xauth binutils fonts-liberation2 fonts-cantarell python3
+  openocd gdb-multiarch qemu-system-arm)
 
 # To measure them, beside a generated scanner.
 BENCH_PACKAGES=(libbenchmark-dev re2c python3)

@@ -1,9 +1,11 @@
-// etmhost: a debugger host with simulated chips, to develop and try the module against.
+// etmhost: a debugger host with simulated and real chips, to set up trace and to develop and try
+// the module against.
 
 #include <CLI/CLI.hpp>
 #include <iostream>
 #include <optional>
 
+#include "host/commandline/remote.h"
 #include "host/commandline/screen.h"
 #include "host/commandline/state_file.h"
 #include "host/support/host_error.h"
@@ -15,6 +17,10 @@ namespace {
 
 struct Options {
     std::string chip = "arm926";
+    std::string remote;
+    std::vector<std::string> bases;
+    uint16_t port = 0; // of the server
+    bool once = false;
     std::string state;
     std::string module;
     std::string symbols;
@@ -49,17 +55,25 @@ Status RunWithModule(const std::string& command, const Options& options, Simulat
     return OpenDialog(session, host, std::cerr);
 }
 
-Status Run(const std::string& command, const Options& options) {
-    if (command == "chips") return ShowChips(std::cout);
+std::unique_ptr<SimulatedHost> MakeHost(const Options& options, const Journal& journal) {
+    Symbols symbols = options.symbols.empty() ? Symbols() : ReadSymbols(ToPath(options.symbols));
+    if (!options.remote.empty())
+        return MakeRemoteHost(options.remote, options.bases, std::move(symbols), journal,
+                              std::cerr);
     const Chip* chip = FindChip(options.chip);
     if (chip == nullptr) {
         throw HostError("there is no chip \"" + options.chip +
                         "\"; \"etmhost chips\" lists those there are");
     }
+    return std::make_unique<SimulatedHost>(*chip, std::move(symbols), journal);
+}
+
+Status Run(const std::string& command, const Options& options) {
+    if (command == "chips") return ShowChips(std::cout);
     const bool journal = options.journal || command == "tour";
-    SimulatedHost host(*chip,
-                       options.symbols.empty() ? Symbols() : ReadSymbols(ToPath(options.symbols)),
-                       Journal(journal ? &std::cout : nullptr, &std::cerr));
+    const std::unique_ptr<SimulatedHost> made =
+        MakeHost(options, Journal(journal ? &std::cout : nullptr, &std::cerr));
+    SimulatedHost& host = *made;
     std::optional<StateFile> state;
     std::string failure; // why the last change could not be kept
     if (!options.state.empty()) {
@@ -78,6 +92,8 @@ Status Run(const std::string& command, const Options& options) {
         };
     }
     if (command == "show") return ShowTarget(host, std::cout);
+    if (command == "serve")
+        return ServeChip(host, *FindChip(options.chip), options.port, options.once, std::cout);
     Status status = kDone;
     if (command == "run")
         status = RunCommands(host, options.commands, std::cout);
@@ -90,8 +106,20 @@ Status Run(const std::string& command, const Options& options) {
 void Describe(CLI::App& app, Options& options) {
     app.require_subcommand(1);
     app.option_defaults()->always_capture_default();
-    app.add_option("--chip", options.chip, "The chip to simulate")->type_name("NAME");
+    CLI::Option* chip =
+        app.add_option("--chip", options.chip, "The chip to simulate")->type_name("NAME");
     app.option_defaults()->always_capture_default(false);
+    CLI::Option* remote =
+        app.add_option("--remote", options.remote,
+                       "A real chip in place of a simulated one: openocd:[HOST:]PORT, the Tcl port "
+                       "of an OpenOCD that runs (recommended), or gdb:[HOST:]PORT")
+            ->type_name("SERVER")
+            ->excludes(chip);
+    app.add_option("--base", options.bases,
+                   "Where a real chip has components that its ROM table does not list: "
+                   "etm=ADDRESS, tpiu=, etb=, dwt=, or the table itself, rom=")
+        ->type_name("NAME=ADDRESS")
+        ->needs(remote);
     app.add_option("--state", options.state,
                    "Keep the simulated target and the named settings in FILE")
         ->type_name("FILE");
@@ -117,6 +145,11 @@ void Describe(CLI::App& app, Options& options) {
         ->required()
         ->type_name("");
     command("open", "Show the dialog");
+    CLI::App* serve = command(
+        "serve", "Offer the simulated chip to OpenOCD, as an adapter of the kind remote_bitbang");
+    serve->add_option("--port", options.port, "The port to listen at; 0: any that is free")
+        ->type_name("NUMBER");
+    serve->add_flag("--once", options.once, "End behind the first caller");
     command("apply", "Send the module's settings to the target");
     command("init-board", "Settle the board file, and ask for it if need be")
         ->add_option("--directory", options.directory,
@@ -135,8 +168,9 @@ void Describe(CLI::App& app, Options& options) {
 
 Status Main(int argc, char** argv) {
     Options options;
-    CLI::App app("A debugger host with simulated chips, which loads and drives the trace module.",
-                 "etmhost");
+    CLI::App app(
+        "A debugger host with simulated and real chips, which loads and drives the trace module.",
+        "etmhost");
     Describe(app, options);
     try {
         app.parse(argc, argv);

@@ -103,7 +103,8 @@ void Target::Program(const std::vector<EtmWrite>& writes) {
 
 std::string Target::TextOf(const std::string& typed, uint32_t value) const {
     const Evaluation evaluation = Evaluate(typed, m_Symbols);
-    return evaluation.error.empty() && evaluation.value == value ? typed : Hex(value);
+    if (evaluation.error.empty() && evaluation.value == value) return typed;
+    return m_Hardware.etm.TakesIndexes() ? std::to_string(value) : Hex(value);
 }
 
 std::optional<Address> Target::Typed(const std::string& text) const {
