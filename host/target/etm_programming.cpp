@@ -135,14 +135,18 @@ private:
 
     void Restore() {
         try {
+            const uint32_t before = m_Before.at(ETMCR);
+            const uint32_t powered = before & ~ETMCR_POWER_DOWN;
+            // The way back leads through programming mode too, and it may have been left.
+            const uint32_t present = m_Bus.Read(Control()) & ~ETMCR_POWER_DOWN;
+            m_Bus.Write(Control(), present);
+            m_Bus.Write(Control(), present | ETMCR_PROGRAMMING);
             for (auto number = m_Written.rbegin(); number != m_Written.rend(); ++number)
                 m_Bus.Write(m_Hardware.Etm(*number), m_Before.at(*number));
-            const uint32_t before = m_Before.at(ETMCR);
-            m_Bus.Write(Control(), (before & ~ETMCR_POWER_DOWN) | ETMCR_PROGRAMMING);
-            m_Bus.Write(Control(), before & ~ETMCR_POWER_DOWN);
-            if ((before & ETMCR_POWER_DOWN) != 0) m_Bus.Write(Control(), before);
-        } catch (
-            const BusError&) { // NOLINT(bugprone-empty-catch): the first reason is the one to tell
+            m_Bus.Write(Control(), powered | ETMCR_PROGRAMMING);
+            m_Bus.Write(Control(), powered);
+            if (before != powered) m_Bus.Write(Control(), before);
+        } catch (const BusError&) { // NOLINT(bugprone-empty-catch): the first reason is to be told
         }
     }
 

@@ -1,0 +1,302 @@
+// Targets as their registers see them: what is written, in which order, and what comes back.
+
+#include "host/target/target.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <random>
+
+#include "frame/interfaces/IOrnVETMTrace.h"
+#include "host/support/words.h"
+#include "host/target/command.h"
+#include "host/target/etm_registers.h"
+
+namespace etmhost {
+namespace {
+
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+
+const Symbols kSymbols = {{"main", 0x8000}};
+
+// A chip that does not forgive: writes outside of its trace components, and those that an ETM of
+// its state may ignore, are noted as wrong.
+class StrictChip final : public RegisterBus {
+public:
+    explicit StrictChip(const Chip& chip) : m_Chip(chip, registers) {
+        hardware = HardwareOf(chip, m_Chip);
+        registers.clear(); // trace power is off again
+    }
+
+    using RegisterBus::Read;
+    std::vector<uint32_t> Read(std::span<const uint32_t> addresses) override {
+        ++accesses;
+        if (lostBehind == 0) throw BusLost("gone");
+        --lostBehind;
+        std::vector<uint32_t> words = m_Chip.Read(addresses);
+        for (size_t i = 0; i < words.size(); ++i)
+            if (addresses[i] == faultAddress) words[i] = (words[i] & ~faultMask) | faultValue;
+        return words;
+    }
+
+    void Write(uint32_t address, uint32_t value) override {
+        ++accesses;
+        if (lostBehind == 0) throw BusLost("gone");
+        --lostBehind;
+        Judge(address, value);
+        written.push_back(address);
+        m_Chip.Write(address, value);
+    }
+
+    uint32_t Etm(uint32_t number) { return m_Chip.Read(std::vector{hardware.Etm(number)})[0]; }
+    uint32_t Word(uint32_t address) { return m_Chip.Read(std::vector{address})[0]; }
+
+    /// What the ETM holds, and the power of trace.
+    std::vector<uint32_t> Held() {
+        std::vector<uint32_t> words = {Word(DEMCR), Etm(ETMTRACEIDR)};
+        for (const uint32_t number : SettingRegisters(hardware.etm)) words.push_back(Etm(number));
+        return words;
+    }
+
+    ChipRegisters registers;
+    TraceHardware hardware;
+    std::vector<std::string> wrong;
+    std::vector<uint32_t> written;
+    int lostBehind = -1;
+    int accesses = 0;
+    // What a read of that address gives in place of the truth.
+    uint32_t faultAddress = 1, faultMask = 0, faultValue = 0;
+
+private:
+    void Judge(uint32_t address, uint32_t value) {
+        const auto complain = [&](const char* what) {
+            wrong.push_back(std::string(what) + ": " + Hex(value) + " to " + Hex(address));
+        };
+        const auto inside = [address](const std::optional<uint32_t>& base) {
+            return base && address - *base < 0x1000;
+        };
+        if (address == DEMCR) {
+            if (value != (Word(DEMCR) | DEMCR_TRCENA)) complain("neighbours of TRCENA");
+            return;
+        }
+        if (inside(hardware.tpiuBase) || inside(hardware.etbBase) || inside(hardware.dwtBase))
+            return;
+        if (address - hardware.etmBase >= 0x1000) return complain("outside");
+        if (address - hardware.etmBase == CS_LAR) return;
+        const uint32_t control = Etm(ETMCR);
+        const uint32_t change = control ^ value;
+        if (address != hardware.Etm(ETMCR)) {
+            if ((control & ETMCR_PROGRAMMING) == 0) complain("out of programming mode");
+            if ((control & ETMCR_POWER_DOWN) != 0) complain("powered down");
+        } else if ((change & value & ETMCR_PROGRAMMING) != 0 && change != ETMCR_PROGRAMMING) {
+            complain("another bit with the programming bit");
+        } else if ((control & ETMCR_PROGRAMMING) == 0 &&
+                   (change & ~(ETMCR_PROGRAMMING | ETMCR_POWER_DOWN)) != 0) {
+            complain("control bits out of programming mode");
+        }
+    }
+
+    SimulatedChip m_Chip;
+};
+
+struct Bench {
+    explicit Bench(const char* name)
+        : chip(new StrictChip(*FindChip(name))),
+          target(std::unique_ptr<RegisterBus>(chip), chip->hardware, kSymbols,
+                 [this](const std::string& text) { told += text + "\n"; }),
+          language(target, kSymbols) {}
+
+    std::string Run(const std::string& command) {
+        return language.Execute(command, nullptr).value_or("ok");
+    }
+
+    std::string told;
+    StrictChip* const chip;
+    Target target;
+    CommandLanguage language;
+};
+
+const char* const kOnChip[] = {"arm9-etb", "cortex-m4", "cortex-m4-etb"};
+
+TEST(Target, KeepsToTheRulesWhateverIsAsked) {
+    std::mt19937 random(20261123);
+    const auto below = [&random](size_t limit) {
+        return std::uniform_int_distribution<size_t>(0, limit - 1)(random);
+    };
+    const char* const commands[] = {
+        "enable",           "disable",         "start",          "stop",
+        "etm pc=all",       "etm pc=none",     "etm pc=start 1", "etm pc=stop 2",
+        "etm pc=from 16",   "etm pc=to 32",    "etm data=all",   "etm data=none",
+        "etm data=from 64", "etm data=to 128", "etm trigger 3",  "etm portsize=4",
+        "etm portsize=2",   "etm halfrate=on", "dwt 1 main",     "dwt 1 off",
+        "etm complex",      "macro /none",     "trigger force"};
+    for (const char* name : kOnChip) {
+        SCOPED_TRACE(name);
+        Bench bench(name);
+        for (int step = 0; step < 3000; ++step) {
+            const std::string command = commands[below(std::size(commands))];
+            switch (below(8)) {
+            case 0:
+                bench.target.SetControl(static_cast<uint32_t>(below(2) | below(2) << 9));
+                break;
+            case 1:
+                bench.target.SetTriggerCount(static_cast<uint32_t>(below(1024)));
+                break;
+            case 2:
+                bench.chip->Step();
+                bench.target.Poll();
+                break;
+            default:
+                bench.Run(command);
+            }
+            ASSERT_THAT(bench.chip->wrong, IsEmpty()) << command;
+            // What was powered is never left in programming mode.
+            const uint32_t control = bench.chip->Etm(ETMCR);
+            EXPECT_NE(control & (ETMCR_PROGRAMMING | ETMCR_POWER_DOWN), ETMCR_PROGRAMMING)
+                << command;
+        }
+    }
+}
+
+TEST(Target, LooksWithoutWriting) {
+    for (const char* name : kOnChip) {
+        Bench bench(name);
+        bench.chip->written.clear();
+        bench.target.SettingsLines();
+        bench.target.Control();
+        bench.target.TriggerCount();
+        bench.target.DwtComparators();
+        const int before = bench.chip->accesses;
+        EXPECT_EQ(bench.target.Poll(), Refusal());
+        EXPECT_EQ(bench.chip->accesses, before + 1) << "one batch for each look";
+        EXPECT_THAT(bench.chip->written, IsEmpty()) << name;
+    }
+}
+
+TEST(Target, SetsWhatAnEngineerWouldWriteByHand) {
+    Bench bench("cortex-m4");
+    StrictChip& chip = *bench.chip;
+    for (const char* command : {"dwt 0 main", "dwt 1 main+0x40", "enable", "etm pc=start 0",
+                                "etm pc=stop 1", "etm portsize=4"})
+        EXPECT_EQ(bench.Run(command), "ok") << command;
+    EXPECT_EQ(chip.Etm(ETMCR), 0x810u) << "powered, enabled, out of programming mode";
+    EXPECT_EQ(chip.Etm(ETMTECR1), 1u << 25);
+    EXPECT_EQ(chip.Etm(ETMTESSEICR), 0x00020001u);
+    EXPECT_EQ(chip.Etm(ETMTEEVR), 0x6Fu);
+    EXPECT_EQ(chip.Etm(ETMTRACEIDR), 1u);
+    EXPECT_EQ(chip.Word(0xE0040004), 8u);
+    EXPECT_EQ(chip.Word(0xE0001020), 0x8000u);
+    EXPECT_EQ(chip.Word(0xE0001028), 8u);
+    EXPECT_EQ(chip.Word(0xE0001038) & 0xF, 8u);
+    EXPECT_EQ(chip.Word(DEMCR), DEMCR_TRCENA);
+    EXPECT_EQ(bench.Run("etm pc=start 0"), "ok") << "takes the stop back";
+    EXPECT_EQ(chip.Etm(ETMTESSEICR), 0x00000001u);
+    EXPECT_EQ(bench.Run("etm trigger 1"), "ok");
+    EXPECT_EQ(chip.Etm(ETMTRIGGER), 0x21u);
+    EXPECT_EQ(bench.target.SetControl(1), Refusal()) << "no command takes a trigger back";
+    EXPECT_EQ(chip.Etm(ETMTRIGGER), 0x406Fu);
+
+    // A range is held until it is whole; nothing happens on the chip before.
+    Bench ranges("arm9-etb");
+    EXPECT_EQ(ranges.Run("etm pc=from main + 4"), "ok");
+    EXPECT_EQ(ranges.chip->Etm(ETMTECR1), 1u << 24);
+    EXPECT_EQ(ranges.target.SettingsLines()[0], "ETM PC = from main + 4");
+    EXPECT_EQ(ranges.Run("etm pc=to 0x9000"), "ok");
+    EXPECT_EQ(ranges.chip->Etm(ETMTECR1), 1u);
+    EXPECT_EQ(ranges.chip->Etm(ETMACVR), 0x8004u);
+    EXPECT_EQ(ranges.chip->Etm(ETMACVR + 1), 0x9000u) << "as it evaluates";
+    EXPECT_EQ(ranges.target.SettingsLines()[0], "ETM PC = from main + 4");
+    ranges.chip->registers[4 * ETMACVR] = 0x4000; // by somebody else
+    EXPECT_EQ(ranges.target.SettingsLines()[0], "ETM PC = from 0x4000");
+
+    Bench buffer("cortex-m4-etb");
+    for (const uint32_t count : {512u, 1u, 0u}) {
+        EXPECT_EQ(buffer.target.SetTriggerCount(count), Refusal());
+        EXPECT_EQ(buffer.chip->Word(0xE004201C), count > 0 ? count - 1 : 0);
+        EXPECT_EQ(buffer.target.TriggerCount(), count);
+    }
+    buffer.target.SetControl(0x201);
+    EXPECT_EQ(buffer.Run("start"), "ok");
+    EXPECT_EQ(buffer.chip->Word(0xE0042304), 0x2001u) << "formatting, stop on trigger";
+    EXPECT_EQ(buffer.chip->Word(0xE0042020), 1u);
+    EXPECT_THAT(buffer.target.SetTriggerCount(3).value_or(""), HasSubstr("while it captures"));
+    EXPECT_EQ(buffer.Run("stop"), "ok");
+    EXPECT_EQ(buffer.chip->Word(0xE0042020), 0u);
+}
+
+// Whatever goes wrong is told with register and values, and what was there is restored.
+TEST(Target, RefusesAChipThatDoesNotObey) {
+    constexpr uint32_t kEtm = 0xE0041000;
+    const struct {
+        const char *what, *command, *text;
+        uint32_t address, mask, value;
+    } rows[] = {
+        {"drops a bit", "etm pc=start 0", "ETMTECR1 (0xE0041024): 0x2000000 was written, 0x0 read",
+         kEtm + 4 * ETMTECR1, 1u << 25, 0},
+        {"a bit that sticks", "etm pc=none", "ETMTEEVR (0xE0041020): 0x406F was written, 0x6F read",
+         kEtm + 4 * ETMTEEVR, 0x4000, 0},
+        {"never programs", "etm pc=none", "never entered programming mode: ETMSR (0xE0041010)",
+         kEtm + 4 * ETMSR, 2, 0},
+        {"programs for ever", "enable", "never left programming mode", kEtm + 4 * ETMSR, 2, 2},
+        {"stays locked", "enable", "stays locked: 0xC5ACCE55 was written", kEtm + CS_LSR, 3, 3},
+        {"stays powered down", "enable", "ETMCR (0xE0041000)", kEtm, 1, 1},
+        {"no trace power", "enable", "DEMCR (0xE000EDFC)", DEMCR, DEMCR_TRCENA, 0},
+        {"a port that stays", "etm portsize=4", "port size (0xE0040004): 0x8 was written, 0x1 read",
+         0xE0040004, 0xF, 1},
+        {"a comparator that stays", "dwt 2 main",
+         "function (0xE0001048): 0x8 was written, 0x0 read", 0xE0001048, 0xF, 0},
+        {"a comparator of the debugger", "dwt 2 main", "in use: its function reads 0x5", 0xE0001048,
+         0xF, 5},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.what);
+        Bench bench("cortex-m4");
+        ASSERT_EQ(bench.Run("disable"), "ok"); // the lock is open, the power on
+        for (const uint32_t start : {0x411u, 0x10u}) {
+            bench.chip->registers[kEtm] = start;
+            const std::vector<uint32_t> before = bench.chip->Held();
+            bench.chip->faultAddress = row.address;
+            bench.chip->faultMask = row.mask;
+            bench.chip->faultValue = row.value;
+            EXPECT_THAT(bench.Run(row.command), HasSubstr(row.text));
+            // What ETMCR held nobody could know where it is that which lies.
+            EXPECT_TRUE(row.address == kEtm || bench.chip->Held() == before) << Hex(start);
+            EXPECT_THAT(bench.chip->wrong, IsEmpty());
+        }
+    }
+}
+
+TEST(Target, OutlivesItsConnectionAndItsPower) {
+    for (int accesses = 0; accesses < 30; ++accesses) {
+        Bench bench("cortex-m4-etb");
+        bench.Run("enable");
+        bench.Run("start");
+        ASSERT_TRUE((bench.target.StateWord() & ORN_STATE_RUNNING) != 0);
+        bench.chip->lostBehind = accesses;
+        std::string refusal;
+        for (const char* command : {"etm pc=start 1", "stop", "dwt 0 main", "etm portsize=4"})
+            refusal = bench.Run(command);
+        EXPECT_EQ(refusal, "Gone");
+        EXPECT_EQ(bench.target.Poll(), "Gone");
+        EXPECT_EQ(bench.target.StateWord() & ORN_STATE_RUNNING, 0u) << "says stopped";
+        EXPECT_THROW(bench.target.SettingsLines(), BusLost);
+    }
+
+    Bench reset("cortex-m4-etb");
+    for (const char* command : {"dwt 0 main", "etm pc=start 0", "enable", "start"})
+        EXPECT_EQ(reset.Run(command), "ok");
+    reset.target.Poll();
+    reset.chip->registers.clear();
+    reset.told.clear();
+    for (int look = 0; look < 3; ++look) reset.target.Poll();
+    EXPECT_EQ(reset.told, "trace has lost its power: the chip may have been reset\n");
+    EXPECT_EQ(reset.target.StateWord(), ORN_STATE_LOOK_AGAIN);
+    EXPECT_THAT(reset.Run("etm pc=start 0"), HasSubstr("Set it anew: dwt 0 0x8000"));
+    EXPECT_TRUE(reset.target.DwtComparators()[0].lost);
+    EXPECT_EQ(reset.Run("dwt 0 main"), "ok");
+    EXPECT_EQ(reset.Run("etm pc=start 0"), "ok");
+}
+
+} // namespace
+} // namespace etmhost
