@@ -96,6 +96,7 @@ bool IsGdbConsoleText(std::string_view payload) {
 
 std::optional<std::string> ParseGdbError(std::string_view payload) {
     if (payload.empty()) return "the server does not know this request";
+    if (payload == "E.") return "the server gives no reason";
     if (payload.starts_with("E.")) return std::string(payload.substr(2));
     if (payload.size() == 3 && payload[0] == 'E' && HexNumber(payload.substr(1)))
         return "error " + std::string(payload.substr(1)) + " of the server";

@@ -287,6 +287,7 @@ TEST(GdbBus, TellsARefusalAndIsLostAfterNonsense) {
     } rows[] = {
         {GdbPacket("E14"), "error 14 of the server", false},
         {GdbPacket("E.no such place"), "no such place", false},
+        {GdbPacket("E."), "the server gives no reason", false},
         {GdbPacket(""), "does not know this request", false},
         {GdbPacket("OK"), "not 2 words of 32 bits: \"OK\"", true},
         {GdbPacket("1104000000208"), "not 2 words of 32 bits", true},
