@@ -5,6 +5,9 @@
 BUILD_PACKAGES=(g++ cmake ninja-build pkg-config qt6-base-dev libgl-dev fonts-dejavu-core
   libcli11-dev nlohmann-json3-dev libelf-dev)
 
+# To offer a simulated chip to a real debug server.
+REMOTE_PACKAGES=(openocd)
+
 # To test them: a second compiler with its sanitizers, a virtual screen, other fonts; debug servers
 # and a debugger.
 TEST_PACKAGES=(clang libclang-rt-14-dev llvm clang-format clang-tidy shellcheck libgtest-dev
