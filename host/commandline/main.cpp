@@ -21,6 +21,7 @@ struct Options {
     std::vector<std::string> bases;
     uint16_t port = 0; // of the server
     bool once = false;
+    bool isRemote = false;
     std::string state;
     std::string module;
     std::string symbols;
@@ -57,7 +58,7 @@ Status RunWithModule(const std::string& command, const Options& options, Simulat
 
 std::unique_ptr<SimulatedHost> MakeHost(const Options& options, const Journal& journal) {
     Symbols symbols = options.symbols.empty() ? Symbols() : ReadSymbols(ToPath(options.symbols));
-    if (!options.remote.empty())
+    if (options.isRemote)
         return MakeRemoteHost(options.remote, options.bases, std::move(symbols), journal,
                               std::cerr);
     const Chip* chip = FindChip(options.chip);
@@ -70,6 +71,8 @@ std::unique_ptr<SimulatedHost> MakeHost(const Options& options, const Journal& j
 
 Status Run(const std::string& command, const Options& options) {
     if (command == "chips") return ShowChips(std::cout);
+    if (command == "serve" && options.isRemote)
+        throw HostError("a chip behind a debug server cannot be served; --chip chooses one");
     const bool journal = options.journal || command == "tour";
     const std::unique_ptr<SimulatedHost> made =
         MakeHost(options, Journal(journal ? &std::cout : nullptr, &std::cerr));
@@ -115,6 +118,7 @@ void Describe(CLI::App& app, Options& options) {
                        "of an OpenOCD that runs (recommended), or gdb:[HOST:]PORT")
             ->type_name("SERVER")
             ->excludes(chip);
+    app.parse_complete_callback([&options, remote] { options.isRemote = remote->count() > 0; });
     app.add_option("--base", options.bases,
                    "Where a real chip has components that its ROM table does not list: "
                    "etm=ADDRESS, tpiu=, etb=, dwt=, or the table itself, rom=")

@@ -243,12 +243,9 @@ void StateFile::Load(SimulatedHost& host) {
         const Json& targets = m_Document->root.at("targets");
         const auto target = targets.find(host.target.hardware().name);
         NamedSettings settings = ToSettings(m_Document->root.at("settings"));
-        if (target != targets.end()) {
-            host.target.state = ToTarget(*target);
-            // A file of the time when chips had no registers.
-            if (host.target.IsSimulated() && !target->contains("registers"))
-                host.target.Reprogram();
-        }
+        // Once, chips had no registers in this file.
+        if (target != targets.end())
+            host.target.TakeOver(ToTarget(*target), target->contains("registers"));
         host.settings = std::move(settings);
     });
     m_Document->base = FromHost(host);

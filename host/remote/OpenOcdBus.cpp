@@ -124,6 +124,12 @@ void OpenOcdBus::Write(uint32_t address, uint32_t value) {
     if (!result.text.empty()) Lose("it answers a write with " + Excerpt(result.text));
 }
 
+std::string OpenOcdBus::CoreType() {
+    if (!IsPlainName(m_Target)) return {};
+    const TclResult type = Run(m_Target + " cget -type", Deadline(m_Patience));
+    return type.succeeded && IsPlainName(type.text) ? type.text : std::string();
+}
+
 Refusal OpenOcdBus::PreparePort(uint32_t width) {
     const Deadline deadline(m_Patience);
     const TclResult names = Run("tpiu names", deadline);

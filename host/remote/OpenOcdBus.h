@@ -35,6 +35,8 @@ public:
     /// port must be the only one, with a trace clock, and not in use by the debug probe.
     Refusal PreparePort(uint32_t width) override;
 
+    std::string CoreType() override;
+
     /// The server's name for the target.
     const std::string& target() const { return m_Target; }
 

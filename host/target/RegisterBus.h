@@ -49,6 +49,10 @@ public:
     /// Refused, in words, where it has none. Throws as Read does.
     virtual Refusal PreparePort(uint32_t width);
 
+    /// Returns what the other side says that the core is, such as "cortex_m"; empty if it says
+    /// nothing.
+    virtual std::string CoreType() { return {}; }
+
     /// Lets the simulated time of a chip without a clock of its own go on by one step.
     virtual void Step() {}
 };

@@ -398,6 +398,18 @@ Refusal Target::SetHalfRate(bool on) {
     });
 }
 
+void Target::TakeOver(const TargetState& kept, bool hasRegisters) {
+    const uint32_t control = state.control; // an armed trigger shows in it
+    state = kept;
+    if (!IsSimulated()) {
+        state.control = (kept.control & ~ORN_CONTROL_TRIGGER_ADDRESS) | control;
+        state.capture.running = false; // the next look tells
+    } else if (!hasRegisters) {
+        Reprogram();
+    }
+}
+
+// Brings the registers about to what `state` says was asked for.
 void Target::Reprogram() {
     const TraceSettings trace = state.trace;
     const auto begin = Typed(trace.pcBegin);

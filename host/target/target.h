@@ -86,8 +86,10 @@ public:
     Refusal SetPortSize(uint32_t bits);
     Refusal SetHalfRate(bool on);
 
-    /// Brings the registers about to what `state` says was asked for.
-    void Reprogram();
+    /// Takes `kept` of an earlier run over. What a real chip's registers say goes before it; the
+    /// registers of a simulated one are set where `hasRegisters` says that `kept` has none of its
+    /// own.
+    void TakeOver(const TargetState& kept, bool hasRegisters);
 
     // --- Comparators of the DWT ---
 
@@ -135,6 +137,7 @@ public:
 
 private:
     void Prepare();
+    void Reprogram();
     Refusal Try(const std::function<Refusal()>& action);
     EtmImage ReadImage();
     bool IsEnabled();

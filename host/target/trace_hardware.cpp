@@ -119,16 +119,38 @@ private:
     void ReadTables() {
         const bool allByHand = m_Bases.etm && !m_Bases.romTable;
         const uint32_t base = m_Bases.romTable.value_or(kCortexRomTable);
-        const Identity table = Identify(m_Bus, base);
+        const Identity table = allByHand ? TryIdentify(base) : IdentifyTable(base);
         if (table.valid && table.kind == kClassRomTable) {
             ReadTable(base, 0);
-            return;
+        } else if (!allByHand) {
+            throw BusError("there is no ROM table at " + Hex(base) +
+                           " that would list trace hardware: its component ID reads " +
+                           Hex(table.component) + " instead of 0xB105100D" + OfCore());
         }
-        if (allByHand) return;
-        throw BusError("there is no ROM table at " + Hex(base) +
-                       " that would list trace hardware: "
-                       "its component ID reads " +
-                       Hex(table.component) + " instead of 0xB105100D");
+    }
+
+    Identity IdentifyTable(uint32_t base) {
+        try {
+            return Identify(m_Bus, base);
+        } catch (const BusLost&) {
+            throw;
+        } catch (const BusError& error) {
+            throw BusError("there is no ROM table at " + Hex(base) +
+                           " that would list trace hardware: " + error.what() + OfCore());
+        }
+    }
+
+    // The cores whose ETM, if they have one, no address leads to.
+    std::string OfCore() {
+        const std::string core = m_Bus.CoreType();
+        for (const char* const family : {"arm7", "arm9", "arm11", "arm720", "feroceon"}) {
+            if (core.starts_with(family)) {
+                return ". The core is an " + core +
+                       ": its ETM, if it has one, is reached by a scan chain alone, which this "
+                       "program cannot drive on a real chip";
+            }
+        }
+        return core.empty() ? "" : ". The core is a " + core;
     }
 
     void ReadTable(uint32_t base, int depth) {

@@ -100,9 +100,23 @@ private:
     SimulatedChip m_Chip;
 };
 
+// A version 3 ETM with comparators on a bus, with a trace port and no Cortex-M around it.
+const Chip& MappedChip() {
+    static const std::vector<Chip> chips = ParseChips(R"({
+        "name": "mapped", "description": "", "info": "",
+        "romTable": {"address": "0x80000000", "part": "0x123"},
+        "components": [
+          {"kind": "tpiu", "address": "0x80003000", "part": "0x912", "portSizes": [4, 8, 16]},
+          {"kind": "etm", "address": "0x80001000", "part": "0x921", "lock": true,
+           "registers": {"ETMCR": "0x411", "ETMCCR": "0x8D294024", "ETMSCR": "0xC04",
+                         "ETMIDR": "0x4104F230"}}],
+        "sink": {"kind": "port"}})");
+    return chips.front();
+}
+
 struct Bench {
-    explicit Bench(const char* name)
-        : chip(new StrictChip(*FindChip(name))),
+    explicit Bench(const std::string& name)
+        : chip(new StrictChip(name == "mapped" ? MappedChip() : *FindChip(name))),
           target(std::unique_ptr<RegisterBus>(chip), chip->hardware, kSymbols,
                  [this](const std::string& text) { told += text + "\n"; }),
           language(target, kSymbols) {}
@@ -117,7 +131,109 @@ struct Bench {
     CommandLanguage language;
 };
 
-const char* const kOnChip[] = {"arm9-etb", "cortex-m4", "cortex-m4-etb"};
+const char* const kOnChip[] = {"arm9-etb", "cortex-m4", "cortex-m4-etb", "mapped"};
+
+// A Cortex-M4 of which some words read otherwise.
+class OddChip final : public RegisterBus {
+public:
+    using RegisterBus::Read;
+    std::vector<uint32_t> Read(std::span<const uint32_t> addresses) override {
+        std::vector<uint32_t> read;
+        for (const uint32_t address : addresses) {
+            const auto odd = words.find(address);
+            read.push_back(odd != words.end() ? odd->second : m_Chip.RegisterBus::Read(address));
+        }
+        return read;
+    }
+    void Write(uint32_t address, uint32_t value) override {
+        written.push_back(address);
+        m_Chip.Write(address, value);
+    }
+    std::string CoreType() override { return core; }
+
+    std::map<uint32_t, uint32_t> words;
+    std::vector<uint32_t> written;
+    std::string core = "cortex_m";
+
+private:
+    ChipRegisters m_Registers;
+    SimulatedChip m_Chip{*FindChip("cortex-m4-etb"), m_Registers};
+};
+
+TEST(Discovery, RefusesByNameWhatItCannotDrive) {
+    constexpr uint32_t kTable = 0xE00FF000, kEtm = 0xE0041000, kEtb = 0xE0042000;
+    constexpr uint32_t kItm = 0xE0000000; // which becomes something else
+    const struct {
+        const char* text;
+        std::map<uint32_t, uint32_t> words;
+        const char* core;
+    } rows[] = {
+        {"", {}, "cortex_m"},
+        {"no ROM table at 0xE00FF000 that would list trace hardware: its component ID reads 0x0 "
+         "instead of 0xB105100D. The core is a cortex_m",
+         {{kTable + 0xFF0, 0}, {kTable + 0xFF4, 0}, {kTable + 0xFF8, 0}, {kTable + 0xFFC, 0}},
+         "cortex_m"},
+        {"an arm926ejs: its ETM, if it has one, is reached by a scan chain",
+         {{kTable + 0xFFC, 0}},
+         "arm926ejs"},
+        {"at 0xE0041000 is an ETMv4 (DEVARCH 0x47724A13)", {{kEtm + 0xFBC, 0x47724A13}}, ""},
+        {"a trace funnel at 0xE0000000", {{kItm + 0xFF4, 0x90}, {kItm + 0xFCC, 0x12}}, ""},
+        {"2 of them (a trace unit each): 0xE0000000, 0xE0041000",
+         {{kItm + 0xFF4, 0x90}, {kItm + 0xFCC, 0x13}},
+         ""},
+        {"has no ETM; its ROM table lists an ITM at 0xE0000000, a DWT", {{kTable + 20, 0}}, ""},
+        {"nothing that answers at 0xE0041000", {{kEtm + 0xFF0, 0}}, ""},
+        {"its registers read 0x0: it may have no clock", {{kEtm + 4, 0}}, ""},
+        {"no ETM: its ID register reads 0x411CF310", {{kEtm + 0x1E4, 0x411CF310}}, ""},
+        {"TRCENA in DEMCR (0xE000EDFC) stays 0", {{DEMCR, 0}}, ""},
+        {"the trace memory controller at 0xE0042000 is no buffer of its own (DEVID 0x80)",
+         {{kEtb + 0xFE0, 0x61}, {kEtb + 0xFE4, 0xB9}, {kEtb + 0xFC8, 0x80}},
+         ""},
+        {"nested too deep",
+         {{kItm + 0xFF4, 0x10},
+          {kItm, 0x1003},
+          {0xE0001FF4, 0x10},
+          {0xE0001000, 0x1003},
+          {0xE0002FF4, 0x10},
+          {0xE0002000, 0xC003},
+          {0xE000EFF4, 0x10},
+          {0xE000E000, 0x32003},
+          {0xE0040FF4, 0x10},
+          {0xE0040000, 0x1003},
+          {0xE0041FF4, 0x10}},
+         ""},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.text);
+        OddChip chip;
+        chip.words = row.words;
+        chip.core = row.core;
+        std::string refusal;
+        try {
+            const TraceHardware found = Discover(chip, {}, [](const std::string&) {});
+            EXPECT_EQ(found.capacity, 1024u);
+            EXPECT_EQ(found.portSizes, 0xBu);
+            EXPECT_EQ(found.dwtComparators, 4u);
+            EXPECT_TRUE(found.etm.TakesIndexes());
+        } catch (const BusError& error) {
+            refusal = error.what();
+        }
+        EXPECT_THAT(refusal, HasSubstr(row.text));
+        EXPECT_EQ(refusal.empty(), std::string(row.text).empty());
+        for (const uint32_t address : chip.written) EXPECT_EQ(address, DEMCR);
+    }
+
+    // By hand, where no table lists it; and one of several.
+    OddChip chip;
+    chip.words = {{kTable + 0xFF0, 0}};
+    KnownBases bases;
+    bases.etm = kEtm;
+    bases.tpiu = 0xE0040000;
+    chip.Write(DEMCR, DEMCR_TRCENA);
+    EXPECT_EQ(Discover(chip, bases, [](const std::string&) {}).sink, SinkKind::Port);
+    bases.tpiu = kEtb;
+    EXPECT_THROW(Discover(chip, bases, [](const std::string&) {}), BusError);
+}
 
 TEST(Target, KeepsToTheRulesWhateverIsAsked) {
     std::mt19937 random(20261123);
