@@ -193,6 +193,7 @@ protected:
         core.Write(0xE000EDF4, number | 1u << 16);
     }
     uint32_t TakeReasons() {
+        core.Write(kDfsr, 0); // takes nothing back
         const uint32_t reasons = core.Read(kDfsr);
         core.Write(kDfsr, reasons);
         return reasons;
@@ -205,6 +206,7 @@ TEST_F(ServedCore, HaltsStepsAndGoesOn) {
     EXPECT_GT(counted, 10u);
     core.Write(kDhcsr, 3);
     EXPECT_FALSE(Halted()) << "without the key";
+    EXPECT_EQ(Register(15), 0u) << "while it runs";
     Control(3);
     core.Run(100);
     EXPECT_TRUE(Halted());
@@ -219,8 +221,15 @@ TEST_F(ServedCore, HaltsStepsAndGoesOn) {
     EXPECT_EQ(Register(15), 0x10Eu);
     EXPECT_EQ(TakeReasons(), 1u);
 
-    core.Write(0xE0002000, 3); // breakpoints on: one at the upper half of the word at 0x10C
+    // A breakpoint at the upper half of the word at 0x10C, once the unit is on.
     core.Write(0xE0002008, 0x8000010D);
+    Control(1);
+    core.Run(100);
+    EXPECT_FALSE(Halted());
+    core.Write(0xE0002000, 3);
+    Control(3);
+    TakeReasons();
+    SetRegister(15, 0x10C);
     Control(1);
     core.Run(100);
     EXPECT_TRUE(Halted());
@@ -244,10 +253,23 @@ TEST_F(ServedCore, HaltsStepsAndGoesOn) {
     EXPECT_EQ(core.Read(0xE0001028), 0u);
     EXPECT_EQ(core.Read(0xE0001038), 0x01000006u);
     EXPECT_EQ(core.Read(0xE0001038), 6u);
-    core.Write(0xE0001038, 0);
 
-    // Without a debugger a breakpoint is a fault, and there is no handler.
+    // What is beside, what is read and what is written are three things.
+    SetRegister(15, 0x100);
+    core.Write(0xE0001038, 5);
+    core.Write(0xE0001020, 0x20000004);
+    core.Write(0xE0001028, 7);
+    core.Write(0xE0001040, 0x114); // where "main" has the counter's address from
+    core.Write(0xE0001048, 6);
+    Control(1);
+    core.Run(100);
+    EXPECT_FALSE(Halted());
+
+    // Without a debugger a breakpoint is a fault, and there is no handler; the units sleep.
     core.Write(0x110, 0xBE00BE00);
+    core.Write(0xE0002008, 0x4000010D);
+    Control(3);
+    SetRegister(15, 0x10C);
     Control(0);
     core.Run(100);
     EXPECT_EQ(core.Read(kDhcsr) >> 16 & 0xF, 0b1001u) << "locked up";
@@ -289,7 +311,8 @@ TEST_F(ServedCore, ResetsAndMayBeCaughtThere) {
 
 TEST_F(ServedCore, CarriesOutTheCommonInstructions) {
     struct Row {
-        std::vector<uint16_t> code; // at 0x20000100; R1 is 0x20000200, R2 5, R3 0xFFFFFFFE
+        std::vector<uint16_t>
+            code; // at 0x20000100; R0 is 0x7FFFFFFF, R1 0x20000200, R2 5, R3 0xFFFFFFFE
         int steps;
         uint32_t reg, value;
     };
@@ -298,6 +321,7 @@ TEST_F(ServedCore, CarriesOutTheCommonInstructions) {
              {{0x1AD0}, 1, 0, 7},                   // subs r0, r2, r3
              {{0x1E90}, 1, 0, 3},                   // subs r0, r2, #2
              {{0x3A06}, 1, 16, 0x81000000},         // subs r2, #6: negative, borrow
+             {{0x3001}, 1, 16, 0x91000000},         // adds r0, #1: overflow
              {{0x2A05}, 1, 16, 0x61000000},         // cmp r2, #5
              {{0x2A05, 0xD0FF}, 2, 15, 0x20000104}, // beq to what follows
              {{0x2A05, 0xD1FE}, 2, 15, 0x20000104}, // bne, not taken
@@ -311,9 +335,11 @@ TEST_F(ServedCore, CarriesOutTheCommonInstructions) {
              {{0xB50C}, 1, 13, 0x200001F4},                        // push {r2, r3, lr}
              {{0xB50C, 0xBD11}, 2, 0, 5},                          // pop {r0, r4, pc}
              {{0xB50C, 0xBD11}, 2, 15, 0x20000300},                // and where it goes
-             {{0xF7FF, 0xFFFE}, 1, 15, 0x20000100},                // bl to itself
-             {{0xF8D1, 0x0000}, 1, 15, 0x20000104},                // one that is not known
-             {{0x6018}, 1, 15, 0x20000100},                        // str r0, [r3]: there is nothing
+             {{0xB50C, 0xBD11}, 2, 13, 0x20000200},
+             {{0xF7FF, 0xFFFE}, 1, 15, 0x20000100}, // bl to itself
+             {{0xF7FF, 0xFFFE}, 1, 14, 0x20000105},
+             {{0xF8D1, 0x0000}, 1, 15, 0x20000104}, // one that is not known
+             {{0x6018}, 1, 15, 0x20000100},         // str r0, [r3]: there is nothing
          }) {
         CoreDebug fresh(chip, kCortexM4);
         fresh.Write(kDhcsr, 0xA05F0003);
@@ -325,7 +351,7 @@ TEST_F(ServedCore, CarriesOutTheCommonInstructions) {
             const auto at = uint32_t(0x20000100 + i / 2 * 4);
             fresh.Write(at, fresh.Read(at) | uint32_t(row.code[i]) << (i % 2 * 16));
         }
-        const uint32_t registers[] = {0, 0x20000200, 5, 0xFFFFFFFE};
+        const uint32_t registers[] = {0x7FFFFFFF, 0x20000200, 5, 0xFFFFFFFE};
         for (uint32_t i = 0; i < 4; ++i) set(i, registers[i]);
         set(13, 0x20000200);
         set(14, 0x20000301);

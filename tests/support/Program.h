@@ -81,6 +81,17 @@ public:
     /// Returns a port that nobody uses, so far.
     static uint16_t FreePort() { return etmhost::Listener(0).port(); }
 
+    /// Asks it to end, as a person would.
+    void Terminate() { kill(m_Id, SIGTERM); }
+
+    /// Waits for its end. Returns its exit status; -1 if it has none, for ten seconds or ever.
+    int Wait() {
+        int status = 0;
+        if (!Within([&] { return waitpid(m_Id, &status, WNOHANG) == m_Id; })) return -1;
+        m_Id = 0;
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+
     /// Stops it, so that it neither ends nor answers, and lets it go on.
     void Freeze() { kill(m_Id, SIGSTOP); }
     void Thaw() { kill(m_Id, SIGCONT); }

@@ -1,0 +1,60 @@
+// ServedChip: a simulated chip offered by "etmhost serve", and the real OpenOCD attached to it.
+
+#pragma once
+
+#include <regex>
+
+#include "host/remote/Connection.h"
+#include "tests/support/Program.h"
+
+/// All ports are the system's choice. Both programs go with the object.
+class ServedChip {
+public:
+    explicit ServedChip(const std::string& chip = "cortex-m4")
+        : probe({ETMHOST_PATH, "serve", "--chip", chip, "--port", "0"}),
+          probePort(PortOf(probe, "listening on port (\\d+)")),
+          openocd({"openocd", "-c",
+                   "set PORT " + std::to_string(probePort) +
+                       "; set TCL_PORT 0; set GDB_PORT 0; set TELNET_PORT disabled",
+                   "-f", ETMHOST_CONFIGURATION}),
+          gdbPort(PortOf(openocd, "port (\\d+) for gdb")),
+          tclPort(PortOf(openocd, "port (\\d+) for tcl")),
+          m_Tcl(etmhost::Connection::To("", tclPort, Soon())) {}
+
+    /// Returns what OpenOCD answers to a Tcl command.
+    std::string Ask(const std::string& command) {
+        m_Tcl.Send(command + '\x1A', Soon());
+        std::string answer;
+        while (!answer.ends_with('\x1A')) answer += m_Tcl.Receive(Soon());
+        answer.pop_back();
+        return answer;
+    }
+
+    /// Returns the word at `address`, as OpenOCD prints it: "0x411".
+    std::string Word(uint32_t address) {
+        return Ask("read_memory " + std::to_string(address) + " 32 1");
+    }
+
+    Program probe;
+    const uint16_t probePort;
+    Program openocd;
+    const uint16_t gdbPort, tclPort;
+
+    static etmhost::Deadline Soon() { return etmhost::Deadline(std::chrono::seconds(10)); }
+
+    /// Waits until `program` prints the port that it listens at.
+    static uint16_t PortOf(const Program& program, const char* pattern) {
+        std::string output;
+        std::smatch match;
+        const std::regex regex(pattern);
+        if (!Program::Within([&] {
+                output = program.Output();
+                return std::regex_search(output, match, regex);
+            }))
+            throw std::runtime_error("never listens, but prints: " + program.Output());
+        return uint16_t(std::stoi(match[1]));
+    }
+
+private:
+    etmhost::Connection m_Tcl;
+};
