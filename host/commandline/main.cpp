@@ -8,6 +8,7 @@
 #include "host/commandline/remote.h"
 #include "host/commandline/screen.h"
 #include "host/commandline/state_file.h"
+#include "host/drive/windows.h"
 #include "host/support/host_error.h"
 #include "host/target/symbols.h"
 
@@ -27,7 +28,8 @@ struct Options {
     std::string symbols;
     std::string directory;
     std::vector<std::string> commands;
-    TourOptions tour;
+    DriveOptions drive;
+    bool dark = false;
     bool journal = false;
 };
 
@@ -41,18 +43,27 @@ std::filesystem::path ModuleFile(const Options& options) {
     return ExecutableFile().replace_filename(std::string("KVETMControl") + LibraryExtension());
 }
 
-Status RunWithModule(const std::string& command, const Options& options, SimulatedHost& host) {
+/// Gives nothing if there is no script, or an unreadable one, which it says.
+std::optional<Script> PrepareScript(const std::string& command, const DriveOptions& options) {
+    if (command != "tour") return ReadScript(options.script, std::cerr);
+    if (!TakesPictures())
+        throw HostError("this build of etmhost has no tour: it was made without Qt");
+    return TourScript();
+}
+
+Status RunWithModule(const std::string& command, const Options& options,
+                     const std::optional<Script>& script, SimulatedHost& host) {
     Screen screen;
-    if (command == "tour")
-        screen = PrepareTour(options.tour);
-    else if (options.tour.dark)
+    if (script)
+        screen = PrepareDrivenScreen(options.drive, options.dark);
+    else if (options.dark)
         screen = PrepareDarkScreen();
     LoadedModule module(ModuleFile(options));
     ModuleSession session(module.object(), module.path(), host);
     if (command == "apply") return Apply(session, host, std::cout, std::cerr);
     if (command == "init-board")
         return InitBoardFile(session, host, options.directory, std::cout, std::cerr);
-    if (command == "tour") return Tour(session, host, options.tour, std::cerr);
+    if (script) return Drive(session, host, *script, options.drive.pictures, std::cerr);
     return OpenDialog(session, host, std::cerr);
 }
 
@@ -73,6 +84,12 @@ Status Run(const std::string& command, const Options& options) {
     if (command == "chips") return ShowChips(std::cout);
     if (command == "serve" && options.isRemote)
         throw HostError("a chip behind a debug server cannot be served; --chip chooses one");
+    std::optional<Script> script;
+    if (command == "tour" || command == "drive") {
+        script = PrepareScript(command, options.drive);
+        if (!script) return kBadInput;
+        if (!options.drive.pictures.empty()) PreparePictures(command, options.drive.pictures);
+    }
     const bool journal = options.journal || command == "tour";
     const std::unique_ptr<SimulatedHost> made =
         MakeHost(options, Journal(journal ? &std::cout : nullptr, &std::cerr));
@@ -101,9 +118,32 @@ Status Run(const std::string& command, const Options& options) {
     if (command == "run")
         status = RunCommands(host, options.commands, std::cout);
     else
-        status = RunWithModule(command, options, host);
+        status = RunWithModule(command, options, script, host);
     host.transaction([] {}); // the last try to keep what could not be kept before
     return failure.empty() ? status : kBadInput;
+}
+
+void DescribeDrive(CLI::App* drive, CLI::App* tour, DriveOptions& options) {
+    drive
+        ->add_option("SCRIPT", options.script,
+                     "A file with one step on each line, such as 'click \"Start\"', 'type 1018 "
+                     "\"0x1000\"', 'expect enabled apply', 'ok'; -: the standard input")
+        ->required()
+        ->type_name("");
+    drive->add_flag("--off-screen", options.offScreen,
+                    "Show no windows, also where there is a screen");
+    drive->add_option("--pictures", options.pictures, "Receives the pictures; made if missing")
+        ->type_name("DIR");
+    tour->add_option("DIR", options.pictures, "Receives the pictures; made if missing")
+        ->required()
+        ->type_name("");
+    tour->parse_complete_callback([&options] { options.offScreen = true; });
+    for (CLI::App* command : {drive, tour}) {
+        command->add_option("--font", options.font, "In the font NAME")->type_name("NAME");
+        command->add_option("--scale", options.scale, "At FACTOR times the size")
+            ->type_name("FACTOR")
+            ->check(CLI::Range(0.5, 4.0));
+    }
 }
 
 void Describe(CLI::App& app, Options& options) {
@@ -135,7 +175,7 @@ void Describe(CLI::App& app, Options& options) {
     app.add_flag("--journal", options.journal,
                  "Print every call of the module to the host with its answer; of those that poll "
                  "the capture only the ones with news");
-    app.add_flag("--dark", options.tour.dark, "Show windows in dark colours");
+    app.add_flag("--dark", options.dark, "Show windows in dark colours");
 
     const auto command = [&app](const char* name, const char* text) {
         CLI::App* sub = app.add_subcommand(name, text);
@@ -159,15 +199,11 @@ void Describe(CLI::App& app, Options& options) {
         ->add_option("--directory", options.directory,
                      "Where board files are; usually the directory of the module")
         ->type_name("DIR");
-    CLI::App* tour = command(
-        "tour", "Go through the dialog off-screen, take pictures and print the conversation");
-    tour->add_option("DIR", options.tour.directory, "Receives the pictures; made if missing")
-        ->required()
-        ->type_name("");
-    tour->add_option("--font", options.tour.font, "In the font NAME")->type_name("NAME");
-    tour->add_option("--scale", options.tour.scale, "At FACTOR times the size")
-        ->type_name("FACTOR")
-        ->check(CLI::Range(0.5, 4.0));
+    DescribeDrive(
+        command("drive", "Let a script work at the dialog; docs/driving.md tells its form"),
+        command("tour",
+                "Go through the dialog off-screen, take pictures and print the conversation"),
+        options.drive);
 }
 
 Status Main(int argc, char** argv) {

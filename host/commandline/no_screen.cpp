@@ -7,12 +7,11 @@ Screen PrepareDarkScreen() {
     throw HostError("--dark: this build of etmhost was made without Qt");
 }
 
-Screen PrepareTour(const TourOptions&) {
-    throw HostError("this build of etmhost has no tour: it was made without Qt");
-}
-
-Status Tour(ModuleSession&, SimulatedHost&, const TourOptions&, std::ostream&) {
-    return kBadInput; // there is no screen to come here with
+Screen PrepareDrivenScreen(const DriveOptions& options, bool dark) {
+    if (dark) return PrepareDarkScreen();
+    if (options.offScreen || !options.font.empty() || options.scale != 1.0)
+        throw HostError("--off-screen, --font, --scale: this build of etmhost was made without Qt");
+    return nullptr; // native windows need nothing ahead
 }
 
 } // namespace etmhost

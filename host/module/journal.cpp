@@ -5,8 +5,7 @@
 namespace etmhost {
 
 void Journal::Call(const std::string& call, const std::string& answer) {
-    if (m_Out != nullptr) // flushed, so that the dialog and its journal can be watched together
-        *m_Out << call << " -> " << answer << std::endl;
+    Write(call + " -> " + answer);
 }
 
 void Journal::Refused(std::string_view command, std::string_view reasons) {
@@ -18,7 +17,13 @@ void Journal::Tell(const std::string& text) {
 }
 
 void Journal::Step(const std::string& text) {
-    if (m_Out != nullptr) *m_Out << "-- " << text << std::endl;
+    Write("-- " + text);
+}
+
+void Journal::Write(const std::string& line) {
+    // Whole lines, since a step may come from another thread than the calls; flushed, so that the
+    // dialog and its journal can be watched together.
+    if (m_Out != nullptr) *m_Out << line + '\n' << std::flush;
 }
 
 } // namespace etmhost

@@ -30,6 +30,8 @@ public:
     void Step(const std::string& text);
 
 private:
+    void Write(const std::string& line);
+
     std::ostream* m_Out;
     std::ostream* m_Refusals;
 };

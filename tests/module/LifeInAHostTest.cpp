@@ -22,7 +22,7 @@
 
 #include "testkit/TemporaryDirectory.h"
 #include "tests/module/LoadedModule.h"
-#include "tests/module/QtUser.h"
+#include "tests/module/QtPerson.h"
 #include "toolkit/constants.h"
 
 /// For AddressSanitizer: that library copies texts of the X server, which bear no NUL.
@@ -64,8 +64,8 @@ void ExpectRefused(LoadedModule& loaded, const char* reason) {
 /// question after the sheet was made.
 void OpenAndCancel(LoadedModule& loaded) {
     EXPECT_TRUE(loaded.control->Init(0));
-    QtUser user;
-    user.OnNextDialog([](User& person) {
+    QtPerson user;
+    user.OnNextDialog([](QtPerson& person) {
         person.Tab(2);
         person.Click(IDCANCEL);
     });
@@ -99,8 +99,8 @@ TEST(HostWithAnApplication, KeepsItsOwnAndItsThreadAndMayThrow) {
     LoadedModule loaded;
     loaded.host.values[ORN_VALUE_CONTROL] = ORN_CONTROL_ENABLE;
     ASSERT_TRUE(loaded.control->Init(0));
-    QtUser user;
-    user.OnNextDialog([&](User&) {
+    QtPerson user;
+    user.OnNextDialog([&](QtPerson&) {
         loaded.host.onCall = [](const std::string& call) {
             if (call == "Command(start)") throw std::runtime_error("the target is gone");
         };
@@ -232,10 +232,10 @@ struct XServer {
 
 /// Opens the sheet, runs the steps with a pause between, whatever windows they bring up,
 /// and returns what Open gave. "Start" brings up a box.
-bool OpenAndGo(LoadedModule& loaded, const std::vector<std::function<void(User&)>>& steps) {
+bool OpenAndGo(LoadedModule& loaded, const std::vector<std::function<void(QtPerson&)>>& steps) {
     loaded.host.values[ORN_VALUE_CONTROL] = ORN_CONTROL_ENABLE;
     EXPECT_TRUE(loaded.control->Init(0));
-    QtUser user;
+    QtPerson user;
     bool begun = false;
     auto step = steps.begin();
     std::function<void()> next = [&] {
@@ -253,27 +253,27 @@ bool OpenAndGo(LoadedModule& loaded, const std::vector<std::function<void(User&)
     return opened;
 }
 
-constexpr auto Edit = [](User& user) { user.Click(1002); };
-constexpr auto Configure = [](User& user) { user.Click(1029); };
-constexpr auto Start = [](User& user) { user.Click(1030); };
+constexpr auto Edit = [](QtPerson& user) { user.Click(1002); };
+constexpr auto Configure = [](QtPerson& user) { user.Click(1029); };
+constexpr auto Start = [](QtPerson& user) { user.Click(1030); };
 
 TEST(AHostThatDestroysTheComponent, EndsWhateverRuns) {
     const Application application;
     const TemporaryDirectory directory;
     directory.Write("b.mac", "");
-    const auto save = [](User& user) {
+    const auto save = [](QtPerson& user) {
         user.Type(1080, "Title=My Board\n");
         user.Click(1082);
     };
-    const auto replace = [](User&) { // a question in front of the save dialog
-        QtUser::Window()->findChild<QLineEdit*>("fileNameEdit")->setText("b.mac");
-        QMetaObject::invokeMethod(QtUser::Window(), "accept");
+    const auto replace = [](QtPerson&) { // a question in front of the save dialog
+        QtPerson::Window()->findChild<QLineEdit*>("fileNameEdit")->setText("b.mac");
+        QMetaObject::invokeMethod(QtPerson::Window(), "accept");
     };
-    const auto menu = [](User&) {
-        QMetaObject::invokeMethod(QtUser::Window(), "_q_showContextMenu",
+    const auto menu = [](QtPerson&) {
+        QMetaObject::invokeMethod(QtPerson::Window(), "_q_showContextMenu",
                                   Q_ARG(QPoint, QPoint(5, 5)));
     };
-    std::vector<std::function<void(User&)>> const rows[] = {
+    std::vector<std::function<void(QtPerson&)>> const rows[] = {
         {Configure},
         {Start},
         {Configure, save},
@@ -284,7 +284,7 @@ TEST(AHostThatDestroysTheComponent, EndsWhateverRuns) {
         SCOPED_TRACE(steps.size());
         LoadedModule loaded(directory.Path());
         steps.insert(steps.begin(), Edit);
-        steps.push_back([&](User&) {
+        steps.push_back([&](QtPerson&) {
             loaded.host.TakeCalls();
             loaded.Destroy();
         });
@@ -294,18 +294,18 @@ TEST(AHostThatDestroysTheComponent, EndsWhateverRuns) {
     }
 }
 
-[[noreturn]] void LoseTheXServer(std::vector<std::function<void(User&)>> steps) {
+[[noreturn]] void LoseTheXServer(std::vector<std::function<void(QtPerson&)>> steps) {
     alarm(30);
     XServer server;
     const Environment platform("QT_QPA_PLATFORM", "xcb");
     const Environment display("DISPLAY", (":" + std::to_string(server.number)).c_str());
     std::optional<LoadedModule> loaded(std::in_place);
-    steps.push_back([&](User&) {
+    steps.push_back([&](QtPerson&) {
         loaded->host.TakeCalls();
         // Inside a handler, with events of the server to be read behind it.
         QTimer::singleShot(0, qApp, [&] { server.Kill(), usleep(20'000); });
-        QtUser::Window()->move(5, 5);
-        QtUser::Window()->repaint();
+        QtPerson::Window()->move(5, 5);
+        QtPerson::Window()->repaint();
         usleep(20'000);
     });
     EXPECT_TRUE(OpenAndGo(*loaded, steps));
@@ -357,7 +357,7 @@ TEST(AHostThatDestroysTheComponent, EndsWhateverRuns) {
 /// The host exits while the sheet is there.
 [[noreturn]] void ExitInside() {
     LoadedModule loaded;
-    OpenAndGo(loaded, {Edit, [](User&) { std::exit(Status()); }});
+    OpenAndGo(loaded, {Edit, [](QtPerson&) { std::exit(Status()); }});
     std::abort();
 }
 

@@ -2,16 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include "host/drive/windows.h"
 #include "testkit/TemporaryDirectory.h"
 #include "tests/module/LoadedModule.h"
 #include "tests/scenarios/Scenarios.h"
 #if defined(_WIN32)
-#include "tests/win32/Win32User.h"
-using Person = Win32User;
 struct Application {};
 #else
-#include "tests/module/QtUser.h"
-using Person = QtUser;
+#include "tests/module/QtPerson.h"
 #endif
 
 namespace {
@@ -22,23 +20,22 @@ class Stories : public ::testing::TestWithParam<Scenario> {
 
 TEST_P(Stories, Tell) {
     TemporaryDirectory directory;
+    const Scenario scenario = GetParam().In(directory.Path());
     LoadedModule loaded(directory.Path());
-    GetParam().prepare(loaded.host, directory.Path());
+    scenario.prepare(loaded.host);
     ASSERT_TRUE(loaded.control->Init(0)) << loaded.LastError();
+    loaded.host.TakeCalls();
 
-    Person person;
-    person.OnNextDialog([&](User& user) {
-        loaded.host.TakeCalls();
-        GetParam().script(user, directory.Path());
-    });
-    EXPECT_TRUE(person.Open(*loaded.control)) << loaded.LastError();
-    EXPECT_EQ(TakeJournal(GetParam(), loaded.host, directory.Path()),
-              ExpectedChanges(GetParam(), directory.Path()));
-    EXPECT_EQ(person.Boxes(), GetParam().boxes);
-    EXPECT_EQ(person.Surprises(), 0);
+    const std::unique_ptr<etmhost::User> user = etmhost::MakeUser();
+    etmhost::Interpreter interpreter(scenario.script, *user, nullptr);
+    etmhost::DriveWindows(interpreter,
+                          [&] { EXPECT_TRUE(loaded.control->Open()) << loaded.LastError(); });
+    interpreter.End();
+    EXPECT_EQ(interpreter.failure(), "") << interpreter.failureLine();
+    EXPECT_EQ(TakeJournal(scenario, loaded.host, directory.Path()), scenario.changes);
 }
 
-constexpr auto NameOf = [](const auto& info) { return std::string(info.param.name); };
+constexpr auto NameOf = [](const auto& info) { return info.param.name; };
 #if defined(_WIN32)
 INSTANTIATE_TEST_SUITE_P(OnWin32, Stories, ::testing::ValuesIn(AllScenarios()), NameOf);
 #else

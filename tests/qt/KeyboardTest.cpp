@@ -87,11 +87,11 @@ TEST_F(Keyboard, StaysOnAControlThatComesBackBeforeTheHandlerEnds) {
 
 /// Holds the keys that end a window; they were pressed before it came up.
 void Hold() {
-    QWidget* window = QtUser::Window();
+    QWidget* window = QtPerson::Window();
     for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Escape}) {
         QKeyEvent repeat(QEvent::KeyPress, key, Qt::NoModifier, QString(), true);
         QApplication::sendEvent(window->focusWidget(), &repeat);
-        EXPECT_TRUE(QtUser::Window() == window && window->isVisible()) << key;
+        EXPECT_TRUE(QtPerson::Window() == window && window->isVisible()) << key;
     }
 }
 

@@ -25,10 +25,10 @@ TEST_F(Modal, WhatLiesOverADialogHoldsItsEndBackAndLetsItsTicksThrough) {
             inner,
             [&] {
                 EXPECT_TRUE(QTest::qWaitFor([&] { return ticks == 4; }));
-                const QWidget* window = QtUser::Window();
+                const QWidget* window = QtPerson::Window();
                 dialog.EndDialog(IDOK);
                 user.Wait(50);
-                EXPECT_EQ(QtUser::Window(), window);
+                EXPECT_EQ(QtPerson::Window(), window);
                 user.Click(IDOK);
             });
         user.Answer(IDYES);
@@ -43,7 +43,7 @@ TEST_F(Modal, ABoxShowsPlainTextOnTheScreenAndItsCloseIsTheRefusal) {
     const std::string text = "<b>" + std::string(100'000, 'x');
     for (const auto& [flags, answer] : {std::pair(MB_OK, IDOK), std::pair(MB_YESNO, IDNO)}) {
         QTimer::singleShot(0, qApp, [&] {
-            auto& box = dynamic_cast<QMessageBox&>(*QtUser::Window());
+            auto& box = dynamic_cast<QMessageBox&>(*QtPerson::Window());
             EXPECT_EQ(box.textFormat(), Qt::PlainText);
             EXPECT_LE(box.height(), box.screen()->geometry().height());
             QTest::keyClick(&box, Qt::Key_Escape);
@@ -75,7 +75,7 @@ protected:
 
 TEST_F(SaveDialog, ShowsBoardsAndRefusesAPathThatDoesNotFit) {
     const auto listed = [] {
-        const auto* list = QtUser::Window()->findChild<QListView*>("listView");
+        const auto* list = QtPerson::Window()->findChild<QListView*>("listView");
         QStringList names;
         for (int i = 0; i < list->model()->rowCount(list->rootIndex()); ++i)
             names << list->model()->index(i, 0, list->rootIndex()).data().toString();

@@ -7,7 +7,7 @@
 
 #include <QTest>
 
-#include "tests/module/QtUser.h"
+#include "tests/module/QtPerson.h"
 #include "toolkit/CPropertySheet.h"
 
 inline constexpr ControlTemplate kTestControls[] = {
@@ -45,8 +45,8 @@ protected:
 
     /// Runs a dialog or sheet with a person who follows `script` and then closes it.
     int Run(CDialog& modal, std::function<void()> script) {
-        user.OnNextDialog([script](User&) {
-            EXPECT_TRUE(QTest::qWaitForWindowActive(QtUser::Window()));
+        user.OnNextDialog([script](QtPerson&) {
+            EXPECT_TRUE(QTest::qWaitForWindowActive(QtPerson::Window()));
             script();
         });
         if (!user.Watching()) user.Watch();
@@ -54,7 +54,7 @@ protected:
     }
     int Run(std::function<void()> script) { return Run(dialog, std::move(script)); }
     void Press(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
-        QTest::keyClick(QtUser::Window()->focusWidget(), key, modifiers);
+        QTest::keyClick(QtPerson::Window()->focusWidget(), key, modifiers);
     }
     void PressOn(int id, Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
         user.Find(id)->setFocus();
@@ -62,6 +62,6 @@ protected:
     }
 
     Application application;
-    QtUser user;
+    QtPerson user;
     TestDialog dialog;
 };

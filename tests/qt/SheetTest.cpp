@@ -23,7 +23,7 @@ TEST_F(Sheet, TurnsByKeyFromAnywhere) {
         EXPECT_EQ(user.Focus(), 1030);
         Press(Qt::Key_PageDown, Qt::ControlModifier);
         EXPECT_EQ(user.Focus(), 1038); // 1064 lies out of sight, and screen readers don't find it
-        EXPECT_EQ(QtUser::Window()->findChild<QWidget*>("1064"), nullptr);
+        EXPECT_EQ(QtPerson::Window()->findChild<QWidget*>("1064"), nullptr);
         PressOn(IDOK, Qt::Key_Tab, Qt::ControlModifier);
         EXPECT_EQ(user.TabInFront(), 0);
         Press(Qt::Key_Backtab, Qt::ControlModifier | Qt::ShiftModifier);
@@ -31,7 +31,7 @@ TEST_F(Sheet, TurnsByKeyFromAnywhere) {
         Press(Qt::Key_PageUp, Qt::ControlModifier);
         EXPECT_EQ(user.TabInFront(), 1);
         // From the tabs into the page, and behind it to the buttons.
-        auto* bar = QtUser::Window()->findChild<QTabBar*>();
+        auto* bar = QtPerson::Window()->findChild<QTabBar*>();
         bar->setFocus();
         Press(Qt::Key_Left);
         EXPECT_TRUE(bar->hasFocus());
@@ -67,7 +67,7 @@ std::string Faults(const QWidget& page) {
 }
 
 /// The places at which the values of the report on the status page begin.
-std::set<int> Columns(QtUser& user) {
+std::set<int> Columns(QtPerson& user) {
     const auto& edit = dynamic_cast<QPlainTextEdit&>(*user.Find(1063));
     std::set<int> columns;
     QTextCursor value(edit.document());
@@ -95,10 +95,10 @@ TEST_F(Sheet, CutsNothingOffInAnyFontAndShowsTheStatusInOneColumn) {
                     EXPECT_TRUE(page != 106 || Columns(user).size() == 1U);
                     Press(Qt::Key_PageDown, Qt::ControlModifier);
                 }
-                EXPECT_EQ(Faults(*QtUser::Window()), "");
+                EXPECT_EQ(Faults(*QtPerson::Window()), "");
             });
             CDialog configuration(1001);
-            Run(configuration, [] { EXPECT_EQ(Faults(*QtUser::Window()), ""); });
+            Run(configuration, [] { EXPECT_EQ(Faults(*QtPerson::Window()), ""); });
         }
     }
     g_VETMTrace = nullptr;

@@ -1,61 +1,135 @@
 // The stories on the headless display.
 
+#include <optional>
+
+#include "host/drive/Interpreter.h"
 #include "testkit/TemporaryDirectory.h"
 #include "tests/scenarios/Scenarios.h"
 #include "tests/support/Session.h"
 
 namespace {
 
-class HeadlessUser final : public User {
-public:
-    explicit HeadlessUser(HeadlessDisplay& display) : m_Display(display) {}
+using etmhost::FrontWindow;
+using etmhost::Interpreter;
 
-    void OnNextDialog(Script script) override {
-        m_Display.OnNextDialog([this, script = std::move(script)] { script(*this); });
+/// A display whose windows, while they are open, let an interpreter work, and the user that it
+/// works as. Where a step cannot be made yet, time goes by.
+class DrivenDisplay final : public HeadlessDisplay, public etmhost::User {
+public:
+    explicit DrivenDisplay(const etmhost::Script& script) : interpreter(script, *this, nullptr) {
+        OnOtherDialogs([this] {
+            CDialog* const dialog = HeadlessDisplay::Front();
+            while (!dialog->HasEnded()) Work();
+        });
     }
-    void Answer(int result) override { m_Display.Answer(result); }
-    void AnswerSave(const char* path) override { m_Display.AnswerSave(path); }
-    void Click(int id) override { m_Display.Click(id); }
-    void Type(int id, const char* text) override { m_Display.Type(id, text); }
-    void Select(int id, int index) override { m_Display.Select(id, index); }
-    void Tab(int index) override { m_Display.Tab(index); }
+
+    int ShowMessage(CWnd*, const char* text, const char* title, unsigned flags) override {
+        const bool asks = (flags & MB_YESNO) != 0;
+        m_Buttons = asks ? std::vector{IDYES, IDNO} : std::vector{IDOK};
+        return WorkAt({FrontWindow::MessageBox, title, text, false});
+    }
+    bool AskSaveFile(SaveFileRecord& record) override {
+        WorkAt({FrontWindow::SaveDialog, record.title != nullptr ? record.title : "", "", false});
+        HeadlessDisplay::AnswerSave(m_Path.empty() ? nullptr : m_Path.c_str());
+        return HeadlessDisplay::AskSaveFile(record);
+    }
+
+    FrontWindow Front() override {
+        if (m_Box) return *m_Box;
+        const CDialog& dialog = *HeadlessDisplay::Front();
+        return {FrontWindow::Dialog, dialog.GetWindowText(), "", dialog.AsSheet() != nullptr};
+    }
+    bool Has(int id) override { return HeadlessDisplay::Has(id); }
+    std::vector<int> WithCaption(const std::string& caption) override {
+        std::vector<int> found;
+        for (const CDialog* dialog :
+             std::set<const CDialog*>{HeadlessDisplay::Front(), FrontPage()})
+            for (const auto& control : dialog->GetControls())
+                if (dynamic_cast<CButton*>(control.get()) != nullptr &&
+                    control->IsWindowVisible() &&
+                    etmhost::WithoutMarks(control->GetWindowText()) == caption)
+                    found.push_back(control->GetDlgCtrlID());
+        return found;
+    }
+
+    void Click(int id) override { HeadlessDisplay::Click(id); }
+    void Type(int id, const std::string& text) override {
+        std::string typed;
+        for (const char c : text) typed += c == '\n' ? "\r\n" : std::string(1, c);
+        HeadlessDisplay::Type(id, typed);
+    }
+    void Select(int id, int index) override { HeadlessDisplay::Select(id, index); }
+    void Tab(int index) override { HeadlessDisplay::Tab(index); }
     void Drag(int id, int position) override {
-        m_Display.Drag(id, position);
-        m_Display.Release(id);
+        HeadlessDisplay::Drag(id, position);
+        HeadlessDisplay::Release(id);
     }
-    void CloseFrame() override { m_Display.CloseFrame(); }
-    void Wait(unsigned milliseconds) override { m_Display.Advance(milliseconds); }
-    std::string Text(int id) override { return m_Display.Text(id); }
-    bool Enabled(int id) override { return m_Display.Enabled(id); }
-    bool Visible(int id) override { return m_Display.Visible(id); }
-    bool Checked(int id) override { return m_Display.Checked(id); }
-    int Selection(int id) override { return m_Display.Selection(id); }
-    int TabInFront() override { return m_Display.Selection(IDC_TAB_CONTROL); }
-    int Focus() override { return m_Display.Focused(); }
-    std::vector<std::string> Boxes() override { return m_Display.Boxes(); }
+    void Press(const etmhost::KeyName&) override { throw std::runtime_error("no keyboard"); }
+    void CloseFrame() override {
+        if (!m_Box) return HeadlessDisplay::CloseFrame();
+        m_Answer = m_Buttons.empty() ? 0 : m_Buttons.back();
+    }
+    void AnswerBox(etmhost::Answer answer) override {
+        if (answer == etmhost::Answer::Escape) return CloseFrame();
+        const int button = std::array{IDYES, IDNO, IDOK, IDCANCEL}[static_cast<size_t>(answer)];
+        if (std::ranges::count(m_Buttons, button) == 0) throw std::runtime_error("no such button");
+        m_Answer = button;
+    }
+    void SaveAs(const std::string& path) override {
+        m_Path = path;
+        m_Answer = 0;
+    }
+    void TakePicture(const std::filesystem::path&) override { throw std::runtime_error("blind"); }
+
+    std::string Text(int id) override { return HeadlessDisplay::Text(id); }
+    bool Enabled(int id) override { return HeadlessDisplay::Enabled(id); }
+    bool Visible(int id) override { return HeadlessDisplay::Visible(id); }
+    bool Checked(int id) override { return HeadlessDisplay::Checked(id); }
+    int Selection(int id) override { return HeadlessDisplay::Selection(id); }
+    std::vector<std::string> Entries(int id) override { return HeadlessDisplay::Entries(id); }
+    int Focus() override { return Focused(); }
+
+    Interpreter interpreter;
 
 private:
-    HeadlessDisplay& m_Display;
+    void Work() {
+        constexpr unsigned pause = 20; // in ms
+        if (interpreter.Tick(m_Time)) return;
+        m_Time += pause;
+        Advance(pause);
+    }
+    int WorkAt(FrontWindow box) {
+        m_Box = std::move(box);
+        for (m_Answer.reset(); !m_Answer;) Work();
+        m_Box.reset();
+        return *m_Answer;
+    }
+
+    uint64_t m_Time = 0;
+    std::optional<FrontWindow> m_Box; // or save dialog, if one is in front
+    std::vector<int> m_Buttons;       // of the box
+    std::optional<int> m_Answer;      // ends it
+    std::string m_Path;
 };
 
 class OnHeadless : public Session, public ::testing::WithParamInterface<Scenario> {};
 
 TEST_P(OnHeadless, Tells) {
     TemporaryDirectory directory;
+    const Scenario scenario = GetParam().In(directory.Path());
+    DrivenDisplay driven(scenario.script);
+    AfxGetApp()->UseDisplay(&driven);
     OrnDLL()->SetModulePath((directory.Path() + "/KVETMControl.so").c_str());
-    GetParam().prepare(host, directory.Path());
-    HeadlessUser user(display);
-    EXPECT_TRUE(OpenAnd([&] {
-        host.TakeCalls();
-        GetParam().script(user, directory.Path());
-    }));
-    EXPECT_EQ(TakeJournal(GetParam(), host, directory.Path()),
-              ExpectedChanges(GetParam(), directory.Path()));
-    EXPECT_EQ(user.Boxes(), GetParam().boxes);
-    EXPECT_EQ(display.UnansweredBoxes(), 0);
+    scenario.prepare(host);
+    ASSERT_TRUE(control->Init(0)) << LastError();
+    host.TakeCalls();
+    EXPECT_TRUE(control->Open());
+    driven.interpreter.End();
+    EXPECT_EQ(driven.interpreter.failure(), "") << driven.interpreter.failureLine();
+    EXPECT_EQ(TakeJournal(scenario, host, directory.Path()), scenario.changes);
 }
 
 INSTANTIATE_TEST_SUITE_P(Scenarios, OnHeadless, ::testing::ValuesIn(AllScenarios()),
-                         [](const auto& info) { return std::string(info.param.name); });
+                         [](const auto& info) { return info.param.name; });
 
 } // namespace

@@ -1,4 +1,8 @@
-// Stories that every display has to tell in the same way.
+// Stories that every display has to tell in the same way: the scripts of this folder.
+//
+// Lines that begin with "#:" say what the host is prepared with, and which changes have to reach
+// the target, one by one, after the dialog has asked for its report. "{dir}" stands for a board
+// directory of the test's own, with its separator.
 
 #pragma once
 
@@ -6,20 +10,18 @@
 #include <string>
 #include <vector>
 
+#include "host/drive/Script.h"
 #include "testkit/RecordingHost.h"
-#include "tests/scenarios/User.h"
 
 struct Scenario {
-    const char* name;
-    /// Sets up the target, before Init. `directory` is an empty board directory.
-    void (*prepare)(RecordingHost& host, const std::string& directory);
-    /// What the person does in the sheet.
-    void (*script)(User& user, const std::string& directory);
-    /// What has to reach the target while the sheet is open. "{dir}" stands for the
-    /// board directory with its separator.
+    std::string name;
+    /// Sets up the target, before Init.
+    void (*prepare)(RecordingHost& host);
+    etmhost::Script script;
     std::vector<std::string> changes;
-    /// The message boxes that have to appear.
-    std::vector<std::string> boxes;
+
+    /// The same in a board directory.
+    Scenario In(const std::string& directory) const;
 };
 
 inline void PrintTo(const Scenario& scenario, std::ostream* out) {
@@ -28,11 +30,9 @@ inline void PrintTo(const Scenario& scenario, std::ostream* out) {
 
 const std::vector<Scenario>& AllScenarios();
 
-/// `scenario.changes` with the directory in place.
-std::vector<std::string> ExpectedChanges(const Scenario& scenario, const std::string& directory);
-
-/// The changes among the host's calls, from those of the script on. If the environment
-/// names a folder in KVETM_JOURNALS, writes all calls there first, so that displays can
-/// be compared; the polls of a timer and the directory's path are left out.
+/// The changes among the host's calls behind the first, which asks for the report; throws where
+/// that one is missing. If the environment names a folder in KVETM_JOURNALS, writes all calls there
+/// first, so that displays can be compared; the polls of a timer and the directory's path are left
+/// out.
 std::vector<std::string> TakeJournal(const Scenario& scenario, RecordingHost& host,
                                      const std::string& directory);

@@ -1,11 +1,11 @@
-#include "host/commandline/qt/application.h"
+#include "host/commandline/screen.h"
 
 #include <dlfcn.h>
 
 #include <QApplication>
+#include <QFontDatabase>
 #include <QPalette>
 
-#include "host/commandline/screen.h"
 #include "host/support/host_error.h"
 
 namespace etmhost {
@@ -60,8 +60,7 @@ bool HasScreen() {
     return connected;
 }
 
-} // namespace
-
+/// Makes the application; dark if asked for. The program ends here if its platform does not work.
 std::shared_ptr<QApplication> MakeApplication(bool dark) {
     static int argc = 1;
     static char name[] = "etmhost";
@@ -74,9 +73,29 @@ std::shared_ptr<QApplication> MakeApplication(bool dark) {
     return application;
 }
 
+} // namespace
+
 Screen PrepareDarkScreen() {
     if (!HasScreen()) throw HostError("there is no screen to show the dialog on");
     return MakeApplication(true);
+}
+
+Screen PrepareDrivenScreen(const DriveOptions& options, bool dark) {
+    if (options.offScreen || !HasScreen()) {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+        qputenv("QT_LOGGING_RULES", "default.warning=false"); // about what offscreen cannot do
+    }
+    if (options.scale != 1.0) qputenv("QT_SCALE_FACTOR", QByteArray::number(options.scale));
+    const std::shared_ptr<QApplication> application = MakeApplication(dark);
+    if (!options.font.empty()) {
+        const QString font = QString::fromLocal8Bit(options.font.c_str());
+        if (!QFontDatabase::families().contains(font, Qt::CaseInsensitive))
+            throw HostError("there is no font \"" + options.font + "\"");
+        QFont chosen = QApplication::font();
+        chosen.setFamilies({font});
+        QApplication::setFont(chosen);
+    }
+    return application;
 }
 
 } // namespace etmhost

@@ -1,0 +1,14 @@
+# embed_texts(TARGET NAME FILES...): the sources of TARGET can include NAME, which holds the
+# files as rows of an array: {"name of the file without extension", "its text"},
+function(embed_texts TARGET NAME)
+  set(rows "")
+  foreach(file IN LISTS ARGN)
+    set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${file})
+    get_filename_component(name ${file} NAME_WE)
+    file(READ ${file} text)
+    string(APPEND rows "{\"${name}\", R\"~~(${text})~~\"},\n")
+  endforeach()
+  set(folder ${CMAKE_CURRENT_BINARY_DIR}/${TARGET}_texts)
+  file(CONFIGURE OUTPUT ${folder}/${NAME} CONTENT "@rows@" @ONLY)
+  target_include_directories(${TARGET} PRIVATE ${folder})
+endfunction()

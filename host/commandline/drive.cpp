@@ -1,0 +1,137 @@
+#include "host/commandline/drive.h"
+
+#include <condition_variable>
+#include <cstdlib>
+#include <fstream>
+#include <iostream>
+#include <mutex>
+#include <sstream>
+#include <thread>
+
+#include "host/drive/windows.h"
+#include "host/support/host_error.h"
+
+namespace etmhost {
+
+namespace {
+
+constexpr const char* kTour = "tour"; // the name of its script, which nobody has as a file
+
+/// Ends the process if the windows never let the interpreter work for too long: then something
+/// blocks their thread, and nothing else would come to an end either.
+class Watchdog {
+public:
+    Watchdog(const Interpreter& interpreter, std::function<void()> bite)
+        : m_Thread([this, &interpreter, bite = std::move(bite)] { Watch(interpreter, bite); }) {}
+    ~Watchdog() {
+        {
+            const std::lock_guard lock(m_Mutex);
+            m_Over = true;
+        }
+        m_Changed.notify_one();
+        m_Thread.join();
+    }
+
+private:
+    static constexpr std::chrono::seconds kBusy{30};
+
+    void Watch(const Interpreter& interpreter, const std::function<void()>& bite) {
+        std::unique_lock lock(m_Mutex);
+        for (unsigned ticks = interpreter.ticks();; ticks = interpreter.ticks()) {
+            if (m_Changed.wait_for(lock, kBusy, [this] { return m_Over; })) return;
+            if (interpreter.ticks() == ticks) bite();
+        }
+    }
+
+    std::mutex m_Mutex;
+    std::condition_variable m_Changed;
+    bool m_Over = false;
+    std::thread m_Thread; // the last: it uses the others
+};
+
+std::filesystem::path ToPath(const std::string& text) {
+    if (const auto path = NativePath(text)) return *path;
+    throw HostError("\"" + text + "\" is no file name");
+}
+
+std::string ReadText(std::istream& in, const std::string& name) {
+    std::string text(kLongestScript + 1, '\0');
+    in.read(text.data(), static_cast<std::streamsize>(text.size()));
+    if (in.bad() || (in.fail() && !in.eof())) throw HostError("cannot read the script " + name);
+    text.resize(static_cast<size_t>(in.gcount()));
+    return text;
+}
+
+void Report(std::ostream& errors, const Script& script, int line, const std::string& text) {
+    if (script.name == kTour)
+        PrintRefusal(errors, std::string(kProgram) + ": " + kTour, text);
+    else
+        PrintRefusal(errors, script.name + ":" + std::to_string(line), text);
+}
+
+} // namespace
+
+std::optional<Script> ReadScript(const std::string& file, std::ostream& errors) {
+    std::string text;
+    if (file == "-") {
+        text = ReadText(std::cin, file);
+    } else {
+        std::ifstream in(ToPath(file), std::ios::binary);
+        if (!in) throw HostError("cannot read the script " + file);
+        text = ReadText(in, file);
+    }
+    Script script = ParseScript(file, text);
+    if (!TakesPictures())
+        for (const Step& step : script.steps)
+            if (step.verb == Step::Picture)
+                script.errors.push_back({step.line, "this build of etmhost takes no pictures"});
+    for (const ScriptError& error : script.errors) Report(errors, script, error.line, error.text);
+    return script.errors.empty() ? std::optional(script) : std::nullopt;
+}
+
+Script TourScript() {
+    static constexpr struct {
+        const char *name, *text;
+    } kScripts[] = {
+#include "tour.inc"
+    };
+    return ParseScript(kTour, kScripts[0].text);
+}
+
+void PreparePictures(const std::string& command, const std::string& directory) {
+    const std::filesystem::path path = ToPath(directory);
+    const std::filesystem::path probe = path / ".etmhost-probe";
+    std::error_code ignored;
+    std::filesystem::create_directories(path, ignored);
+    const bool writable = std::ofstream(probe).good();
+    std::filesystem::remove(probe, ignored);
+    if (!writable) throw HostError(command + ": cannot write into directory \"" + directory + "\"");
+}
+
+Status Drive(ModuleSession& session, SimulatedHost& host, const Script& script,
+             const std::string& pictures, std::ostream& errors) {
+    const std::unique_ptr<User> user = MakeUser();
+    Interpreter interpreter(script, *user,
+                            [&](const std::string& what) { host.journal.Step(what); });
+    if (!pictures.empty()) interpreter.SetPictures(ToPath(pictures));
+    const auto give = [&](const std::string& up) {
+        const std::string& failure = interpreter.failure();
+        Report(errors, script, interpreter.failureLine(),
+               failure + (failure.empty() ? "" : "\n") + up);
+        errors.flush();
+        std::_Exit(kFailed);
+    };
+    interpreter.OnStuck([&] { give("a window cannot be closed"); });
+    Status status = kDone;
+    {
+        const Watchdog watchdog(
+            interpreter, [&] { give("the windows do not answer"); });
+        DriveWindows(interpreter, [&] { status = OpenDialog(session, host, errors); });
+    }
+    if (status == kDone) interpreter.End();
+    if (interpreter.failure().empty()) return status;
+    Report(errors, script, interpreter.failureLine(), interpreter.failure());
+    return kFailed;
+}
+
+} // namespace etmhost
