@@ -52,8 +52,7 @@ bool Interpreter::Tick(uint64_t now) {
         if (!m_Failure.empty()) return CloseOne(front, now);
         const bool arrived = m_Next == m_Script.steps.size();
         if (front.kind == FrontWindow::None) return WaitFor(line, "a window", "none there", now);
-        if (front.kind == FrontWindow::MessageBox &&
-            (arrived || !MindsNoBox(m_Script.steps[m_Next]))) {
+        if (front.kind == FrontWindow::Box && (arrived || !MindsNoBox(m_Script.steps[m_Next]))) {
             Fail(line, "a box " + Quoted(front.title) + " came up: " + front.text);
             return true;
         }
@@ -104,14 +103,14 @@ bool Interpreter::TryStep(const Step& step, const FrontWindow& front, uint64_t n
 
 bool Interpreter::TryAct(const Step& step, const FrontWindow& front, uint64_t now) {
     if (step.verb == Step::AnswerBox) {
-        if (front.kind != FrontWindow::MessageBox)
+        if (front.kind != FrontWindow::Box)
             return WaitFor(step.line, "a message box", Described(front), now);
         Make(step, std::string("answer ") + Described(step.answer),
              [&] { m_User.AnswerBox(step.answer); });
         return true;
     }
     if (step.verb == Step::Save) {
-        if (front.kind != FrontWindow::SaveDialog)
+        if (front.kind != FrontWindow::Save)
             return WaitFor(step.line, "the save dialog", Described(front), now);
         Make(step, "save " + (step.text.empty() ? "cancel" : Quoted(step.text)),
              [&] { m_User.SaveAs(step.text); });
@@ -258,7 +257,7 @@ Interpreter::Finding Interpreter::Look(const Condition& condition, const FrontWi
     } else if (condition.what == Condition::Picture) {
         seen = m_Taken.contains(condition.text);
     } else {
-        seen = front.kind == FrontWindow::MessageBox &&
+        seen = front.kind == FrontWindow::Box &&
                (condition.anyTitle || front.title == condition.title) &&
                (condition.anyText || front.text == condition.text);
     }

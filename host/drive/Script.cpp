@@ -14,7 +14,6 @@ namespace {
 
 constexpr size_t kMostErrors = 20;
 constexpr int kLongestPause = 60'000; // in ms
-constexpr int kApply = 0x3021;        // the button of every sheet
 
 /// What a line cannot be read for.
 struct Wrong {
@@ -121,7 +120,8 @@ public:
     }
 
     ControlName TakeControl() {
-        for (const auto& [word, number] : {std::pair("ok", 1), {"cancel", 2}, {"apply", kApply}})
+        for (const auto& [word, number] :
+             {std::pair("ok", 1), {"cancel", 2}, {"apply", kApplyButton}})
             if (Took(word)) return {number, {}};
         if (!empty() && m_Tokens[m_Next].quoted) return {0, TakeFilled("a caption")};
         return {TakeNumber("a control", 1, 0xFFFF), {}};
@@ -321,6 +321,7 @@ public:
 
     void End() {
         for (const Block& block : m_Open) Complain(block.line, "this if has no end");
+        std::ranges::stable_sort(m_Script.errors, {}, &ScriptError::line);
     }
 
     void Complain(int line, std::string text) {

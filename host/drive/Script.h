@@ -85,6 +85,9 @@ struct Script {
     std::vector<ScriptError> errors; ///< in order; a script with errors is not carried out
 };
 
+/// The button of every sheet.
+inline constexpr int kApplyButton = 0x3021;
+
 /// The longest text that is a script, in bytes.
 inline constexpr size_t kLongestScript = 1 << 20;
 

@@ -16,11 +16,11 @@
 
 namespace etmhost {
 
-/// The number of the tab control and of the buttons of every sheet.
+/// The tab control of every sheet.
 inline constexpr int kTabControl = 0x3020;
 
 struct FrontWindow {
-    enum Kind { None, Dialog, MessageBox, SaveDialog };
+    enum Kind { None, Dialog, Box, Save };
     Kind kind = None;
     std::string title;
     std::string text;   ///< of a box

@@ -43,6 +43,16 @@ std::string WithoutNot(const Condition& condition) {
 } // namespace
 
 std::string Described(const ControlName& name) {
+    switch (name.number) {
+    case 1:
+        return "ok";
+    case 2:
+        return "cancel";
+    case kApplyButton:
+        return "apply";
+    default:
+        break;
+    }
     return name.number != 0 ? std::to_string(name.number) : Quoted(name.caption);
 }
 
@@ -65,9 +75,9 @@ std::string Described(const FrontWindow& window) {
     switch (window.kind) {
     case FrontWindow::Dialog:
         return "window " + Quoted(window.title);
-    case FrontWindow::MessageBox:
+    case FrontWindow::Box:
         return "box " + Quoted(window.title) + " " + Quoted(window.text);
-    case FrontWindow::SaveDialog:
+    case FrontWindow::Save:
         return "save dialog " + Quoted(window.title);
     case FrontWindow::None:
         break;

@@ -44,10 +44,10 @@ private:
         const etmhost::FrontWindow front = Front();
         QWidget* const window = Window();
         if (window == nullptr || !m_Seen.insert(window).second) return;
-        if (front.kind == etmhost::FrontWindow::MessageBox) {
+        if (front.kind == etmhost::FrontWindow::Box) {
             m_Boxes.push_back("[" + front.title + "] " + front.text);
             PressAnswer(Next<int>(m_Answers, IDCANCEL));
-        } else if (front.kind == etmhost::FrontWindow::SaveDialog) {
+        } else if (front.kind == etmhost::FrontWindow::Save) {
             SaveAs(Next<std::string>(m_Saves, ""));
         } else {
             Next<Script>(m_Scripts, [](QtPerson&) {})(*this);

@@ -26,10 +26,10 @@ public:
     int ShowMessage(CWnd*, const char* text, const char* title, unsigned flags) override {
         const bool asks = (flags & MB_YESNO) != 0;
         m_Buttons = asks ? std::vector{IDYES, IDNO} : std::vector{IDOK};
-        return WorkAt({FrontWindow::MessageBox, title, text, false});
+        return WorkAt({FrontWindow::Box, title, text, false});
     }
     bool AskSaveFile(SaveFileRecord& record) override {
-        WorkAt({FrontWindow::SaveDialog, record.title != nullptr ? record.title : "", "", false});
+        WorkAt({FrontWindow::Save, record.title != nullptr ? record.title : "", "", false});
         HeadlessDisplay::AnswerSave(m_Path.empty() ? nullptr : m_Path.c_str());
         return HeadlessDisplay::AskSaveFile(record);
     }

@@ -7,7 +7,7 @@
 
 #include "testkit/TemporaryDirectory.h"
 #include "tests/module/LoadedModule.h"
-#include "tests/win32/Win32User.h"
+#include "tests/win32/Win32Person.h"
 
 #include <filesystem>
 #include <fstream>
@@ -23,39 +23,40 @@ class OnNativeWindows : public ::testing::Test {
 protected:
     OnNativeWindows() { loaded.host.values[ORN_VALUE_CONTROL] = ORN_CONTROL_ENABLE; }
 
-    void Open(User::Script script) {
+    void Open(Win32Person::Script script) {
         ASSERT_TRUE(loaded.control->Init(0)) << loaded.LastError();
-        user.OnNextDialog([&](User& person) {
+        user.OnNextDialog([&](Win32Person& person) {
             loaded.host.TakeCalls();
             script(person);
         });
         EXPECT_TRUE(user.Open(*loaded.control)) << loaded.LastError();
         EXPECT_EQ(user.Surprises(), 0);
-        EXPECT_EQ(Win32User::Front(), nullptr);
+        EXPECT_EQ(Win32Person::FrontHandle(), nullptr);
     }
 
     LoadedModule loaded;
-    Win32User user;
+    Win32Person user;
 };
 
 TEST_F(OnNativeWindows, EscapeSendsNothingAndAnswersNo) {
     loaded.host.values[ORN_VALUE_CONTROL] = ORN_CONTROL_ENABLE | ORN_CONTROL_TRIGGER_ADDRESS;
     loaded.host.lines = {"ETM TRIGGER 0x100"}; // without it the first tab can't be left
-    const std::vector<User::Script> ways = {
-        [this](User&) { user.Press(VK_ESCAPE); },
-        [this](User& person) { // from an edit of several lines, which likes to keep the key
+    const std::vector<Win32Person::Script> ways = {
+        [this](Win32Person&) { user.Press(VK_ESCAPE); },
+        [this](Win32Person& person) { // from an edit of several lines, which likes to keep the key
             person.Tab(2);
             PostMessageA(user.Find(1063), WM_KEYDOWN, VK_ESCAPE, 0);
             user.Settle();
         },
-        [this](User& person) { // from the ETM Configuration dialog, as if nothing had happened
-            user.OnNextDialog([this](User&) { user.Press(VK_ESCAPE); });
+        [this](
+            Win32Person& person) { // from the ETM Configuration dialog, as if nothing had happened
+            user.OnNextDialog([this](Win32Person&) { user.Press(VK_ESCAPE); });
             person.Click(1029);
             person.Click(IDCANCEL);
         },
-        [this](User& person) { // from a question: a range beside the trigger
+        [this](Win32Person& person) { // from a question: a range beside the trigger
             person.Tab(1);
-            person.Answer(Win32User::kEscape);
+            person.Answer(Win32Person::kEscape);
             person.Click(1017);
             EXPECT_FALSE(person.Checked(1017));
             person.Click(IDCANCEL);
@@ -63,7 +64,7 @@ TEST_F(OnNativeWindows, EscapeSendsNothingAndAnswersNo) {
     };
     for (size_t way = 0; way < ways.size(); ++way) {
         SCOPED_TRACE(way);
-        Open([&](User& person) {
+        Open([&](Win32Person& person) {
             person.Click(1002);
             EXPECT_TRUE(person.Enabled(IDC_APPLY_NOW));
             ways[way](person);
@@ -76,15 +77,15 @@ TEST_F(OnNativeWindows, EscapeSendsNothingAndAnswersNo) {
 TEST_F(OnNativeWindows, AHeldKeyPressesNothing) {
     const auto hold = [this] {
         for (const WPARAM key : {VK_RETURN, VK_ESCAPE}) {
-            user.Press(key, Win32User::kHeld);
+            user.Press(key, Win32Person::kHeld);
             EXPECT_TRUE(IsWindow(user.Window())) << key;
         }
     };
-    Open([&](User& person) {
+    Open([&](Win32Person& person) {
         hold();
-        user.OnNextDialog([&](User& dialog) {
+        user.OnNextDialog([&](Win32Person& dialog) {
             hold();
-            PostMessageA(user.Find(1080), WM_KEYDOWN, VK_RETURN, Win32User::kHeld);
+            PostMessageA(user.Find(1080), WM_KEYDOWN, VK_RETURN, Win32Person::kHeld);
             user.Settle();
             EXPECT_EQ(dialog.Text(1080), "\r\n"); // which is typing
         });
@@ -94,7 +95,7 @@ TEST_F(OnNativeWindows, AHeldKeyPressesNothing) {
 
 TEST_F(OnNativeWindows, TabChangesNothingAndTheStatusStandsInOneColumn) {
     std::vector<int> visited;
-    Open([&](User& person) {
+    Open([&](Win32Person& person) {
         do {
             visited.push_back(user.Focus());
             user.Press(VK_TAB);
@@ -118,7 +119,7 @@ TEST_F(OnNativeWindows, TabChangesNothingAndTheStatusStandsInOneColumn) {
 }
 
 TEST_F(OnNativeWindows, ArrowsChooseAmongRadioButtons) {
-    Open([&](User& person) {
+    Open([&](Win32Person& person) {
         while (user.Focus() != 1061) user.Press(VK_TAB);
         BYTE keys[256] = {};
         AttachThreadInput(GetCurrentThreadId(), GetWindowThreadProcessId(user.Window(), nullptr),
@@ -150,7 +151,7 @@ TEST_F(OnNativeWindows, ArrowsChooseAmongRadioButtons) {
 TEST_F(OnNativeWindows, TheMouseMovesTheSliderAndTextKeepsItsCodePage) {
     loaded.host.values[ORN_VALUE_CONTROL] = ORN_CONTROL_ENABLE | ORN_CONTROL_TRIGGER_ADDRESS;
     loaded.host.evaluates = true;
-    Open([&](User& person) {
+    Open([&](Win32Person& person) {
         const HWND slider = user.Find(1007);
         RECT thumb;
         SendMessageA(slider, TBM_GETTHUMBRECT, 0, reinterpret_cast<LPARAM>(&thumb));
@@ -169,13 +170,13 @@ TEST_F(OnNativeWindows, TheMouseMovesTheSliderAndTextKeepsItsCodePage) {
 }
 
 TEST_F(OnNativeWindows, TextsSetByAnotherProgramCountAndToolTipsAreThere) {
-    Open([&](User& person) {
+    Open([&](Win32Person& person) {
         const auto set = [this](int id, const char* text) {
             SendMessageA(user.Find(id), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text));
         };
         set(1008, "25");
         EXPECT_EQ(SendMessageA(user.Find(1007), TBM_GETPOS, 0, 0), 25);
-        user.OnNextDialog([&](User& dialog) {
+        user.OnNextDialog([&](Win32Person& dialog) {
             HWND tips = nullptr; // of this dialog
             while ((tips = FindWindowExA(nullptr, tips, TOOLTIPS_CLASSA, nullptr)) != nullptr)
                 if (GetWindow(tips, GW_OWNER) == user.Window()) break;
@@ -199,8 +200,8 @@ TEST_F(OnNativeWindows, AFileIsReplacedOnlyWithTheUsersConsent) {
     loaded.module.SetModulePath((directory.Path() + "\\KVETMControl.dll").c_str());
     char before[MAX_PATH], after[MAX_PATH];
     GetCurrentDirectoryA(sizeof before, before);
-    Open([&](User& person) {
-        user.OnNextDialog([&](User& dialog) {
+    Open([&](Win32Person& person) {
+        user.OnNextDialog([&](Win32Person& dialog) {
             dialog.Type(1080, "Title=New\r\n");
             for (const char* typed : {name.c_str(), old.c_str()}) {
                 dialog.AnswerSave(typed);
@@ -232,20 +233,20 @@ TEST_F(OnNativeWindows, TheHostWaitsForTheDialogWhichGoesWithIt) {
     const HWND host = CreateWindowA("STATIC", "host", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 400,
                                     300, nullptr, nullptr, nullptr, nullptr);
     SetActiveWindow(host);
-    Open([&](User& person) {
+    Open([&](Win32Person& person) {
         EXPECT_FALSE(IsWindowEnabled(host));
         const HWND sheet = user.Window();
-        user.OnNextDialog([&](User&) { EXPECT_FALSE(IsWindowEnabled(sheet)); });
+        user.OnNextDialog([&](Win32Person&) { EXPECT_FALSE(IsWindowEnabled(sheet)); });
         person.Click(1029);
         EXPECT_TRUE(IsWindowEnabled(sheet));
         EXPECT_EQ(user.Focus(), 1029);
         EXPECT_FALSE(loaded.control->Open()); // from a thread that is not the windows'
-        EXPECT_EQ(Win32User::Front(), sheet);
+        EXPECT_EQ(Win32Person::FrontHandle(), sheet);
     });
     EXPECT_TRUE(IsWindowEnabled(host));
     EXPECT_EQ(GetActiveWindow(), host);
 
-    Open([&](User& person) {
+    Open([&](Win32Person& person) {
         person.Click(1002);
         PostMessageA(host, WM_CLOSE, 0, 0);
         user.Settle();
@@ -254,9 +255,9 @@ TEST_F(OnNativeWindows, TheHostWaitsForTheDialogWhichGoesWithIt) {
     EXPECT_THAT(loaded.host.TakeChanges(), IsEmpty());
 
     // A wish to quit closes all, too, and is passed on.
-    Open([&](User& person) {
+    Open([&](Win32Person& person) {
         person.Click(1002);
-        user.OnNextDialog([&](User&) {
+        user.OnNextDialog([&](Win32Person&) {
             PostThreadMessageA(GetWindowThreadProcessId(user.Window(), nullptr), WM_QUIT, 7, 0);
             while (IsWindow(user.Window())) Sleep(5);
         });
@@ -272,24 +273,25 @@ TEST(AHostThatDestroysTheComponent, EndsWhateverRuns) {
     const TemporaryDirectory directory;
     const std::string old = directory.Write("board.mac", "");
     const std::string name = directory.PathOf("board"); // asked about by the module itself
-    const auto saveAs = [](User& person, const char* path) {
-        person.OnNextDialog([path](User& dialog) {
+    const auto saveAs = [](Win32Person& person, const char* path) {
+        person.OnNextDialog([path](Win32Person& dialog) {
             dialog.AnswerSave(path);
-            dialog.Answer(Win32User::kNothing);
+            dialog.Answer(Win32Person::kNothing);
             dialog.Type(1080, "Title=New\r\n");
             dialog.Click(1082);
         });
         person.Click(1029);
     };
     struct {
-        User::Script script;
+        Win32Person::Script script;
         bool (*inFront)(HWND);
     } const rows[] = {
-        {[](User& person) { person.Answer(Win32User::kNothing), person.Click(1030); },
-         Win32User::IsBox},
-        {[&](User& person) { saveAs(person, Win32User::kNoFile); }, Win32User::IsSaveDialog},
-        {[&](User& person) { saveAs(person, old.c_str()); }, Win32User::IsBox},
-        {[&](User& person) { saveAs(person, name.c_str()); }, Win32User::IsBox},
+        {[](Win32Person& person) { person.Answer(Win32Person::kNothing), person.Click(1030); },
+         Win32Person::IsBox},
+        {[&](Win32Person& person) { saveAs(person, Win32Person::kNoFile); },
+         Win32Person::IsSaveDialog},
+        {[&](Win32Person& person) { saveAs(person, old.c_str()); }, Win32Person::IsBox},
+        {[&](Win32Person& person) { saveAs(person, name.c_str()); }, Win32Person::IsBox},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(&row - rows);
@@ -298,14 +300,15 @@ TEST(AHostThatDestroysTheComponent, EndsWhateverRuns) {
         ASSERT_TRUE(loaded.control->Init(0));
         loaded.host.onCall = [&](const std::string& call) {
             if (call == "Command(start)") throw std::runtime_error("in a box");
-            if (call == "GetTraceState" && row.inFront(Win32User::Front())) loaded.Destroy();
+            if (call == "GetTraceState" && row.inFront(Win32Person::FrontHandle()))
+                loaded.Destroy();
         };
-        Win32User user;
+        Win32Person user;
         user.OnNextDialog(row.script);
         EXPECT_TRUE(user.Open(*loaded.control));
         EXPECT_EQ(loaded.control, nullptr);
         EXPECT_EQ(user.Surprises(), 0);
-        EXPECT_EQ(Win32User::Front(), nullptr);
+        EXPECT_EQ(Win32Person::FrontHandle(), nullptr);
     }
 }
 
@@ -313,8 +316,8 @@ TEST(TheDll, CanBeLoadedAnewAndBearsVersionAndManifest) {
     for (int round = 0; round < 10; ++round) {
         LoadedModule loaded;
         ASSERT_TRUE(loaded.control->Init(0));
-        Win32User user;
-        user.OnNextDialog([](User& person) {
+        Win32Person user;
+        user.OnNextDialog([](Win32Person& person) {
             person.Tab(2);
             person.Click(IDOK);
         });

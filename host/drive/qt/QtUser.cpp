@@ -87,10 +87,10 @@ FrontWindow QtUser::Front() {
     if (window == nullptr) return {};
     FrontWindow front{FrontWindow::Dialog, window->windowTitle().toStdString(), {}, false};
     if (const auto* box = qobject_cast<QMessageBox*>(window)) {
-        front.kind = FrontWindow::MessageBox;
+        front.kind = FrontWindow::Box;
         front.text = box->text().toStdString();
     } else if (qobject_cast<QFileDialog*>(window) != nullptr) {
-        front.kind = FrontWindow::SaveDialog;
+        front.kind = FrontWindow::Save;
     }
     front.sheet = TabsOf(window) != nullptr;
     return front;
