@@ -127,6 +127,49 @@ TEST_F(CommandLine, AnInterruptedDialogKeepsTheState) {
     EXPECT_EQ(Run("show" + state).status, 0);
 }
 
+TEST_F(CommandLine, AScriptDrivesTheDialog) {
+    const std::string file = directory.PathOf("script");
+    const struct {
+        const char* text;
+        int status;
+        const char* errors; // "@" stands for the file
+    } rows[] = {
+        {"tab 2\nclick 1017\ntype 1018 \"0x10\"\ntype 1019 \"0x20\"\nkey Shift+Tab\n"
+         "expect focus 1018\nkey Ctrl+Tab\nexpect tab 3\nok # now",
+         0, ""},
+        {"tab 2\nexpect disabled apply\nexpect checked \"Disable PC Trace\"\ncancel", 1,
+         "@:3: expected \"Disable PC Trace\" checked, is unchecked\n"},
+        {"\n if checked 1000\nclick Start\nfly\nelse\nelse\nkey Ctrl+Foo\nanswer maybe\nok now\n"
+         "expect enable ok\ntype 9 \"\\q\"\nstep \"x\nstep \"x\"y\nwait 60001\npicture a.bmp\nend\n"
+         "end\nchoose 3 0\nstep \"a\tb\"\nif box\ntype 9 \"\1\"",
+         2,
+         "@:3: a control is a number from 1 to 65535, not Start\n@:4: there is no step fly\n"
+         "@:6: this if has an else already\n@:7: there is no key Foo\n"
+         "@:8: an answer is yes, no, ok, cancel or escape\n@:9: now is too much here\n"
+         "@:10: there is no condition enable\n@:11: a backslash stands ahead of n, t, \" or \\\n"
+         "@:12: a quote is not closed\n@:13: a blank is missing behind a quote\n"
+         "@:14: a time in ms is a number from 1 to 60000, not 60001\n"
+         "@:15: the name of a picture ends with .png\n@:17: there is no if to this end\n"
+         "@:18: an entry is a number from 1 to 65535, not 0\n@:20: this if has no end\n"
+         "@:21: a control character\n"},
+    };
+    Run("run enable" + state);
+    for (const auto& [text, status, errors] : rows) {
+        SCOPED_TRACE(text);
+        directory.Write("script", text);
+        const Outcome outcome =
+            Run("drive \"" + file + "\"" + state + (onWindows ? "" : "--off-screen"));
+        EXPECT_EQ(outcome.status, status);
+        std::string expected = errors;
+        for (size_t at; (at = expected.find('@')) != std::string::npos;)
+            expected.replace(at, 1, file);
+        EXPECT_EQ(outcome.errors, expected);
+    }
+    EXPECT_THAT(Run("show" + state).output, HasSubstr("ETM PC = from 0x10\n  ETM PC = to 0x20\n"));
+    EXPECT_EQ(Run("drive \"" + file + ".no\"").errors,
+              "etmhost: cannot read the script " + file + ".no\n");
+}
+
 TEST_F(CommandLine, TourGoesThroughTheDialog) {
     if (onWindows) GTEST_SKIP() << "a Windows build has no tour";
     const std::string arguments = "tour \"" + directory.PathOf("pictures") + "\"";

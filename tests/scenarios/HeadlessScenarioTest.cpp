@@ -129,6 +129,53 @@ TEST_P(OnHeadless, Tells) {
     EXPECT_EQ(TakeJournal(scenario, host, directory.Path()), scenario.changes);
 }
 
+using AScriptOnHeadless = Session;
+
+TEST_F(AScriptOnHeadless, EndsAtTheFirstThingThatIsNotSo) {
+    host.values[ORN_VALUE_CONTROL] = ORN_CONTROL_ENABLE;
+    const std::pair<const char*, const char*> rows[] = {
+        {"if checked 1000\nif not tab 1\nclick 9\nelse\ncancel\nend\nelse\nok\nend", ""},
+        {"click \"Start\"\nwait 700\nwait until tab 1\nif hidden 9\nclick 9\nend\nclose", ""},
+        {"click \"Nothing\"", "1: expected \"Nothing\" in front, is window \"ETM Control\""},
+        {"click 1031", "1: expected 1031 enabled, is disabled"},
+        {"tab 3\nclick 1002", "2: expected 1002 in front, is window \"ETM Control\""},
+        {"tab \"Four\"", "1: expected \"Four\" in 12320, is \"General Control\", \"ETM Trace "
+                         "Settings\", \"Status\""},
+        {"expect not enabled apply\nexpect enabled apply",
+         "2: expected apply enabled, is disabled"},
+        {"expect not visible 9", "1: expected 9 hidden, is not there"},
+        {"expect text 1008 \"1\"", "1: expected text \"1\" in 1008, is \"50\""},
+        {"wait until tab 2", "1: expected tab 2, is 1 (General Control)"},
+        {"click 1029\nexpect window \"ETM Control\"",
+         "2: expected window \"ETM Control\", is window \"ETM Configuration\""},
+        {"click 1029\nexpect selection 1078 none",
+         "2: expected selection none in 1078, is 1 (Generic board - no trace "
+         "init file)"},
+        {"answer ok", "1: expected a message box, is window \"ETM Control\""},
+        {"save cancel", "1: expected the save dialog, is window \"ETM Control\""},
+        {"tab 2\nclick 1013\ntab 1\n\nclick 1012",
+         "5: a box \"Cannot validate address\" came up: Address entry is empty"},
+        {"tab 2\nclick 1013\ntab 1\nanswer yes", "4: no such button"},
+        {"tab 2\nclick 1013\ntab 1\nanswer ok\nok",
+         "5: a box \"Cannot validate address\" came up: Address entry is empty"},
+        {"step \"on\"", "1: expected the windows to close, is window \"ETM Control\" open"},
+        {"cancel\nstep \"on\"\nexpect tab 1", "3: the dialog has closed already"},
+    };
+    for (const auto& [text, failure] : rows) {
+        SCOPED_TRACE(text);
+        const etmhost::Script script = etmhost::ParseScript("s", text);
+        ASSERT_THAT(script.errors, ::testing::SizeIs(0));
+        DrivenDisplay driven(script);
+        AfxGetApp()->UseDisplay(&driven);
+        EXPECT_TRUE(control->Init(0) && control->Open());
+        driven.interpreter.End();
+        const std::string line = std::to_string(driven.interpreter.failureLine()) + ": ";
+        EXPECT_EQ(line + driven.interpreter.failure(), *failure != '\0' ? failure : "0: ");
+        EXPECT_EQ(driven.OpenWindows(), 0);
+    }
+    AfxGetApp()->UseDisplay(&display);
+}
+
 INSTANTIATE_TEST_SUITE_P(Scenarios, OnHeadless, ::testing::ValuesIn(AllScenarios()),
                          [](const auto& info) { return info.param.name; });
 
