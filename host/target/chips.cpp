@@ -5,7 +5,6 @@
 
 #include "host/support/host_error.h"
 #include "host/support/words.h"
-#include "host/target/chip_texts.h"
 #include "host/target/etm_registers.h"
 
 namespace etmhost {
@@ -125,10 +124,16 @@ Chip ToChip(const Json& json) {
     return chip;
 }
 
+constexpr struct {
+    const char *name, *text;
+} kDescriptions[] = {
+#include "chips.inc" // chips/*.json, by the build
+};
+
 std::vector<Chip> ReadAll() {
     std::vector<Chip> chips;
-    for (const char* const text : kChipTexts)
-        for (Chip& chip : ParseChips(text)) chips.push_back(std::move(chip));
+    for (const auto& description : kDescriptions)
+        for (Chip& chip : ParseChips(description.text)) chips.push_back(std::move(chip));
     return chips;
 }
 
