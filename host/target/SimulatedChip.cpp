@@ -1,6 +1,7 @@
 #include "host/target/SimulatedChip.h"
 
 #include <algorithm>
+#include <bit>
 
 #include "host/support/words.h"
 #include "host/target/etm_codec.h"
@@ -123,9 +124,7 @@ void SimulatedChip::Write(uint32_t address, uint32_t value) {
         WriteDwt(*component, offset, value);
         break;
     case Kind::Tpiu:
-        if (offset == TPIU_CURRENT && (value & (value - 1)) == 0 &&
-            (value & Stored(*component, TPIU_SUPPORTED)) != 0)
-            Store(*component, offset, value);
+        WritePort(*component, offset, value);
         break;
     case Kind::Scs:
         if (address == DEMCR) Store(*component, offset, value & 0x010F07F1);
@@ -241,6 +240,26 @@ void SimulatedChip::WriteBuffer(const ChipComponent& etb, uint32_t offset, uint3
                 Store(etb, fresh, 0);
         if ((value & ETB_CAPTURE) == 0) Store(etb, ETB_FORMATTER_STATUS, ETB_FORMATTER_STOPPED);
         Store(etb, offset, value & ETB_CAPTURE);
+        break;
+    default:
+        break;
+    }
+}
+
+void SimulatedChip::WritePort(const ChipComponent& tpiu, uint32_t offset, uint32_t value) {
+    switch (offset) {
+    case TPIU_CURRENT:
+        if (std::has_single_bit(value) && (value & Stored(tpiu, TPIU_SUPPORTED)) != 0)
+            Store(tpiu, offset, value);
+        break;
+    case TPIU_PRESCALER:
+        Store(tpiu, offset, value & 0x1FFF);
+        break;
+    case TPIU_PROTOCOL:
+        Store(tpiu, offset, value & 3);
+        break;
+    case TPIU_FORMATTER:
+        Store(tpiu, offset, (value & 0x2) | 0x100);
         break;
     default:
         break;

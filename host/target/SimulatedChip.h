@@ -47,6 +47,7 @@ private:
     uint32_t ReadRomTable(uint32_t offset) const;
     void WriteEtm(const ChipComponent& etm, uint32_t offset, uint32_t value);
     void WriteBuffer(const ChipComponent& etb, uint32_t offset, uint32_t value);
+    void WritePort(const ChipComponent& tpiu, uint32_t offset, uint32_t value);
     void WriteDwt(const ChipComponent& dwt, uint32_t offset, uint32_t value);
     const ChipComponent* At(uint32_t address) const;
 

@@ -67,9 +67,9 @@ public:
             Leave(after.at(ETMCR) & ~ETMCR_PROGRAMMING);
         } catch (const BusLost&) {
             throw; // nobody listens any more
-        } catch (const BusError&) {
+        } catch (const BusError& error) {
             Restore();
-            throw;
+            throw BusError(error.what() + SystemLock());
         }
     }
 
@@ -147,6 +147,19 @@ private:
             m_Bus.Write(Control(), powered);
             if (before != powered) m_Bus.Write(Control(), before);
         } catch (const BusError&) { // NOLINT(bugprone-empty-catch): the first reason is to be told
+        }
+    }
+
+    // Why an ETM of a version that knows such a lock may ignore what it is told.
+    std::string SystemLock() {
+        if (!m_Hardware.etm.IsAtLeast(3, 3)) return {};
+        try {
+            const uint32_t status = m_Bus.Read(m_Hardware.Etm(ETMPDSR));
+            if ((status & ETMPDSR_OS_LOCKED) == 0) return {};
+            return "; an operating system has locked the trace registers, ETMPDSR (" +
+                   Hex(m_Hardware.Etm(ETMPDSR)) + ") reads " + Hex(status);
+        } catch (const BusError&) {
+            return {};
         }
     }
 

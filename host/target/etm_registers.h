@@ -30,7 +30,6 @@ constexpr uint32_t ETMIDR = 0x79;
 constexpr uint32_t ETMCCER = 0x7A;
 constexpr uint32_t ETMTESSEICR = 0x7C;
 constexpr uint32_t ETMTRACEIDR = 0x80;
-constexpr uint32_t ETMOSLSR = 0xC1;
 constexpr uint32_t ETMPDSR = 0xC5;
 
 /// Bits of ETMCR.
@@ -44,6 +43,9 @@ constexpr uint32_t ETMCR_HALF_RATE = 1u << 13;
 
 /// Bits of ETMSR.
 constexpr uint32_t ETMSR_PROGRAMMING = 1u << 1;
+
+/// Of ETMPDSR.
+constexpr uint32_t ETMPDSR_OS_LOCKED = 1u << 5;
 
 /// Bits of ETMTECR1.
 constexpr uint32_t ETMTECR1_EXCLUDE = 1u << 24;
@@ -75,6 +77,9 @@ constexpr uint32_t CS_LSR_LOCKED = 2;
 /// Trace port interface unit, by offset.
 constexpr uint32_t TPIU_SUPPORTED = 0x000; ///< bit n - 1: a port of n bits
 constexpr uint32_t TPIU_CURRENT = 0x004;
+constexpr uint32_t TPIU_PRESCALER = 0x010;
+constexpr uint32_t TPIU_PROTOCOL = 0x0F0; ///< 0 parallel; 1, 2 serial
+constexpr uint32_t TPIU_FORMATTER = 0x304;
 
 /// Embedded trace buffer, by offset.
 constexpr uint32_t ETB_DEPTH = 0x004; ///< in words

@@ -20,6 +20,10 @@ constexpr uint32_t kControlBits = ORN_CONTROL_ENABLE | ORN_CONTROL_STOP_WHEN_FUL
 constexpr uint32_t kTraceId = 1;
 constexpr uint32_t kFirstReservedId = 0x70;
 
+std::string Bits(uint32_t count) {
+    return std::to_string(count) + (count == 1 ? " bit" : " bits");
+}
+
 std::string Capitalized(std::string text) {
     if (!text.empty() && text[0] >= 'a' && text[0] <= 'z')
         text[0] = static_cast<char>(text[0] - 'a' + 'A');
@@ -535,10 +539,22 @@ Refusal Target::Enable(bool on) {
             if (id == 0 || id >= kFirstReservedId) writes.push_back({ETMTRACEIDR, kTraceId, 0x7F});
         }
         Program(writes);
+        if (on) CheckProtocol();
         if (!on) state.capture.running = false;
         state.control = (state.control & ~ORN_CONTROL_ENABLE) | (on ? ORN_CONTROL_ENABLE : 0);
         return {};
     });
+}
+
+// A trace port that is set to a serial protocol sends no trace of the ETM. Who uses it serially
+// would not like it to be changed from here.
+void Target::CheckProtocol() {
+    if (IsSimulated() || m_Hardware.sink != SinkKind::Port) return;
+    const uint32_t protocol = m_Bus->Read(*m_Hardware.tpiuBase + TPIU_PROTOCOL) & 3;
+    if (protocol == 0) return;
+    m_Tell("the trace port is set to a serial protocol: " +
+           Hex(*m_Hardware.tpiuBase + TPIU_PROTOCOL) + " reads " + Hex(protocol) +
+           ", trace of an ETM needs 0; \"/startup\" or a board file sets it");
 }
 
 Refusal Target::SetControl(uint32_t word) {
@@ -639,13 +655,13 @@ Refusal Target::PreparePins() {
     return Try([&]() -> Refusal {
         const uint32_t size = Settings().portSize;
         if (!IsSimulated())
-            m_Tell("the debug server prepares its trace port of " + std::to_string(size) +
-                   " bits; what it writes is its own");
+            m_Tell("the debug server prepares its trace port of " + Bits(size) +
+                   "; what it writes is its own");
         if (const Refusal refusal = m_Bus->PreparePort(size)) return refusal;
         state.pinsReady = true;
         if (const uint32_t now = Settings().portSize; now != size)
-            m_Tell("the debug server has changed the port size from " + std::to_string(size) +
-                   " to " + std::to_string(now) + " bits");
+            m_Tell("the debug server has changed the port size from " + Bits(size) + " to " +
+                   Bits(now));
         return {};
     });
 }

@@ -151,6 +151,7 @@ private:
     Refusal DataRangeEnd(const Address& address, bool isEnd);
     Refusal CheckDwt(const EtmSettings& settings);
     void Disarm();
+    void CheckProtocol();
     std::string TextOf(const std::string& typed, uint32_t value) const;
     std::optional<Address> Typed(const std::string& text) const;
 

@@ -68,7 +68,7 @@ TEST_F(CommandLine, BadInputEndsWithStatus2AndAMessage) {
 }
 
 TEST_F(CommandLine, StateSurvivesBetweenRuns) {
-    EXPECT_THAT(Run("chips").output, HasSubstr("cortex-m3  Cortex-M3, ETM v3.5"));
+    EXPECT_THAT(Run("chips").output, HasSubstr("cortex-m3      Cortex-M3, ETM v3.5"));
     const Outcome run = Run("run enable \"etm pc=start 0x10\" \"etm pc=fly\"" + state);
     EXPECT_EQ(run.status, 1) << "one was refused";
     EXPECT_EQ(run.output, "enable: ok\netm pc=start 0x10: ok\n");

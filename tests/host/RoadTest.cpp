@@ -146,7 +146,7 @@ TEST_F(Road, TheCommandLineTracesOneFunction) {
     const std::string board = directory.Write("b.mac", ";x\nmem_write 0x20000100 0x12345678\n");
     EXPECT_THAT(Run(server, {"run", "macro " + board, "macro /startup"}),
                 AllOf(HasSubstr("line 2: writing 0x12345678 to 0x20000100"),
-                      HasSubstr("the debug server prepares its trace port of 1 bits"),
+                      HasSubstr("the debug server prepares its trace port of 1 bit;"),
                       HasSubstr("status 0")));
     EXPECT_EQ(chip.Word(0x20000100), "0x12345678");
     EXPECT_EQ(chip.Word(0xE0040004), "0x1") << "the width that it had";
