@@ -44,6 +44,15 @@ TEST_F(BoardTest, TitleAndCommandsOfAFile) {
     }
 }
 
+#ifdef BOARD_EXAMPLES
+TEST_F(BoardTest, TheExamplesAreListed) {
+    settings.SetTextAttribute(TA_BOARD_DIRECTORY, BOARD_EXAMPLES);
+    Configure([&] {
+        EXPECT_THAT(display.Entries(1078), testing::Contains(testing::StartsWith("STM32F4, ")));
+    });
+}
+#endif
+
 TEST_F(BoardTest, OnlyMarkedFilesOfTheDirectoryItselfAreListed) {
     const std::string boards = PathOf("boards;1") + kSeparator, longest = LongestName(boards);
     std::filesystem::create_directories(boards + "sub.mac");

@@ -128,6 +128,9 @@ TEST(Command, BoardFilesRunLineByLine) {
          "line 6: Unknown command: enable",
          4},
         {bad, reports + "and 980 more", 16},
+#ifdef BOARD_EXAMPLES
+        {directory.Read(BOARD_EXAMPLES "stm32f4-trace-port.mac"), "ok", 4},
+#endif
     };
     for (const auto& row : rows) {
         Machine machine("arm926");
