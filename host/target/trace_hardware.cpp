@@ -13,7 +13,6 @@ namespace {
 
 constexpr uint32_t kCortexRomTable = 0xE00FF000;
 constexpr uint32_t kSystemControlSpace = 0xE000E000;
-constexpr uint32_t kPage = 0x1000;
 constexpr size_t kMostEntries = 960; // of one table: up to its identification
 constexpr size_t kMostComponents = 256;
 constexpr int kDeepest = 4;
