@@ -8,9 +8,7 @@
 #include "toolkit/win32/NativeLook.h"
 #include "toolkit/win32/ShowModel.h"
 #include "toolkit/win32/WindowTable.h"
-#include "toolkit/win32/focus.h"
-#include "toolkit/win32/manners.h"
-#include "toolkit/win32/measure.h"
+#include "toolkit/win32/keyboard.h"
 
 namespace {
 
@@ -123,9 +121,6 @@ void FitIntoTab(HWND page, HWND sheet) {
 void Complete(const CWnd& control, HWND window) {
     ShowAll(control);
     switch (control.GetKind()) {
-    case ControlKind::Static:
-        FitLabel(window);
-        break;
     case ControlKind::RadioButton:
         TeachRadioButton(window);
         break;

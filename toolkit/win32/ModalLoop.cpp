@@ -4,7 +4,7 @@
 
 #include "toolkit/win32/DialogWindow.h"
 #include "toolkit/win32/NativeLook.h"
-#include "toolkit/win32/manners.h"
+#include "toolkit/win32/keyboard.h"
 
 namespace {
 

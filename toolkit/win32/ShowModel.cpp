@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "toolkit/win32/WindowTable.h"
-#include "toolkit/win32/focus.h"
+#include "toolkit/win32/keyboard.h"
 
 namespace {
 
@@ -136,6 +136,27 @@ void Show(HWND window, const CWnd& model, Change what) {
     }
 }
 
+/// Widens the label of one line so that its whole text shows, whatever face the system has
+/// put in place of the template's.
+void FitLabel(HWND label) {
+    if ((GetWindowLongA(label, GWL_STYLE) & SS_TYPEMASK) != SS_LEFTNOWORDWRAP) return;
+    RECT place;
+    GetWindowRect(label, &place);
+    int width = 0;
+    if (!MeasureText(label, TextOf(label), width) || width <= place.right - place.left) return;
+    SetWindowPos(label, nullptr, 0, 0, width, place.bottom - place.top,
+                 SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+constexpr std::string_view kLetters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
+
+/// The distance of the tab stops of an edit: 32 dialog units, eight mean characters.
+int TabStop(HDC context) {
+    SIZE size{};
+    GetTextExtentPoint32A(context, kLetters.data(), static_cast<int>(kLetters.size()), &size);
+    return 8 * static_cast<int>((size.cx / 26 + 1) / 2);
+}
+
 } // namespace
 
 void ShowChange(const CWnd& model, Change what) {
@@ -150,4 +171,18 @@ void ShowAll(const CWnd& control) {
     ShowChange(control, Change::Checked);
     ShowChange(control, Change::Entries);
     ShowChange(control, Change::Range);
+    if (control.GetKind() == ControlKind::Static) FitLabel(WindowOf(control));
+}
+
+bool MeasureText(HWND window, std::string_view text, int& width) {
+    const HDC context = window != nullptr ? GetDC(window) : nullptr;
+    if (context == nullptr) return false;
+    const auto font = reinterpret_cast<HGDIOBJ>(SendMessageA(window, WM_GETFONT, 0, 0));
+    const HGDIOBJ before = font != nullptr ? SelectObject(context, font) : nullptr;
+    const int stop = TabStop(context);
+    width =
+        LOWORD(GetTabbedTextExtentA(context, text.data(), static_cast<int>(text.size()), 1, &stop));
+    if (before != nullptr) SelectObject(context, before);
+    ReleaseDC(window, context);
+    return true;
 }

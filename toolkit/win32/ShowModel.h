@@ -1,6 +1,8 @@
-// From models to windows.
+// From models to windows, and how wide texts are there.
 
 #pragma once
+
+#include <string_view>
 
 #include "toolkit/win32/windows_api.h"
 
@@ -24,3 +26,7 @@ void ShowChange(const CWnd& model, Change what);
 
 /// Brings a control in step with all that its template can't hold.
 void ShowAll(const CWnd& control);
+
+/// Width in pixels of a text in the font of `window`, with tabs where an edit has them
+/// unless told otherwise. Returns false if there is nothing to measure with.
+bool MeasureText(HWND window, std::string_view text, int& width);

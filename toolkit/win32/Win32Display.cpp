@@ -8,8 +8,7 @@
 #include "toolkit/win32/ShowModel.h"
 #include "toolkit/win32/WindowTable.h"
 #include "toolkit/win32/boxes.h"
-#include "toolkit/win32/focus.h"
-#include "toolkit/win32/measure.h"
+#include "toolkit/win32/keyboard.h"
 
 namespace {
 
@@ -127,7 +126,7 @@ bool Win32Display::MeasureTabbedText(const CWnd& control, std::string_view text,
 
 void Win32Display::SetToolTip(CWnd& control, const char* text, int maxWidth) {
     const HWND tool = WindowOf(control);
-    const HWND tips = control.GetParent() != nullptr ? ToolTipsOf(*control.GetParent()) : nullptr;
+    const HWND tips = ToolTipsOf(*control.GetParent());
     if (tool == nullptr || tips == nullptr) return;
     static_assert(sizeof(void*) != 4 || sizeof(TOOLINFOA) == 48);
     TOOLINFOA info{};

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "toolkit/win32/NativeLook.h"
-#include "toolkit/win32/manners.h"
+#include "toolkit/win32/keyboard.h"
 
 namespace {
 
@@ -162,7 +162,7 @@ int ShowMessageBox(HWND owner, const char* text, const char* title, unsigned fla
     const RunningBox running;
     // Without an owner all of the thread's windows have to wait.
     if (owner == nullptr) flags |= MB_TASKMODAL;
-    const int answer = MessageBoxA(owner, text != nullptr ? text : "", title, flags);
+    const int answer = MessageBoxA(owner, text, title, flags);
     return answer != 0 ? answer : IDCANCEL;
 }
 
