@@ -32,10 +32,9 @@ void DisableAll(const CDialog& dialog, const EnableRule<Facts> (&rules)[N]) {
     for (const EnableRule<Facts>& rule : rules) EnableControl(dialog, rule.id, false);
 }
 
-/// Shows control `id` with `text`, or hides it if `text` is null.
+/// Shows control `id`, which the dialog has, with `text`, or hides it if `text` is null.
 inline void ShowNote(const CDialog& dialog, int id, const char* text) {
-    CWnd* note = dialog.GetDlgItem(id);
-    if (note == nullptr) return;
-    if (text != nullptr) note->SetWindowText(text);
-    note->ShowWindow(text != nullptr ? SW_SHOW : SW_HIDE);
+    CWnd& note = *dialog.GetDlgItem(id);
+    if (text != nullptr) note.SetWindowText(text);
+    note.ShowWindow(text != nullptr ? SW_SHOW : SW_HIDE);
 }

@@ -8,8 +8,8 @@ namespace {
 
 int ShowMessage(CWnd* owner, const char* text, const char* title, unsigned flags) {
     if (AfxGetApp()->IsCancelling()) return (flags & MB_YESNO) != 0 ? IDNO : IDOK;
-    return AfxGetApp()->GetDisplay().ShowMessage(owner, text != nullptr ? text : "",
-                                                 title != nullptr ? title : "Error", flags);
+    return AfxGetApp()->GetDisplay().ShowMessage(owner, text, title != nullptr ? title : "Error",
+                                                 flags);
 }
 
 } // namespace

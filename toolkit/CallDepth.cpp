@@ -24,7 +24,8 @@ Counted::Counted() {
 
 Counted::~Counted() {
     --g_Stack;
-    if (--g_Counting == 0 || g_Stack == 0) Ended();
+    // As the scopes nest, none counts any more behind the last one on the stack.
+    if (--g_Counting == 0) Ended();
 }
 
 Waiting::Waiting() : m_Waits(g_Counting > 0) {
