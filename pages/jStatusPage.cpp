@@ -1,10 +1,9 @@
 #include "pages/jStatusPage.h"
 
-#include <sstream>
-
 #include "frame/interfaces/IOrnVETMTrace.h"
 #include "frame/slots.h"
 #include "pages/FormatCapabilityReport.h"
+#include "settings/ReportStream.h"
 #include "text/shown_text.h"
 #include "toolkit/data_exchange.h"
 
@@ -13,12 +12,12 @@ namespace {
 constexpr size_t kShownReport = 256 * 1024; // bytes
 
 /// The measure of a control's font; empty if there is nothing to measure with.
-TextMeasure MeasureOf(const CWnd* control) {
+TextMeasure MeasureOf(const CWnd& control) {
     int width = 0;
-    if (control == nullptr || !control->MeasureTabbedText("", width)) return {};
-    return [control](std::string_view text) {
+    if (!control.MeasureTabbedText("", width)) return {};
+    return [&control](std::string_view text) {
         int pixels = 0;
-        control->MeasureTabbedText(text, pixels);
+        control.MeasureTabbedText(text, pixels);
         return static_cast<int16_t>(pixels);
     };
 }
@@ -45,10 +44,9 @@ bool jStatusPage::OnInitDialog() {
 }
 
 std::string jStatusPage::ReadResources() const {
-    std::ostringstream report;
+    ReportStream report;
     if (const char* refusal = g_VETMTrace->Command("capability", &report))
         return "ERROR: " + ShownText(refusal, kShownLine);
-    const std::string text = report.str();
-    const std::string shown = ShownLines(text.c_str(), kShownReport, kShownLine);
-    return FormatCapabilityReport(shown, MeasureOf(GetDlgItem(1063)));
+    const std::string shown = ShownLines(report.GetText(), kShownReport, kShownLine);
+    return FormatCapabilityReport(shown, MeasureOf(*GetDlgItem(1063)));
 }
