@@ -177,6 +177,8 @@ std::string ComposeBoardFile(const std::string& title, const char* commands, int
              "trace clear\r\n"
              "trace enable\r\n";
     bytes += "trace etm portsize=" + std::to_string(width) + "\r\n";
+    // Unlike an apply this goes by the selection alone: where a chip offers half-rate clocking,
+    // that entry is the first one.
     bytes += std::string("trace etm halfrate=") + (portModeSel == 0 ? "on" : "off") + "\r\n";
     bytes += "trace update\r\n"
              "\r\n";

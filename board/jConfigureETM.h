@@ -10,6 +10,9 @@
 // m_FixedEntryCount, and m_BoardEntries[i - m_FixedEntryCount] from there on.
 //
 // REQUIRES: g_Settings. The host's interfaces may be missing.
+//
+// Where: jConfigureETM.cpp; the catalogue in BoardCatalogue.cpp, "Create New Board File" in
+// CreateBoardFile.cpp.
 
 #pragma once
 

@@ -6,6 +6,8 @@
 // The host may call in at any moment, from inside its own operations too. What would
 // pull something away from under a call on its way waits for the end of that call; see
 // toolkit/CallDepth.h.
+//
+// Where: jKVETMCtrl.cpp; the life of the sheet in Open.cpp.
 
 #pragma once
 

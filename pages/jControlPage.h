@@ -11,6 +11,8 @@
 // Being the first page, it is the one whose dialog always exists while the sheet is
 // open. So it also runs the ETM Configuration dialog for those who ask for a board
 // selection: at a tick (g_BoardQueryPending), or at once (RunConfigureDialog).
+//
+// Where: jControlPage.cpp; what its controls do, in jControlPageHandlers.cpp.
 
 #pragma once
 

@@ -9,6 +9,8 @@
 // asking what to give up.
 //
 // Nothing reaches Working before CommitPage, but for a trigger that is given up.
+//
+// Where: jTriggerPage.cpp; who gets a comparator, in jTriggerPageConflicts.cpp.
 
 #pragma once
 

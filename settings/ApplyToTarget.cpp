@@ -65,6 +65,8 @@ bool jTraceSettings::ApplyToTarget() {
     const bool controlDiffers = ControlChanged(), positionDiffers = TriggerPositionChanged();
     const bool portDiffers = PortChanged(), traceDiffers = TraceChanged();
 
+    // Hosts rely on the order, which IOrnVETMTrace.h gives: the board's own commands run
+    // first and can be overruled, and a trigger finds the comparators that the ranges left.
     if (boardDiffers) Send("macro " + Working.BoardFile);
     if (controlDiffers && !SwitchTrace(wasEnabled != 0)) return false;
     const bool control = !controlDiffers ||

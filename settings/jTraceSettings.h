@@ -8,6 +8,8 @@
 //
 // Who owns it: the control component, which makes one; reached by g_Settings.
 // Which thread: the one that runs the dialogs. No lock.
+// Where: jTraceSettings.cpp; ReadFromTarget.cpp, ApplyToTarget.cpp and ChoiceLists.cpp hold
+// the operations of those names.
 
 #pragma once
 

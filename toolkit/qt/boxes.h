@@ -1,4 +1,4 @@
-// Message boxes and the save dialog.
+// Message boxes (message_box.cpp) and the save dialog (save_dialog.cpp).
 
 #pragma once
 
