@@ -10,7 +10,7 @@ REMOTE_PACKAGES=(openocd)
 
 # To test them: a second compiler with its sanitizers, a virtual screen, other fonts; debug servers
 # and a debugger.
-TEST_PACKAGES=(clang libclang-rt-14-dev llvm clang-format clang-tidy shellcheck libgtest-dev
+TEST_PACKAGES=(clang libclang-rt-14-dev lld llvm clang-format clang-tidy shellcheck libgtest-dev
   libgmock-dev xvfb xauth binutils fonts-liberation2 fonts-cantarell python3
   openocd gdb-multiarch qemu-system-arm)
 
