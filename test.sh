@@ -31,46 +31,83 @@ tools/check-rooms
 stage "scripts"
 git grep -lE '^#!.*\b(ba)?sh\b|^# shellcheck ' -- . ':!*.py' | xargs -r shellcheck
 
-stage "g++: build and test"
+# What mostly waits runs beside what computes: begin starts a function or a script, finish
+# waits for it, shows what it printed, and fails if it failed.
+mkdir -p build/beside
+declare -A beside
+begin() {
+  "$2" >"build/beside/$1.txt" 2>&1 &
+  beside[$1]=$!
+}
+finish() {
+  local status=0
+  wait "${beside[$1]}" || status=$?
+  stage "$1"
+  cat "build/beside/$1.txt"
+  [ "$status" = 0 ] || { echo "$1: failed"; exit 1; }
+}
+# shellcheck disable=SC2046 # one word for each
+trap 'kill $(jobs -p) 2>/dev/null || true' EXIT
+
+stage "g++: build"
 cmake --preset dev >/dev/null
 cmake --build --preset dev -- --quiet
-ctest --test-dir build/dev --output-on-failure -j2
+
+test_dev() {
+  ctest --test-dir build/dev --output-on-failure -j2
+  echo "Real windows on a virtual X server:"
+  QT_QPA_PLATFORM=xcb QT_LOGGING_RULES=default.warning=false timeout 300 \
+    xvfb-run -a build/dev/bin/module_tests --gtest_brief=1
+}
+begin "g++: tests" test_dev
+
+stage "clang++ with AddressSanitizer and UBSan: build"
+cmake --preset asan >/dev/null
+cmake --build --preset asan -- --quiet
+finish "g++: tests"
+
+test_asan() {
+  ASAN_OPTIONS=detect_leaks=1:strict_string_checks=1 UBSAN_OPTIONS=print_stacktrace=1 \
+    LSAN_OPTIONS=suppressions=$PWD/tests/lsan.supp:print_suppressions=0 \
+    ctest --test-dir build/asan --output-on-failure -j2
+}
+begin "AddressSanitizer and UBSan: tests" test_asan
+
+stage "Windows: build"
+[ "$windows" = no ] || tools/windows-tests --build
+finish "AddressSanitizer and UBSan: tests"
+
+test_windows() {
+  if [ "$windows" = yes ]; then
+    tools/windows-tests
+  else
+    echo "Windows checks: not run: left out by --no-windows"
+  fi
+}
+begin "Windows: tests" test_windows
+
+stage "fuzz: a few seconds each"
+fuzz() {
+  local name corpus
+  name=$(basename "$1")
+  corpus=("build/asan/corpus/$name") # receives what is new
+  mkdir -p "${corpus[0]}"
+  [ ! -d "fuzz/corpus/$name" ] || corpus+=("fuzz/corpus/$name")
+  "$1" -max_total_time=4 -timeout=10 -verbosity=0 -print_final_stats=1 \
+    "${corpus[@]}" >"build/asan/$name.txt" 2>&1 ||
+    { cat "build/asan/$name.txt"; echo "$name failed"; exit 1; }
+  echo "$name: $(sed -n 's/^stat::number_of_executed_units: *//p' "build/asan/$name.txt") inputs"
+}
+export -f fuzz
+# shellcheck disable=SC2016 # the inner shell expands it
+printf '%s\n' build/asan/bin/fuzz_* | xargs -P "$(nproc)" -I{} bash -euo pipefail -c 'fuzz "$1"' - {}
 
 stage "clang-tidy"
 tools/tidy "${tidy[@]}"
 
 stage "the documents' listings"
 tools/check-listings
-
-stage "real windows on a virtual X server"
-QT_QPA_PLATFORM=xcb QT_LOGGING_RULES=default.warning=false timeout 300 \
-  xvfb-run -a build/dev/bin/module_tests --gtest_brief=1
-
-stage "clang++ with AddressSanitizer and UBSan: build and test"
-cmake --preset asan >/dev/null
-cmake --build --preset asan -- --quiet
-ASAN_OPTIONS=detect_leaks=1:strict_string_checks=1 UBSAN_OPTIONS=print_stacktrace=1 \
-LSAN_OPTIONS=suppressions=$PWD/tests/lsan.supp:print_suppressions=0 \
-  ctest --test-dir build/asan --output-on-failure -j2
-
-stage "fuzz: a few seconds each"
-for target in build/asan/bin/fuzz_*; do
-  name=$(basename "$target")
-  corpus=("build/asan/corpus/$name") # receives what is new
-  mkdir -p "${corpus[0]}"
-  [ ! -d "fuzz/corpus/$name" ] || corpus+=("fuzz/corpus/$name")
-  "$target" -max_total_time=4 -timeout=10 -verbosity=0 -print_final_stats=1 \
-    "${corpus[@]}" >build/asan/fuzz_log.txt 2>&1 ||
-    { cat build/asan/fuzz_log.txt; echo "$name failed"; exit 1; }
-  echo "$name: $(sed -n 's/^stat::number_of_executed_units: *//p' build/asan/fuzz_log.txt) inputs"
-done
-
-stage "Windows"
-if [ "$windows" = yes ]; then
-  tools/windows-tests
-else
-  echo "Windows checks: not run: left out by --no-windows"
-fi
+finish "Windows: tests"
 
 stage "done"
 echo "All checks passed."
