@@ -82,7 +82,8 @@ void SimulatedChip::Store(const ChipComponent& component, uint32_t offset, uint3
     if (Stored(component, offset) != value) m_Registers[component.address + offset] = value;
 }
 
-bool SimulatedChip::IsPowered(const ChipComponent& component) const {
+bool SimulatedChip::IsAlive(const ChipComponent& component) const {
+    if (!component.clock) return false;
     const ChipComponent* scs = m_Chip.Find(Kind::Scs);
     return scs == nullptr || component.kind == Kind::Scs || component.part == 0x003 ||
            (Stored(*scs, DEMCR % kPage) & DEMCR_TRCENA) != 0;
@@ -107,7 +108,7 @@ void SimulatedChip::Write(uint32_t address, uint32_t value) {
     if (component == nullptr || address % 4 != 0)
         throw BusError("there is nothing at " + Hex(address));
     const uint32_t offset = address - component->address;
-    if (!IsPowered(*component)) return;
+    if (!IsAlive(*component)) return;
     if (offset == CS_LAR) {
         Store(*component, kUnlocked, value == CS_UNLOCK ? 1 : 0);
         return;
@@ -136,7 +137,7 @@ void SimulatedChip::Write(uint32_t address, uint32_t value) {
 
 uint32_t SimulatedChip::ReadOffset(const ChipComponent& component, uint32_t offset) {
     if (offset >= CS_DEVID) return ReadIdentification(component, offset);
-    if (!IsPowered(component)) return 0;
+    if (!IsAlive(component)) return 0;
     if (offset == CS_LAR) return 0;
     if (offset == CS_LSR) {
         if (!component.lock) return 0;
@@ -286,7 +287,7 @@ void SimulatedChip::WriteDwt(const ChipComponent& dwt, uint32_t offset, uint32_t
 bool SimulatedChip::TraceFlows() const {
     const ChipComponent& etm = *m_Chip.Find(Kind::Etm);
     const uint32_t control = Stored(etm, 4 * ETMCR);
-    return IsPowered(etm) && (control & (ETMCR_POWER_DOWN | ETMCR_PROGRAMMING)) == 0 &&
+    return IsAlive(etm) && (control & (ETMCR_POWER_DOWN | ETMCR_PROGRAMMING)) == 0 &&
            (control & ETMCR_ENABLE) != 0 && Stored(etm, 4 * ETMTEEVR) != ETM_EVENT_NEVER;
 }
 

@@ -41,7 +41,7 @@ public:
 private:
     uint32_t Stored(const ChipComponent& component, uint32_t offset) const;
     void Store(const ChipComponent& component, uint32_t offset, uint32_t value);
-    bool IsPowered(const ChipComponent& component) const;
+    bool IsAlive(const ChipComponent& component) const;
     uint32_t ReadOffset(const ChipComponent& component, uint32_t offset);
     uint32_t ReadIdentification(const ChipComponent& component, uint32_t offset) const;
     uint32_t ReadRomTable(uint32_t offset) const;

@@ -77,6 +77,7 @@ ChipComponent ToComponent(const Json& json) {
     if (component.address % 0x1000 != 0) throw HostError("an address inside a page of 4 KB");
     component.part = NumberOr(json, "part", 0);
     component.lock = json.value("lock", false);
+    component.clock = json.value("clock", true);
     const Json registers = json.value("registers", Json::object());
     for (const auto& [name, value] : registers.items())
         component.registers[RegisterOffset(name)] = ToNumber(value);

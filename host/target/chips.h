@@ -28,6 +28,7 @@ struct ChipComponent {
     uint32_t address = 0;
     uint32_t part = 0;                      ///< part number, of its identification registers
     bool lock = false;                      ///< locked at first, also for a debugger
+    bool clock = true;                      ///< without one it has nothing but its identification
     std::map<uint32_t, uint32_t> registers; ///< by offset: values after reset other than 0
     std::vector<uint32_t> portSizes;        ///< of a TPIU, in bits
     uint32_t words = 0;                     ///< depth of a trace buffer
@@ -66,7 +67,7 @@ struct Chip {
 ///      "romTable": {"address": "0xE00FF000", "part": "0x4C4"},      or none
 ///      "components": [
 ///        {"kind": "etm" | "tpiu" | "etb" | "dwt" | "scs" | "other",
-///         "address": "0xE0041000", "part": "0x925", "lock": true,
+///         "address": "0xE0041000", "part": "0x925", "lock": true, "clock": true,
 ///         "registers": {"ETMCCR": "0x8C802000", "0x1E4": "0x4114F250"},   after reset
 ///         "portSizes": [1, 2, 4], "current": 1,      of a TPIU
 ///         "words": 1024,                             of an ETB

@@ -4,8 +4,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <regex>
 
+#include "tests/support/ScriptedServer.h"
 #include "tests/support/ServedChip.h"
 
 using ::testing::AllOf;
@@ -190,6 +192,24 @@ cancel
         const std::regex poll("GetTraceState: .*");
         EXPECT_EQ(std::distance(std::sregex_iterator(output.begin(), output.end(), poll), {}), 1)
             << output;
+    }
+
+    // Answers that make no sense, between a real server and the dialog.
+    for (const std::string answer :
+         {"0 {0x1 0x2}\x1A", "\x1A", "1\x1A", "0 0x1ffffffff\x1A", "{\x1A", "0 0x1\x1A 0\x1A",
+          "garbage\x05", "0 \x04", "\x04", ""}) {
+        SCOPED_TRACE(answer);
+        ServedChip chip;
+        std::atomic<bool> fault = false;
+        const ScriptedServer between([&](const std::string& question) {
+            return fault ? answer : chip.Ask(question) + '\x1A';
+        });
+        Program etmhost = Etmhost("--remote openocd:" + std::to_string(between.port()),
+                                  {"--journal", "drive", directory.Write("script", script)});
+        ASSERT_TRUE(etmhost.Prints("fault now")) << etmhost.Output();
+        fault = true;
+        EXPECT_EQ(etmhost.Wait(), 0) << etmhost.Output();
+        EXPECT_THAT(etmhost.Output(), HasSubstr("GetTraceState: The connection to OpenOCD at"));
     }
 
     // A chip that was reset has lost the power of its trace. Start gives it back.

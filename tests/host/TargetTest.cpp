@@ -223,6 +223,15 @@ TEST(Discovery, RefusesByNameWhatItCannotDrive) {
         for (const uint32_t address : chip.written) EXPECT_EQ(address, DEMCR);
     }
 
+    std::string unclocked = R"({"name": "x", "description": "", "info": "",
+        "romTable": {"address": "0x80000000", "part": "1"}, "sink": {"kind": "port"},
+        "components": [{"kind": "tpiu", "address": "0x80003000", "portSizes": [4]},
+          {"kind": "etm", "address": "0x80001000", "clock": false,
+           "registers": {"ETMCCR": "0x8D294024"}}]})";
+    EXPECT_THROW(Target(ParseChips(unclocked).front()), BusError);
+    unclocked.replace(unclocked.find("false"), 5, "true");
+    EXPECT_EQ(Target(ParseChips(unclocked).front()).etm().addressPairs, 4u);
+
     // By hand, where no table lists it; and one of several.
     OddChip chip;
     chip.words = {{kTable + 0xFF0, 0}};

@@ -35,6 +35,8 @@ public:
         return etmhost::Connection::To("", m_Listener.port(), Soon());
     }
 
+    uint16_t port() const { return m_Listener.port(); }
+
     /// Returns what it was asked.
     std::vector<std::string> Questions() const {
         const std::lock_guard lock(m_Mutex);
