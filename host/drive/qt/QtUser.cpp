@@ -38,7 +38,7 @@ void Mouse(QWidget* widget, QPoint place) {
     if ((widget->focusPolicy() & Qt::ClickFocus) != 0) widget->setFocus(Qt::MouseFocusReason);
     const QPointer<QWidget> alive = widget;
     for (const QEvent::Type type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
-        if (!alive) return;
+        if (alive.isNull()) return;
         const bool press = type == QEvent::MouseButtonPress;
         QMouseEvent event(type, place, widget->mapToGlobal(QPointF(place)), Qt::LeftButton,
                           press ? Qt::LeftButton : Qt::NoButton, Qt::NoModifier);
@@ -50,7 +50,7 @@ void SendKey(QWidget* widget, int key, Qt::KeyboardModifiers modifiers = {},
              const QString& text = {}) {
     const QPointer<QWidget> alive = widget;
     for (const QEvent::Type type : {QEvent::KeyPress, QEvent::KeyRelease}) {
-        if (!alive) return;
+        if (alive.isNull()) return;
         QKeyEvent event(type, key, modifiers, text);
         QApplication::sendEvent(widget, &event);
     }
@@ -135,10 +135,10 @@ void QtUser::Type(int id, const std::string& text) {
         throw std::runtime_error(std::to_string(id) + " can only be read");
     edit->setFocus();
     SendKey(edit, Qt::Key_A, Qt::ControlModifier);
-    if (edit) SendKey(edit, Qt::Key_Delete);
+    if (!edit.isNull()) SendKey(edit, Qt::Key_Delete);
     const QString typed = QString::fromStdString(text).remove('\r');
     for (const QChar character : typed) {
-        if (!edit) return;
+        if (edit.isNull()) return;
         if (character == '\n')
             SendKey(edit, Qt::Key_Return, {}, "\r");
         else
@@ -162,8 +162,8 @@ void QtUser::Drag(int id, int position) {
     slider->setFocus(Qt::MouseFocusReason);
     slider->setSliderDown(true);
     slider->setSliderPosition(position);
-    if (slider) slider->repaint(); // what stands beside it follows that
-    if (slider) slider->setSliderDown(false);
+    if (!slider.isNull()) slider->repaint(); // what stands beside it follows that
+    if (!slider.isNull()) slider->setSliderDown(false);
 }
 
 void QtUser::Press(const KeyName& key) {
