@@ -15,7 +15,7 @@ namespace etmhost {
 /// A capture. Amounts are in the words of the trace buffer.
 struct Capture {
     bool running = false;
-    bool ended = false; ///< turns over whenever a capture stops by itself
+    bool ended = false; ///< turns over whenever a capture starts or stops by itself
     bool triggered = false;
     uint32_t steps = 0;     ///< of a simulated emulator: time since the start
     uint32_t captured = 0;  ///< words in the buffer

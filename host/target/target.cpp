@@ -69,6 +69,7 @@ void Target::Prepare() {
     const TraceSettings settings = Settings();
     state.trace.portSize = settings.portSize;
     state.trace.halfRate = settings.halfRate;
+    if (m_Hardware.sink != SinkKind::Emulator) Look();
     // An armed trigger is all that the chip knows of a stop mode.
     if (!settings.trigger.empty()) state.control |= ORN_CONTROL_TRIGGER_ADDRESS;
 }
@@ -404,10 +405,11 @@ Refusal Target::SetHalfRate(bool on) {
 
 void Target::TakeOver(const TargetState& kept, bool hasRegisters) {
     const uint32_t control = state.control; // an armed trigger shows in it
+    const bool running = state.capture.running;
     state = kept;
     if (!IsSimulated()) {
         state.control = (kept.control & ~ORN_CONTROL_TRIGGER_ADDRESS) | control;
-        state.capture.running = false; // the next look tells
+        state.capture.running = running;
     } else if (!hasRegisters) {
         Reprogram();
     }
@@ -637,9 +639,9 @@ Refusal Target::Poll() {
         state.capture.running = false;
         refusal = Capitalized(error.what());
     }
-    // One that was running and is not, though nobody has stopped it. The simulated emulator has
-    // told so itself.
-    if (before.running && !state.capture.running && state.capture.ended == before.ended)
+    // It has started or stopped, though no command said so. The simulated emulator has told that
+    // itself.
+    if (before.running != state.capture.running && state.capture.ended == before.ended)
         state.capture.ended = !before.ended;
     return refusal;
 }

@@ -155,9 +155,8 @@ TEST_F(Road, TheCommandLineTracesOneFunction) {
     EXPECT_THAT(Run(server, {"apply"}), HasSubstr("status 0"));
 }
 
-// In the open dialog everything may go away. It stays usable, says why once, and closes.
-TEST_F(Road, TheDialogOutlivesWhatItIsConnectedWith) {
-    const char* const script = R"(
+// The server or the chip fails behind the step.
+const char* const kFault = R"(
 click 1000
 ok
 click 1030
@@ -170,6 +169,9 @@ click 1030
 expect disabled 1031
 cancel
 )";
+
+// In the open dialog everything may go away. It stays usable, says why once, and closes.
+TEST_F(Road, TheDialogOutlivesWhatItIsConnectedWith) {
     const struct {
         const char* what;
         void (*fault)(ServedChip&);
@@ -183,7 +185,7 @@ cancel
         SCOPED_TRACE(row.what);
         ServedChip chip;
         Program etmhost =
-            Etmhost(TclServer(chip), {"--journal", "drive", directory.Write("script", script)});
+            Etmhost(TclServer(chip), {"--journal", "drive", directory.Write("script", kFault)});
         ASSERT_TRUE(etmhost.Prints("fault now")) << etmhost.Output();
         row.fault(chip);
         EXPECT_EQ(etmhost.Wait(), 0) << etmhost.Output();
@@ -193,11 +195,11 @@ cancel
         EXPECT_EQ(std::distance(std::sregex_iterator(output.begin(), output.end(), poll), {}), 1)
             << output;
     }
+}
 
-    // Answers that make no sense, between a real server and the dialog.
-    for (const std::string answer :
-         {"0 {0x1 0x2}\x1A", "\x1A", "1\x1A", "0 0x1ffffffff\x1A", "{\x1A", "0 0x1\x1A 0\x1A",
-          "garbage\x05", "0 \x04", "\x04", ""}) {
+// Answers without sense, without end, broken off and none, between a real server and the dialog.
+TEST_F(Road, TheDialogOutlivesWrongAnswers) {
+    for (const std::string answer : {"0 {0x1 0x2}\x1A", "garbage\x05", "0 \x04", ""}) {
         SCOPED_TRACE(answer);
         ServedChip chip;
         std::atomic<bool> fault = false;
@@ -205,14 +207,16 @@ cancel
             return fault ? answer : chip.Ask(question) + '\x1A';
         });
         Program etmhost = Etmhost("--remote openocd:" + std::to_string(between.port()),
-                                  {"--journal", "drive", directory.Write("script", script)});
+                                  {"--journal", "drive", directory.Write("script", kFault)});
         ASSERT_TRUE(etmhost.Prints("fault now")) << etmhost.Output();
         fault = true;
         EXPECT_EQ(etmhost.Wait(), 0) << etmhost.Output();
         EXPECT_THAT(etmhost.Output(), HasSubstr("GetTraceState: The connection to OpenOCD at"));
     }
+}
 
-    // A chip that was reset has lost the power of its trace. Start gives it back.
+// A chip that was reset has lost the power of its trace. Start gives it back.
+TEST_F(Road, TheDialogSeesTracePowerGo) {
     ServedChip chip;
     Program etmhost = Etmhost(TclServer(chip), {"--journal", "drive", directory.Write("script", R"(
 click 1000

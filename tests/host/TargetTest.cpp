@@ -408,6 +408,19 @@ TEST(Target, OutlivesItsConnectionAndItsPower) {
         EXPECT_THROW(bench.target.SettingsLines(), BusLost);
     }
 
+    // A port sends as soon as it is enabled, and says that it runs.
+    Bench port("cortex-m4");
+    EXPECT_EQ(port.Run("enable"), "ok");
+    const uint32_t words[] = {ORN_STATE_RUNNING | ORN_STATE_LOOK_AGAIN,
+                              ORN_STATE_RUNNING | ORN_STATE_LOOK_AGAIN, ORN_STATE_LOOK_AGAIN,
+                              ORN_STATE_RUNNING | ORN_STATE_LOOK_AGAIN};
+    const char* const commands[] = {"etm pc=all", "start", "stop", "start"};
+    for (size_t i = 0; i < std::size(words); ++i) {
+        EXPECT_EQ(port.Run(commands[i]), "ok");
+        EXPECT_EQ(port.target.Poll(), Refusal());
+        EXPECT_EQ(port.target.StateWord(), words[i]) << commands[i];
+    }
+
     Bench reset("cortex-m4-etb");
     for (const char* command : {"dwt 0 main", "etm pc=start 0", "enable", "start"})
         EXPECT_EQ(reset.Run(command), "ok");

@@ -87,6 +87,7 @@ public:
     bool Checked(int id) override { return HeadlessDisplay::Checked(id); }
     int Selection(int id) override { return HeadlessDisplay::Selection(id); }
     std::vector<std::string> Entries(int id) override { return HeadlessDisplay::Entries(id); }
+    using HeadlessDisplay::Focus; // the other one
     int Focus() override { return Focused(); }
 
     Interpreter interpreter;
