@@ -64,8 +64,9 @@ test_dev() {
   echo "The road to a real debug server, in one command:"
   tools/openocd-road build/dev/bin/etmhost openocd --journal tour build/dev/road
   echo "Real windows on a virtual X server:"
+  # A server that starts anew with each last client refuses the next one meanwhile.
   QT_QPA_PLATFORM=xcb QT_LOGGING_RULES=default.warning=false timeout 300 \
-    xvfb-run -a build/dev/bin/module_tests --gtest_brief=1
+    xvfb-run -a -s "-screen 0 1280x1024x24 -noreset" build/dev/bin/module_tests --gtest_brief=1
 }
 begin "g++: tests" test_dev
 
