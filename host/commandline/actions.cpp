@@ -71,7 +71,10 @@ Status ShowTarget(SimulatedHost& host, std::ostream& out) {
             << " words to capture behind the trigger\n";
     }
     out << "  " << hardware.info << '\n';
-    out << "\nBoard\n  trace pins are " << (state.pinsReady ? "switched on" : "off")
+    out << "\nBoard\n  trace pins are "
+        << (state.pinsReady        ? "switched on"
+            : target.IsSimulated() ? "off"
+                                   : "not switched on by this run")
         << "\n  last macro: " << (state.macro.empty() ? "none" : state.macro) << '\n';
     for (const auto& [section, keys] : host.settings)
         for (const auto& [key, value] : keys)

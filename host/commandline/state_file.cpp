@@ -69,8 +69,9 @@ std::map<uint32_t, uint32_t> ToNumbers(const Json& json) {
     std::map<uint32_t, uint32_t> numbers;
     for (const auto& [key, value] : json.items()) {
         size_t used = 0;
-        const unsigned long number = std::stoul(key, &used, 16);
-        if (used != key.size() || number > UINT32_MAX) throw HostError(key + " is no address");
+        const unsigned long long number = std::stoull(key, &used, 16);
+        if (used != key.size() || number > UINT32_MAX || key[0] == '-')
+            throw HostError(key + " is no address");
         numbers[static_cast<uint32_t>(number)] = ToWord(value);
     }
     return numbers;
@@ -150,8 +151,10 @@ Json FromHost(const SimulatedHost& host) {
     return {{"target", FromTarget(host.target.state)}, {"settings", settings}};
 }
 
-// Puts into `file` the values in which `own` differs from `base`, and those that `file` lacks.
-void Merge(Json& file, const Json& base, const Json& own) {
+// Puts into `file` the values in which `own` differs from `base`, and those that `file` lacks. What
+// has gone from `base` to `own` goes there too if `isList`: if the keys are the host's own, and not
+// names, of which another version may have more.
+void Merge(Json& file, const Json& base, const Json& own, bool isList = false) {
     if (!file.is_object() || !own.is_object()) {
         file = own;
         return;
@@ -161,7 +164,12 @@ void Merge(Json& file, const Json& base, const Json& own) {
         if (!file.contains(key))
             file[key] = value;
         else if (before != value)
-            Merge(file[key], before, value);
+            Merge(file[key], before, value, key == "registers" || key == "dwt");
+    }
+    if (!isList || !base.is_object()) return;
+    for (const auto& [key, value] : base.items()) {
+        const auto kept = file.find(key);
+        if (!own.contains(key) && kept != file.end() && *kept == value) file.erase(kept);
     }
 }
 

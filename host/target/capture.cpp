@@ -71,6 +71,10 @@ public:
     void Stop() override {
         if ((m_Bus.Read(m_Base + ETB_CONTROL) & ETB_CAPTURE) == 0) return;
         Unlock(m_Bus, m_Base, "ETB");
+        if ((m_Bus.Read(m_Base + ETB_FORMATTER_STATUS) & ETB_FORMATTER_STOPPED) != 0) {
+            m_Bus.Write(m_Base + ETB_CONTROL, 0); // its trigger has stopped it
+            return;
+        }
         const uint32_t formatter = m_Bus.Read(m_Base + ETB_FORMATTER) | ETB_STOP_ON_FLUSH;
         m_Bus.Write(m_Base + ETB_FORMATTER, formatter);
         m_Bus.Write(m_Base + ETB_FORMATTER, formatter | ETB_FLUSH);
@@ -88,10 +92,12 @@ public:
         return "The trigger of an ETB comes from the ETM and cannot be forced";
     }
 
-    void Clear() override {
-        if (IsCapturing()) return; // it takes no pointers now, and goes round anyway
+    Refusal Clear() override {
+        if (IsCapturing()) return "An on-chip buffer cannot be cleared while it captures";
         Prepare();
         Empty();
+        m_Cleared = true;
+        return {};
     }
 
     std::vector<uint32_t> StateAddresses() const override {
@@ -103,9 +109,13 @@ public:
         Capture capture = before;
         capture.running = (words[0] & ETB_CAPTURE) != 0 && (words[1] & ETB_FORMATTER_STOPPED) == 0;
         capture.triggered = (words[2] & ETB_STATUS_TRIGGERED) != 0;
-        capture.captured = (words[2] & ETB_STATUS_FULL) != 0
+        // A trace memory controller counts bytes. "Full" stays until the next capture begins.
+        const uint32_t pointer = m_Hardware.bufferIsController ? words[3] / 4 : words[3];
+        if ((words[0] & ETB_CAPTURE) != 0) m_Cleared = false;
+        capture.captured = m_Cleared ? 0
+                           : (words[2] & ETB_STATUS_FULL) != 0
                                ? m_Hardware.capacity
-                               : std::min(words[3], m_Hardware.capacity);
+                               : std::min(pointer, m_Hardware.capacity);
         return capture;
     }
 
@@ -124,8 +134,9 @@ private:
         Unlock(m_Bus, m_Base, "ETB");
         if ((m_Bus.Read(m_Base + ETB_CONTROL) & ETB_CAPTURE) != 0)
             WriteChecked(m_Bus, "the ETB's control register", m_Base + ETB_CONTROL, 0, ETB_CAPTURE);
-        if (m_Hardware.bufferIsController)
-            WriteChecked(m_Bus, "the buffer's mode register", m_Base + ETB_MODE, 0, 3);
+        if (!m_Hardware.bufferIsController) return;
+        Await(m_Bus, m_Base + ETB_STATUS, ETB_STATUS_COMPLETE, ETB_STATUS_COMPLETE);
+        WriteChecked(m_Bus, "the buffer's mode register", m_Base + ETB_MODE, 0, 3);
     }
 
     void Empty() {
@@ -137,6 +148,7 @@ private:
     const TraceHardware& m_Hardware;
     const uint32_t m_Base;
     uint32_t& m_Count;
+    bool m_Cleared = false; // since the last capture
 };
 
 // --- The port ------------------------------------------------------------------------------
@@ -160,7 +172,7 @@ public:
     void Start(uint32_t) override { Gate(ETMCR_ENABLE); }
     void Stop() override { Gate(0); }
     Refusal ForceTrigger() override { return "A TPIU has no trigger that could be forced"; }
-    void Clear() override {}
+    Refusal Clear() override { return {}; }
     Capture Look(uint32_t etmControl, const std::vector<uint32_t>&,
                  const Capture& before) override {
         Capture capture = before;
@@ -207,7 +219,10 @@ public:
         Trigger();
         return {};
     }
-    void Clear() override { m_Capture.captured = 0; }
+    Refusal Clear() override {
+        m_Capture.captured = 0;
+        return {};
+    }
 
     Capture Look(uint32_t, const std::vector<uint32_t>&, const Capture&) override {
         return m_Capture;

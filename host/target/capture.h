@@ -41,8 +41,8 @@ public:
     virtual void Stop() = 0;
     virtual Refusal ForceTrigger() = 0;
 
-    /// Forgets what was captured.
-    virtual void Clear() = 0;
+    /// Forgets what was captured. Refused where that cannot be while it captures.
+    virtual Refusal Clear() = 0;
 
     /// The registers that tell how a capture goes on. `etmControl` is ETMCR, which is read with
     /// them; `words` are theirs. Returns what they say.

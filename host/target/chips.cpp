@@ -87,6 +87,8 @@ ChipComponent ToComponent(const Json& json) {
     if (component.kind == Kind::Tpiu) {
         component.registers[TPIU_SUPPORTED] = PortSizeMask(component.portSizes);
         const uint32_t current = NumberOr(json, "current", component.portSizes.at(0));
+        if (std::ranges::count(component.portSizes, current) == 0)
+            throw HostError("a port that is set to a size it lacks");
         component.registers[TPIU_CURRENT] = PortSizeMask(std::span(&current, 1));
     }
     if (component.kind == Kind::Etb && (component.words == 0 || component.words > 1u << 24))

@@ -52,7 +52,7 @@ Refusal CommandLanguage::Execute(std::string_view text, std::ostream* stream) {
 Refusal CommandLanguage::Macro(std::string_view value) {
     if (value.empty()) value = ORN_BOARD_NONE;
     TargetState& state = m_Target.state;
-    state.pinsReady = false;
+    m_Target.ForgetPins();
     state.macro = value;
     if (EqualNoCase(value, ORN_BOARD_NONE)) return {};
     if (EqualNoCase(value, ORN_BOARD_STARTUP)) return m_Target.PreparePins();
@@ -85,6 +85,7 @@ Refusal CommandLanguage::BoardLine(int number, std::string_view line) {
         if (const Refusal refusal = Parse(TakeWord(rest), first)) return refusal;
         if (const Refusal refusal = Parse(rest, second)) return refusal;
         if (!m_Target.IsSimulated()) {
+            if (first.value % 4 != 0) return "Address " + Hex(first.value) + " is no multiple of 4";
             m_Target.TellPerson("line " + std::to_string(number) + ": writing " +
                                 Hex(second.value) + " to " + Hex(first.value));
         }

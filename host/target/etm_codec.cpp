@@ -11,12 +11,13 @@ namespace etmhost {
 namespace {
 
 // An address comparator that looks at executed instructions, and one for loads and stores of any
-// size. What is compared of ETMACTR: the kind of access, comparison of data and of the context. The
-// size of an access differs between programs that set it, and the exact match does no harm.
+// size. Compared of ETMACTR are the kind of access, and comparisons of data, of the context and of
+// security. The size of an access differs between programs that set it, and the exact match does
+// no harm.
 constexpr uint32_t kInstruction = 1 | 3u << 3;
 constexpr uint32_t kLoadOrStore = 4;
-constexpr uint32_t kAccessFields = 0x367;
-constexpr uint32_t kAccessWritten = 0x3FF;
+constexpr uint32_t kAccessFields = 0xF67;
+constexpr uint32_t kAccessWritten = 0xFFF;
 
 constexpr uint32_t kSingles = 0xFFFF; // of a register with one bit for each comparator
 constexpr uint32_t kTecr1Fields = 0x03FFFFFF;
@@ -336,8 +337,10 @@ EtmPlan EncodeData(const EtmResources& etm, const EtmImage& image, const EtmSett
         kind |= ETMCR_DATA_ADDRESSES;
     if (wanted.data == DataTrace::Values || wanted.data == DataTrace::All)
         kind |= ETMCR_DATA_VALUES;
+    // Without data its area does not matter, and there may be no registers for it.
+    if (wanted.data == DataTrace::None) return {{{ETMCR, 0, ETMCR_DATA}}, {}};
     uint32_t area = ETMVDCR3_EXCLUDE_ONLY;
-    if (wanted.data != DataTrace::None && wanted.dataBegin && wanted.dataEnd) {
+    if (wanted.dataBegin && wanted.dataEnd) {
         const uint32_t taken = TakenByEvents(etm, image) | SinglesOfPc(etm, image) |
                                SinglesOfEvent(Value(image, ETMTRIGGER));
         const std::optional<uint32_t> pair = FreePair(taken, etm);

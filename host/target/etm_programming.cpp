@@ -134,19 +134,39 @@ private:
     }
 
     void Restore() {
+        const uint32_t before = m_Before.at(ETMCR);
+        const uint32_t powered = before & ~ETMCR_POWER_DOWN;
+        // The way back leads through programming mode too, and it may have been left.
+        uint32_t present = powered;
         try {
-            const uint32_t before = m_Before.at(ETMCR);
-            const uint32_t powered = before & ~ETMCR_POWER_DOWN;
-            // The way back leads through programming mode too, and it may have been left.
-            const uint32_t present = m_Bus.Read(Control()) & ~ETMCR_POWER_DOWN;
-            m_Bus.Write(Control(), present);
-            m_Bus.Write(Control(), present | ETMCR_PROGRAMMING);
-            for (auto number = m_Written.rbegin(); number != m_Written.rend(); ++number)
-                m_Bus.Write(m_Hardware.Etm(*number), m_Before.at(*number));
-            m_Bus.Write(Control(), powered | ETMCR_PROGRAMMING);
-            m_Bus.Write(Control(), powered);
-            if (before != powered) m_Bus.Write(Control(), before);
-        } catch (const BusError&) { // NOLINT(bugprone-empty-catch): the first reason is to be told
+            present = m_Bus.Read(Control());
+        } catch (const BusError&) { // NOLINT(bugprone-empty-catch): then it is taken as it was
+        }
+        TryWrite(ETMCR, present & ~ETMCR_POWER_DOWN);
+        TryWrite(ETMCR, present | ETMCR_PROGRAMMING);
+        TryAwaitMode(ETMSR_PROGRAMMING);
+        for (auto number = m_Written.rbegin(); number != m_Written.rend(); ++number)
+            TryWrite(*number, m_Before.at(*number));
+        TryWrite(ETMCR, powered | ETMCR_PROGRAMMING);
+        TryWrite(ETMCR, powered);
+        if (before == powered) return;
+        TryAwaitMode(powered & ETMCR_PROGRAMMING ? ETMSR_PROGRAMMING : 0);
+        TryWrite(ETMCR, before);
+    }
+
+    // On the way back each step is tried, whatever became of the others: it is the first failure
+    // that is told.
+    void TryWrite(uint32_t number, uint32_t value) {
+        try {
+            m_Bus.Write(m_Hardware.Etm(number), value);
+        } catch (const BusError&) { // NOLINT(bugprone-empty-catch)
+        }
+    }
+
+    void TryAwaitMode(uint32_t wanted) {
+        try {
+            Await(m_Bus, m_Hardware.Etm(ETMSR), ETMSR_PROGRAMMING, wanted);
+        } catch (const BusError&) { // NOLINT(bugprone-empty-catch)
         }
     }
 

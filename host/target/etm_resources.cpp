@@ -1,5 +1,7 @@
 #include "host/target/etm_resources.h"
 
+#include <algorithm>
+
 namespace etmhost {
 
 namespace {
@@ -35,7 +37,7 @@ EtmResources DecodeResources(const EtmIds& ids) {
     etm.externalInputs = Bits(code, 19, 17);
     etm.externalOutputs = Bits(code, 22, 20);
     etm.fifoFull = Bit(code, 23);
-    if (etm.IsAtLeast(3, 1)) etm.watchInputs = Bits(ids.configExtension, 19, 16);
+    if (etm.IsAtLeast(3, 1)) etm.watchInputs = std::min(Bits(ids.configExtension, 19, 16), 8u);
     // Before version 3 each ETM from 1.2 on has it, and the bit is not always set.
     etm.startStop = etm.archMajor < 3 ? etm.IsAtLeast(1, 2) : Bit(code, 26);
     if (etm.archMajor < 3) { // from version 3 on these bits mean something else

@@ -285,8 +285,9 @@ Refusal Target::TraceData(DataTrace kind) {
     return Try([&]() -> Refusal {
         const EtmImage image = ReadImage();
         EtmSettings wanted = DecodeSettings(m_Hardware.etm, image);
-        // An area that others have programmed stays, as long as its kind does.
-        if (!wanted.dataForeign || wanted.data != kind) {
+        // An area that others have programmed stays as long as PC trace is left to them too, and
+        // the kind of data is theirs.
+        if (!wanted.dataForeign || wanted.data != kind || state.trace.pc != PcTrace::Complex) {
             wanted.data = kind;
             wanted.dataBegin = wanted.dataEnd = std::nullopt;
             const EtmPlan plan = EncodeData(m_Hardware.etm, image, wanted);
@@ -349,6 +350,7 @@ Refusal Target::SetTrigger(const Address& address) {
         const EtmImage image = ReadImage();
         EtmSettings wanted = DecodeSettings(m_Hardware.etm, image);
         wanted.trigger = address.value;
+        if (const Refusal refusal = CheckDwt(wanted)) return refusal;
         const EtmPlan plan = EncodeTrigger(m_Hardware.etm, image, wanted);
         if (plan.refusal) return plan.refusal;
         Program(plan.writes);
@@ -386,6 +388,8 @@ Refusal Target::SetPortSize(uint32_t bits) {
             Program(plan.writes);
         }
         state.trace.portSize = bits;
+        // The pins were prepared ahead of the size: the server's own preparation once more.
+        if (!IsSimulated() && m_PreparedSize != 0 && m_PreparedSize != bits) return PreparePins();
         return {};
     });
 }
@@ -408,8 +412,13 @@ void Target::TakeOver(const TargetState& kept, bool hasRegisters) {
     const bool running = state.capture.running;
     state = kept;
     if (!IsSimulated()) {
-        state.control = (kept.control & ~ORN_CONTROL_TRIGGER_ADDRESS) | control;
+        // The file knows a connection by its name alone: there may be another chip behind it, or
+        // the same one after a reset.
+        const uint32_t stored = kept.control & kControlBits & ~ORN_CONTROL_TRIGGER_ADDRESS;
+        state.control = (m_Sink->CheckControl(stored) ? 0 : stored) | control;
         state.capture.running = running;
+        state.pinsReady = false;
+        if (state.trace.pc == PcTrace::Complex) state.trace.pc = PcTrace::All;
     } else if (!hasRegisters) {
         Reprogram();
     }
@@ -464,10 +473,9 @@ std::vector<DwtComparator> Target::DwtComparators() {
 // Debug servers clear comparators when they examine the core again. One that was never set here may
 // be somebody else's business, and is taken as it is.
 Refusal Target::CheckDwt(const EtmSettings& settings) {
-    if (!m_Hardware.etm.TakesIndexes() || settings.pc != PcTrace::StartStop || state.dwt.empty())
-        return {};
+    if (!m_Hardware.etm.TakesIndexes() || state.dwt.empty()) return {};
     const std::vector<DwtComparator> comparators = DwtComparators();
-    for (const auto& index : {settings.pcBegin, settings.pcEnd}) {
+    for (const auto& index : {settings.pcBegin, settings.pcEnd, settings.trigger}) {
         if (!index || *index >= comparators.size() || !comparators[*index].lost) continue;
         const std::string number = std::to_string(*index);
         return "DWT comparator " + number + " no longer watches " + Hex(state.dwt.at(*index)) +
@@ -481,7 +489,7 @@ Refusal Target::CheckDwt(const EtmSettings& settings) {
 }
 
 Refusal Target::SetDwt(uint32_t index, uint32_t address) {
-    if (!m_Hardware.etm.TakesIndexes() || !m_Hardware.dwtBase)
+    if (!m_Hardware.etm.TakesIndexes() || !m_Hardware.dwtBase || m_Hardware.dwtComparators == 0)
         return "This chip has no DWT comparators that its ETM listens to";
     if (index >= std::min(m_Hardware.dwtComparators, m_Hardware.etm.watchInputs)) {
         return "This chip has DWT comparators 0 to " +
@@ -531,15 +539,26 @@ uint32_t Target::Control() {
     return (state.control & ~ORN_CONTROL_ENABLE) | (IsEnabled() ? ORN_CONTROL_ENABLE : 0);
 }
 
+// What an ETM needs beside its power to send trace: to be enabled, and, where its trace is
+// formatted, an ID that is not reserved.
+std::vector<EtmWrite> Target::SendingWrites() {
+    std::vector<EtmWrite> writes = {{ETMCR, ETMCR_ENABLE, ETMCR_ENABLE}};
+    if (m_Hardware.etm.archMajor >= 3 && (m_Hardware.tpiuBase || m_Hardware.etbBase)) {
+        const uint32_t id = m_Bus->Read(m_Hardware.Etm(ETMTRACEIDR)) & 0x7F;
+        if (id == 0 || id >= kFirstReservedId) writes.push_back({ETMTRACEIDR, kTraceId, 0x7F});
+    }
+    return writes;
+}
+
 Refusal Target::Enable(bool on) {
     return Try([&]() -> Refusal {
         if (!on && state.capture.running) m_Sink->Stop();
-        std::vector<EtmWrite> writes = {{ETMCR, on ? 0 : ETMCR_POWER_DOWN, ETMCR_POWER_DOWN},
-                                        {ETMCR, on ? ETMCR_ENABLE : 0, ETMCR_ENABLE}};
-        if (on && m_Hardware.etm.archMajor >= 3 && (m_Hardware.tpiuBase || m_Hardware.etbBase)) {
-            const uint32_t id = m_Bus->Read(m_Hardware.Etm(ETMTRACEIDR)) & 0x7F;
-            if (id == 0 || id >= kFirstReservedId) writes.push_back({ETMTRACEIDR, kTraceId, 0x7F});
-        }
+        std::vector<EtmWrite> writes;
+        if (on)
+            writes = SendingWrites();
+        else
+            writes.push_back({ETMCR, 0, ETMCR_ENABLE});
+        writes.push_back({ETMCR, on ? 0 : ETMCR_POWER_DOWN, ETMCR_POWER_DOWN});
         Program(writes);
         if (on) CheckProtocol();
         if (!on) state.capture.running = false;
@@ -587,6 +606,7 @@ Refusal Target::Start() {
         if (const Refusal refusal = CheckDwt(DecodeSettings(m_Hardware.etm, ReadImage())))
             return refusal;
         if (state.capture.running) return {};
+        Program(SendingWrites()); // others may have left it on, and silent
         m_Sink->Start(state.control);
         state.capture.running = true;
         return {};
@@ -606,21 +626,27 @@ Refusal Target::ForceTrigger() {
 }
 
 Refusal Target::ClearBuffer() {
-    return Try([&]() -> Refusal {
-        m_Sink->Clear();
-        return {};
-    });
+    return Try([&] { return m_Sink->Clear(); });
 }
 
 void Target::Look() {
     std::vector<uint32_t> addresses = m_Sink->StateAddresses();
     addresses.insert(addresses.begin(), m_Hardware.Etm(ETMCR));
     if (m_Hardware.hasTracePower) addresses.push_back(DEMCR);
-    std::vector<uint32_t> words = m_Bus->Read(addresses);
-    const uint32_t control = words.front();
-    words.erase(words.begin());
-    const bool powerLost = m_Hardware.hasTracePower && (words.back() & DEMCR_TRCENA) == 0;
-    state.capture = m_Sink->Look(control, words, state.capture);
+    std::vector<uint32_t> words;
+    bool powerLost = false;
+    try {
+        words = m_Bus->Read(addresses);
+        powerLost = m_Hardware.hasTracePower && (words.back() & DEMCR_TRCENA) == 0;
+        const uint32_t control = words.front();
+        words.erase(words.begin());
+        state.capture = m_Sink->Look(control, words, state.capture);
+    } catch (const BusLost&) {
+        throw;
+    } catch (const BusError&) { // without power some chips give no answer at all
+        powerLost = m_Hardware.hasTracePower && (m_Bus->Read(DEMCR) & DEMCR_TRCENA) == 0;
+        if (!powerLost) throw;
+    }
     if (powerLost) {
         state.capture.running = false;
         if (!m_PowerLost) m_Tell("trace has lost its power: the chip may have been reset");
@@ -653,14 +679,21 @@ uint32_t Target::StateWord() const {
 
 // --- The board --------------------------------------------------------------------------------
 
+void Target::ForgetPins() {
+    state.pinsReady = false;
+    m_PreparedSize = 0;
+}
+
 Refusal Target::PreparePins() {
     return Try([&]() -> Refusal {
         const uint32_t size = Settings().portSize;
+        if (size == 0) return "The size of the trace port is not known: set it first";
         if (!IsSimulated())
             m_Tell("the debug server prepares its trace port of " + Bits(size) +
                    "; what it writes is its own");
         if (const Refusal refusal = m_Bus->PreparePort(size)) return refusal;
         state.pinsReady = true;
+        m_PreparedSize = size;
         if (const uint32_t now = Settings().portSize; now != size)
             m_Tell("the debug server has changed the port size from " + Bits(size) + " to " +
                    Bits(now));
@@ -669,8 +702,6 @@ Refusal Target::PreparePins() {
 }
 
 Refusal Target::WriteMemory(uint32_t address, uint32_t value) {
-    if (address % 4 != 0 && !IsSimulated())
-        return "Address " + Hex(address) + " is no multiple of 4";
     try {
         m_Bus->WriteMemory(address, value);
         return {};

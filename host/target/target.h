@@ -130,7 +130,10 @@ public:
 
     // --- The board ---
 
-    Refusal PreparePins(); ///< by the debug server's own means
+    /// Has the debug server prepare the pins by its own means, for the size that the port has. A
+    /// size that is set later has it do so again.
+    Refusal PreparePins();
+    void ForgetPins(); ///< another board is used
     Refusal WriteMemory(uint32_t address, uint32_t value);
 
     static const Symbols& NoSymbols();
@@ -151,6 +154,7 @@ private:
     Refusal DataRangeEnd(const Address& address, bool isEnd);
     Refusal CheckDwt(const EtmSettings& settings);
     void Disarm();
+    std::vector<EtmWrite> SendingWrites();
     void CheckProtocol();
     std::string TextOf(const std::string& typed, uint32_t value) const;
     std::optional<Address> Typed(const std::string& text) const;
@@ -161,7 +165,8 @@ private:
     std::unique_ptr<RegisterBus> m_Bus;
     TraceHardware m_Hardware;
     std::unique_ptr<TraceSink> m_Sink;
-    bool m_PowerLost = false; // and told so
+    bool m_PowerLost = false;    // and told so
+    uint32_t m_PreparedSize = 0; // of the port, when the server prepared it; 0: it has not
 };
 
 } // namespace etmhost

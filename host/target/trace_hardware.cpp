@@ -16,6 +16,7 @@ constexpr uint32_t kSystemControlSpace = 0xE000E000;
 constexpr size_t kMostEntries = 960; // of one table: up to its identification
 constexpr size_t kMostComponents = 256;
 constexpr int kDeepest = 4;
+constexpr uint32_t kMostWords = 1u << 24; // of a buffer
 
 constexpr uint32_t kClassRomTable = 1;
 constexpr uint32_t kClassCoreSight = 9;
@@ -154,6 +155,7 @@ private:
 
     void ReadTable(uint32_t base, int depth) {
         if (depth > kDeepest) throw BusError("the ROM tables are nested too deep");
+        m_Tables.insert(base);
         constexpr size_t kAtOnce = 16;
         for (size_t first = 0; first < kMostEntries; first += kAtOnce) {
             std::vector<uint32_t> addresses;
@@ -163,14 +165,15 @@ private:
                 if (entry == 0) return;
                 if ((entry & 1) == 0) continue; // listed, and absent
                 const uint32_t address = base + (entry & 0xFFFFF000);
-                if (m_Addresses.size() >= kMostComponents)
+                if (m_Addresses.size() + m_Tables.size() >= kMostComponents)
                     throw BusError("the ROM table lists too many components");
-                if (address == base || !m_Addresses.insert(address).second) continue;
+                if (address == base || m_Tables.contains(address) ||
+                    !m_Addresses.insert(address).second)
+                    continue;
                 // A table inside a table has power whenever the outer one has.
                 if (const Identity id = TryIdentify(address);
                     id.valid && id.kind == kClassRomTable) {
                     m_Addresses.erase(address);
-                    m_Tables.insert(address);
                     ReadTable(address, depth + 1);
                 }
             }
@@ -192,7 +195,9 @@ private:
     // Without trace power the trace components read as nothing. The core's own registers tell, so
     // they have to be known as such first.
     void PowerTrace() {
-        if (!m_Addresses.contains(kSystemControlSpace)) return;
+        // One that was given by hand, inside of what all Cortex-M have there, has them too.
+        const bool byHand = m_Bases.etm && *m_Bases.etm >> 20 == kSystemControlSpace >> 20;
+        if (!m_Addresses.contains(kSystemControlSpace) && !byHand) return;
         const Identity scs = TryIdentify(kSystemControlSpace);
         if (!scs.valid || scs.kind != kClassGeneric) return;
         m_Hardware.hasTracePower = true;
@@ -318,6 +323,11 @@ private:
             m_Hardware.etbBase = etb->address;
             m_Hardware.sink = SinkKind::Buffer;
             m_Hardware.capacity = m_Bus.Read(etb->address + ETB_DEPTH);
+            if (m_Hardware.capacity == 0 || m_Hardware.capacity > kMostWords) {
+                throw BusError("the trace buffer" + At(etb->address) +
+                               " is there, but its depth reads " + Hex(m_Hardware.capacity) +
+                               ": it may have no clock");
+            }
             m_Hardware.info = "ETB, " + std::to_string(m_Hardware.capacity) + " words on chip";
         } else if (m_Hardware.tpiuBase) {
             m_Hardware.info = "TPIU; what its port sends is recorded outside";
@@ -331,9 +341,13 @@ private:
     }
 
     std::optional<uint32_t> Dwt() const {
+        if (m_Bases.dwt) {
+            for (const Identity& id : m_Found)
+                if (id.address == m_Bases.dwt && id.kind == kClassGeneric) return id.address;
+            throw BusError("there is no such component at " + Hex(*m_Bases.dwt) + ", given as dwt");
+        }
         for (const Identity& id : m_Found)
-            if (id.kind == kClassGeneric && (id.part == 0x002 || id.address == m_Bases.dwt))
-                return id.address;
+            if (id.kind == kClassGeneric && id.part == 0x002) return id.address;
         return std::nullopt;
     }
 

@@ -245,16 +245,20 @@ TEST_F(Road, AMachineWithoutTraceIsRefusedAndGoesOn) {
                         "tcp:127.0.0.1:" + std::to_string(gdb), "-qmp",
                         "tcp:127.0.0.1:" + std::to_string(monitor) + ",server=on,wait=off"});
     ASSERT_TRUE(Program::Listens(monitor)) << qemu.Output();
+    const etmhost::Deadline soon = ServedChip::Soon();
+    etmhost::Connection questions = etmhost::Connection::To("", monitor, soon);
+    const auto status = [&] {
+        questions.Send("{\"execute\":\"qmp_capabilities\"}{\"execute\":\"query-status\"}", soon);
+        std::string answer;
+        while (answer.find("\"running\"") == answer.npos) answer += questions.Receive(soon);
+        return answer;
+    };
+    status(); // it answers when it has begun, and listens at both ports
     for (const char* command : {"show", "open"}) {
         EXPECT_THAT(Run("--remote gdb:" + std::to_string(gdb), {command}),
                     AllOf(HasSubstr("there is no ROM table at 0xE00FF000"), HasSubstr("status 2")));
     }
-    const etmhost::Deadline soon = ServedChip::Soon();
-    etmhost::Connection questions = etmhost::Connection::To("", monitor, soon);
-    questions.Send("{\"execute\":\"qmp_capabilities\"}{\"execute\":\"query-status\"}", soon);
-    std::string answer;
-    while (answer.find("\"running\"") == answer.npos) answer += questions.Receive(soon);
-    EXPECT_THAT(answer, HasSubstr("\"running\": true"));
+    EXPECT_THAT(status(), HasSubstr("\"running\": true"));
 }
 
 } // namespace

@@ -53,6 +53,16 @@ TEST(StateFile, EverythingSurvives) {
     LoadedHost again("arm926", path);
     EXPECT_EQ(again.host.target.state, state);
 
+    // What has gone from the host goes from the file, and does not come back from it.
+    again.file.Update(again.host, [&again] {
+        again.host.target.state.registers.clear();
+        again.host.target.state.dwt.clear();
+    });
+    again.file.Update(again.host);
+    LoadedHost without("arm926", path);
+    EXPECT_TRUE(without.host.target.state.registers.empty());
+    EXPECT_TRUE(without.host.target.state.dwt.empty());
+
     // No write can succeed any more, and none is tried without need.
     const std::string before = directory.Read("state.json");
     std::filesystem::create_directory(path + ".lock");

@@ -44,9 +44,15 @@ public:
         ++accesses;
         if (lostBehind == 0) throw BusLost("gone");
         --lostBehind;
+        if (address == refusedAddress) throw BusError("refused");
         Judge(address, value);
         written.push_back(address);
         m_Chip.Write(address, value);
+    }
+
+    Refusal PreparePort(uint32_t width) override {
+        prepared.push_back(width);
+        return {};
     }
 
     uint32_t Etm(uint32_t number) { return m_Chip.Read(std::vector{hardware.Etm(number)})[0]; }
@@ -62,7 +68,8 @@ public:
     ChipRegisters registers;
     TraceHardware hardware;
     std::vector<std::string> wrong;
-    std::vector<uint32_t> written;
+    std::vector<uint32_t> written, prepared;
+    uint32_t refusedAddress = 1; // takes no write
     int lostBehind = -1;
     int accesses = 0;
     // What a read of that address gives in place of the truth.
@@ -189,19 +196,8 @@ TEST(Discovery, RefusesByNameWhatItCannotDrive) {
         {"the trace memory controller at 0xE0042000 is no buffer of its own (DEVID 0x80)",
          {{kEtb + 0xFE0, 0x61}, {kEtb + 0xFE4, 0xB9}, {kEtb + 0xFC8, 0x80}},
          ""},
-        {"nested too deep",
-         {{kItm + 0xFF4, 0x10},
-          {kItm, 0x1003},
-          {0xE0001FF4, 0x10},
-          {0xE0001000, 0x1003},
-          {0xE0002FF4, 0x10},
-          {0xE0002000, 0xC003},
-          {0xE000EFF4, 0x10},
-          {0xE000E000, 0x32003},
-          {0xE0040FF4, 0x10},
-          {0xE0040000, 0x1003},
-          {0xE0041FF4, 0x10}},
-         ""},
+        // A table inside the table that lists the outer one, and itself.
+        {"", {{kItm + 0xFF4, 0x10}, {kItm, 0xFF003}, {kItm + 4, 3}}, ""},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.text);
@@ -346,8 +342,15 @@ TEST(Target, SetsWhatAnEngineerWouldWriteByHand) {
     EXPECT_EQ(buffer.chip->Word(0xE0042304), 0x2001u) << "formatting, stop on trigger";
     EXPECT_EQ(buffer.chip->Word(0xE0042020), 1u);
     EXPECT_THAT(buffer.target.SetTriggerCount(3).value_or(""), HasSubstr("while it captures"));
+    EXPECT_NE(buffer.target.ClearBuffer(), Refusal());
     EXPECT_EQ(buffer.Run("stop"), "ok");
     EXPECT_EQ(buffer.chip->Word(0xE0042020), 0u);
+    buffer.chip->registers[0xE004200C] = 1; // full, until the next capture
+    buffer.target.Look();
+    EXPECT_EQ(buffer.target.state.capture.captured, 1024u);
+    EXPECT_EQ(buffer.target.ClearBuffer(), Refusal());
+    buffer.target.Look();
+    EXPECT_EQ(buffer.target.state.capture.captured, 0u);
 }
 
 // Whatever goes wrong is told with register and values, and what was there is restored.
@@ -392,6 +395,30 @@ TEST(Target, RefusesAChipThatDoesNotObey) {
     }
 }
 
+TEST(Target, FindsItsWayBackWhateverIsRefused) {
+    for (const uint32_t number : {ETMTESSEICR, ETMTECR1, ETMTEEVR}) {
+        for (const uint32_t start : {0x411u, 0x10u, 0x810u}) {
+            Bench bench("cortex-m4");
+            ASSERT_EQ(bench.Run("disable"), "ok");
+            bench.chip->registers[bench.chip->hardware.Etm(ETMCR)] = start;
+            const std::vector<uint32_t> before = bench.chip->Held();
+            bench.chip->refusedAddress = bench.chip->hardware.Etm(number);
+            const bool event = number == ETMTEEVR;
+            EXPECT_EQ(bench.Run(event ? "etm pc=none" : "etm pc=start 0"), "Refused");
+            EXPECT_EQ(bench.chip->Held(), before);
+            EXPECT_THAT(bench.chip->wrong, IsEmpty());
+        }
+    }
+}
+
+TEST(Target, PreparesThePinsForTheSizeThatComesBehind) {
+    Bench bench("cortex-m4");
+    for (const char* command : {"etm portsize=2", "macro /startup", "etm portsize=2",
+                                "etm portsize=4", "macro /none", "etm portsize=1"})
+        EXPECT_EQ(bench.Run(command), "ok") << command;
+    EXPECT_EQ(bench.chip->prepared, (std::vector<uint32_t>{2, 4}));
+}
+
 TEST(Target, OutlivesItsConnectionAndItsPower) {
     for (int accesses = 0; accesses < 30; ++accesses) {
         Bench bench("cortex-m4-etb");
@@ -430,7 +457,8 @@ TEST(Target, OutlivesItsConnectionAndItsPower) {
     for (int look = 0; look < 3; ++look) reset.target.Poll();
     EXPECT_EQ(reset.told, "trace has lost its power: the chip may have been reset\n");
     EXPECT_EQ(reset.target.StateWord(), ORN_STATE_LOOK_AGAIN);
-    EXPECT_THAT(reset.Run("etm pc=start 0"), HasSubstr("Set it anew: dwt 0 0x8000"));
+    for (const char* command : {"etm pc=start 0", "etm trigger 0"})
+        EXPECT_THAT(reset.Run(command), HasSubstr("Set it anew: dwt 0 0x8000"));
     EXPECT_TRUE(reset.target.DwtComparators()[0].lost);
     EXPECT_EQ(reset.Run("dwt 0 main"), "ok");
     EXPECT_EQ(reset.Run("etm pc=start 0"), "ok");
