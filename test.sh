@@ -72,7 +72,7 @@ begin "g++: tests" test_dev
 
 stage "clang++ with AddressSanitizer and UBSan: build"
 cmake --preset asan >/dev/null
-cmake --build --preset asan -- --quiet
+nice cmake --build --preset asan -- --quiet # the tests have deadlines to keep
 finish "g++: tests"
 
 test_asan() {
@@ -83,7 +83,7 @@ test_asan() {
 begin "AddressSanitizer and UBSan: tests" test_asan
 
 stage "Windows: build"
-[ "$windows" = no ] || tools/windows-tests --build
+[ "$windows" = no ] || nice tools/windows-tests --build
 finish "AddressSanitizer and UBSan: tests"
 
 test_windows() {
@@ -109,7 +109,7 @@ fuzz() {
 }
 export -f fuzz
 # shellcheck disable=SC2016 # the inner shell expands it
-printf '%s\n' build/asan/bin/fuzz_* | xargs -P "$(nproc)" -I{} bash -euo pipefail -c 'fuzz "$1"' - {}
+printf '%s\n' build/asan/bin/fuzz_* | nice xargs -P "$(nproc)" -I{} bash -euo pipefail -c 'fuzz "$1"' - {}
 
 stage "clang-tidy"
 tools/tidy "${tidy[@]}"

@@ -120,7 +120,9 @@ Status Run(const std::string& command, const Options& options) {
     else
         status = RunWithModule(command, options, script, host);
     host.transaction([] {}); // the last try to keep what could not be kept before
-    return failure.empty() ? status : kBadInput;
+    if (!failure.empty()) return kBadInput;
+    // What was set behind that never reached the chip.
+    return status == kDone && !host.target.lost().empty() ? kFailed : status;
 }
 
 void DescribeDrive(CLI::App* drive, CLI::App* tour, DriveOptions& options) {

@@ -39,7 +39,8 @@ GdbBus::GdbBus(Connection connection, std::string place, std::ostream& told,
                std::chrono::milliseconds patience)
     : m_Connection(std::move(connection)), m_Place(std::move(place)), m_Patience(patience),
       m_PacketSize(kSmallestPacket) {
-    told << "Attaching through a GDB server stops the core, and most servers leave it stopped\n"
+    told << "etmhost: attaching through a GDB server stops the core, and most servers leave it "
+            "stopped\n"
          << std::flush;
     try {
         Attach();

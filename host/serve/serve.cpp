@@ -12,7 +12,8 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto kTick = 100ms;
-constexpr auto kSendTime = 10s; // for a caller that does not read what it asked for
+constexpr int kMicrosecondsEach = 10; // for an instruction: enough to see it run
+constexpr auto kSendTime = 10s;       // for a caller that does not read what it asked for
 
 class Service {
 public:
@@ -55,7 +56,7 @@ private:
         // Of a long pause only its end is made up for.
         const auto since = std::min<Deadline::Clock::duration>(now - m_Ran, kTick);
         const auto due = std::chrono::duration_cast<std::chrono::microseconds>(since);
-        m_Core.Run(uint32_t(due.count()));
+        m_Core.Run(uint32_t(due.count() / kMicrosecondsEach));
         m_Ran = now;
         if (now - m_Stepped >= kTick) {
             m_Core.Step();

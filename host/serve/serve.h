@@ -21,8 +21,9 @@ struct ServedChip {
 
 /// Serves OpenOCD's remote_bitbang protocol to one caller of `listener` after the other: a debug
 /// port by JTAG with a memory access port. The chip outlives the callers. Its time is that of the
-/// wall: the core carries out about a million instructions per second, and the registers step ten
-/// times per second. Returns soon after `stop` became true; behind the first caller if `once`.
+/// wall: the core carries out about a hundred thousand instructions per second, and the registers
+/// step ten times per second. Returns soon after `stop` became true; behind the first caller if
+/// `once`.
 void Serve(const ServedChip& chip, Listener& listener, bool once, const std::atomic<bool>& stop);
 
 } // namespace etmhost

@@ -78,6 +78,9 @@ Refusal Target::Try(const std::function<Refusal()>& action) {
     try {
         PowerTrace();
         return action();
+    } catch (const BusLost& error) {
+        m_Lost = error.what();
+        return Capitalized(m_Lost);
     } catch (const BusError& error) {
         return Capitalized(error.what());
     }
@@ -661,6 +664,10 @@ Refusal Target::Poll() {
         m_Bus->Step();
         m_Sink->Step(state.control);
         Look();
+    } catch (const BusLost& error) {
+        m_Lost = error.what();
+        state.capture.running = false;
+        refusal = Capitalized(m_Lost);
     } catch (const BusError& error) {
         state.capture.running = false;
         refusal = Capitalized(error.what());

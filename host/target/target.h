@@ -58,6 +58,8 @@ public:
 
     const TraceHardware& hardware() const { return m_Hardware; }
     const EtmResources& etm() const { return m_Hardware.etm; }
+    /// Returns why the connection to the chip was lost; empty as long as it is there.
+    const std::string& lost() const { return m_Lost; }
     bool IsSimulated() const { return m_Simulated != nullptr; }
 
     /// Says something on a line of its own to the person at the host.
@@ -165,6 +167,7 @@ private:
     std::unique_ptr<RegisterBus> m_Bus;
     TraceHardware m_Hardware;
     std::unique_ptr<TraceSink> m_Sink;
+    std::string m_Lost;
     bool m_PowerLost = false;    // and told so
     uint32_t m_PreparedSize = 0; // of the port, when the server prepared it; 0: it has not
 };

@@ -137,12 +137,12 @@ void QtUser::Type(int id, const std::string& text) {
     SendKey(edit, Qt::Key_A, Qt::ControlModifier);
     if (!edit.isNull()) SendKey(edit, Qt::Key_Delete);
     const QString typed = QString::fromStdString(text).remove('\r');
-    for (const QChar character : typed) {
+    for (const char32_t character : typed.toUcs4()) {
         if (edit.isNull()) return;
-        if (character == '\n')
+        if (character == U'\n')
             SendKey(edit, Qt::Key_Return, {}, "\r");
         else
-            SendKey(edit, 0, {}, character);
+            SendKey(edit, 0, {}, QString::fromUcs4(&character, 1));
     }
 }
 
@@ -210,7 +210,7 @@ void QtUser::SaveAs(const std::string& path) {
 
 void QtUser::TakePicture(const std::filesystem::path& file) {
     if (!Window()->grab().save(QFile::decodeName(file.c_str())))
-        throw std::runtime_error("cannot write the picture " + file.filename().string());
+        throw std::runtime_error("cannot write the picture " + file.string());
 }
 
 // --- What is seen --------------------------------------------------------------------
