@@ -55,12 +55,15 @@ std::string Writing(RegisterBus& bus) {
 
 // A lost connection says the same ever after, at once, and asks nobody.
 void ExpectLostForGood(RegisterBus& bus, const ScriptedServer& server, const std::string& reading) {
-    const size_t questions = server.Questions().size();
     const Deadline soon(kShort);
     EXPECT_EQ(Reading(bus), reading);
     EXPECT_EQ("LOST " + Writing(bus), reading);
     EXPECT_FALSE(soon.IsOver());
-    EXPECT_EQ(server.Questions().size(), questions);
+    // A busy server hears late of what it was asked before, but never of this write.
+    for (const std::string& question : server.Questions()) {
+        EXPECT_FALSE(question.starts_with("M") || question.find("write_memory") != question.npos)
+            << question;
+    }
 }
 
 TEST(RemoteAddress, IsAKindAHostAndAPort) {
