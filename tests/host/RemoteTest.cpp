@@ -233,7 +233,7 @@ TEST(OpenOcdBus, PreparesTheOnlyPortAndGoesBackToItsTarget) {
 
 // A GDB server that says `answer` when it is asked for memory, and `start` to QStartNoAckMode.
 struct Gdb {
-    explicit Gdb(std::vector<std::string> answers, std::string start = "OK",
+    explicit Gdb(const std::vector<std::string>& answers, const std::string& start = "OK",
                  std::chrono::milliseconds patience = kPatience)
         : server(
               [answers, start, next = size_t{0}](const std::string& question) mutable {
