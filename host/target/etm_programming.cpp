@@ -150,7 +150,7 @@ private:
         TryWrite(ETMCR, powered | ETMCR_PROGRAMMING);
         TryWrite(ETMCR, powered);
         if (before == powered) return;
-        TryAwaitMode(powered & ETMCR_PROGRAMMING ? ETMSR_PROGRAMMING : 0);
+        TryAwaitMode((powered & ETMCR_PROGRAMMING) != 0 ? ETMSR_PROGRAMMING : 0);
         TryWrite(ETMCR, before);
     }
 
