@@ -7,6 +7,7 @@
 #include <atomic>
 #include <regex>
 
+#include "tests/support/QemuMachine.h"
 #include "tests/support/ScriptedServer.h"
 #include "tests/support/ServedChip.h"
 
@@ -238,28 +239,12 @@ ok
 }
 
 TEST_F(Road, AMachineWithoutTraceIsRefusedAndGoesOn) {
-    using namespace std::string_literals;
-    const std::string image = directory.Write("image", "\0\x10\0\x20\x09\0\0\0\xFE\xE7\xFE\xE7"s);
-    const uint16_t gdb = Program::FreePort(), monitor = Program::FreePort();
-    const Program qemu({"qemu-system-arm", "-M", "mps2-an386", "-kernel", image, "-display", "none",
-                        "-serial", "null", "-monitor", "none", "-gdb",
-                        "tcp:127.0.0.1:" + std::to_string(gdb), "-qmp",
-                        "tcp:127.0.0.1:" + std::to_string(monitor) + ",server=on,wait=off"});
-    ASSERT_TRUE(Program::Listens(monitor)) << qemu.Output();
-    const etmhost::Deadline soon = ServedChip::Soon();
-    etmhost::Connection questions = etmhost::Connection::To("", monitor, soon);
-    const auto status = [&] {
-        questions.Send("{\"execute\":\"qmp_capabilities\"}{\"execute\":\"query-status\"}", soon);
-        std::string answer;
-        while (answer.find("\"running\"") == answer.npos) answer += questions.Receive(soon);
-        return answer;
-    };
-    status(); // it answers when it has begun, and listens at both ports
+    QemuMachine machine;
     for (const char* command : {"show", "open"}) {
-        EXPECT_THAT(Run("--remote gdb:" + std::to_string(gdb), {command}),
+        EXPECT_THAT(Run("--remote gdb:" + std::to_string(machine.gdbPort), {command}),
                     AllOf(HasSubstr("there is no ROM table at 0xE00FF000"), HasSubstr("status 2")));
     }
-    EXPECT_THAT(status(), HasSubstr("\"running\": true"));
+    EXPECT_TRUE(machine.Runs());
 }
 
 } // namespace
