@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <initializer_list>
 #include <map>
 #include <memory>
 #include <string>
@@ -43,7 +44,8 @@ struct DwtComparator {
     bool lost = false; ///< it was set here, and does not hold that any more
 };
 
-/// Commands give a refusal; what only reads throws BusError where the chip doesn't answer.
+/// In target.cpp and, for what it traces, target_settings.cpp. Commands give a refusal; what only
+/// reads throws BusError where the chip doesn't answer.
 class Target {
 public:
     /// A simulated chip fresh from reset. `chip` and `symbols` must outlive the target.
@@ -143,7 +145,8 @@ public:
 private:
     void Prepare();
     void Reprogram();
-    Refusal Try(const std::function<Refusal()>& action);
+    Refusal Catch(const std::function<Refusal()>& action);
+    Refusal Try(const std::function<Refusal()>& action); ///< gives trace its power first
     EtmImage ReadImage();
     bool IsEnabled();
     void PowerTrace();
@@ -154,7 +157,7 @@ private:
     Refusal ProgramDataRange(const Address& begin, const Address& end);
     Refusal PcRangeEnd(const Address& address, bool isEnd);
     Refusal DataRangeEnd(const Address& address, bool isEnd);
-    Refusal CheckDwt(const EtmSettings& settings);
+    Refusal CheckDwt(std::initializer_list<std::optional<uint32_t>> indexes);
     void Disarm();
     std::vector<EtmWrite> SendingWrites();
     void CheckProtocol();

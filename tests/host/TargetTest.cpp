@@ -459,6 +459,10 @@ TEST(Target, OutlivesItsConnectionAndItsPower) {
     EXPECT_EQ(reset.target.StateWord(), ORN_STATE_LOOK_AGAIN);
     for (const char* command : {"etm pc=start 0", "etm trigger 0"})
         EXPECT_THAT(reset.Run(command), HasSubstr("Set it anew: dwt 0 0x8000"));
+    reset.chip->registers[0xE0041008] = 0x20; // a trigger that relies on it keeps nobody from this
+    EXPECT_EQ(reset.Run("etm pc=none"), "ok");
+    EXPECT_EQ(reset.Run("enable"), "ok");
+    EXPECT_THAT(reset.Run("start"), HasSubstr("no longer watches 0x8000"));
     EXPECT_TRUE(reset.target.DwtComparators()[0].lost);
     EXPECT_EQ(reset.Run("dwt 0 main"), "ok");
     EXPECT_EQ(reset.Run("etm pc=start 0"), "ok");
