@@ -140,6 +140,7 @@ public:
 
     /// Looks for the labels that are still missing anywhere in the rest.
     void Search() {
+        if (m_Missing == 0) return;
         for (const std::string_view beginning : kCommonBeginnings) {
             uint32_t labels = 0;
             for (size_t i = 0; i < std::size(kLabels); ++i)
