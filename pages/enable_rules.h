@@ -14,6 +14,9 @@ template <class Facts> struct EnableRule {
     bool (*condition)(const Facts&);
 };
 
+/// The condition of what can always be used.
+inline constexpr auto Always = [](const auto&) { return true; };
+
 /// Enables or disables control `id`, if the dialog has it.
 inline void EnableControl(const CDialog& dialog, int id, bool enable) {
     if (CWnd* control = dialog.GetDlgItem(id)) control->EnableWindow(enable);

@@ -27,7 +27,6 @@ struct Facts {
     bool Full() const { return !etb && !tpiu; }
 };
 
-constexpr auto Always = [](const Facts&) { return true; };
 constexpr auto NotEtb = [](const Facts& f) { return !f.etb; };
 constexpr auto NotTpiu = [](const Facts& f) { return !f.tpiu; };
 constexpr auto Full = [](const Facts& f) { return f.Full(); };
@@ -38,7 +37,7 @@ constexpr auto OnAddress = [](const Facts& f) { return f.afterTrigger && f.onAdd
 constexpr auto Running = [](const Facts& f) { return f.running; };
 constexpr auto NotRunning = [](const Facts& f) { return !f.running; };
 
-constexpr EnableRule<Facts> kRules[] = {
+constexpr EnableRule<Facts> kControlRules[] = {
     {1029, Always},             // Configure ETM ...
     {1036, Always},             // Stop Trace Capture
     {1061, Always},             //   only when the processor is stopped
@@ -210,7 +209,7 @@ void jControlPage::StopTimer() {
 void jControlPage::UpdateControls(bool running) {
     if (m_Enable == 0) { // the host is not asked
         ShowNote(*this, 1083, nullptr);
-        DisableAll(*this, kRules);
+        DisableAll(*this, kControlRules);
         return;
     }
     Facts facts;
@@ -220,7 +219,7 @@ void jControlPage::UpdateControls(bool running) {
     facts.onAddress = m_TriggerOnAddress != 0;
     facts.running = running;
     ShowNote(*this, 1083, NoteFor(facts));
-    ApplyRules(*this, kRules, facts);
+    ApplyRules(*this, kControlRules, facts);
 }
 
 std::optional<uint32_t> jControlPage::ReadState() {

@@ -9,7 +9,7 @@ namespace {
 constexpr auto StartsOnEvent = [](const int32_t& mode) { return mode == 2 || mode == 4; };
 constexpr auto StopsOnEvent = [](const int32_t& mode) { return mode == 3 || mode == 4; };
 
-constexpr EnableRule<int32_t> kRules[] = {
+constexpr EnableRule<int32_t> kDwtRules[] = {
     {1018, StartsOnEvent}, // Begin
     {1019, StopsOnEvent},  // End
 };
@@ -56,5 +56,5 @@ void jDWTPage::OnNotify(Notification& notification) {
 
 void jDWTPage::UpdateComparatorControls() {
     UpdateData(true);
-    ApplyRules(*this, kRules, m_PcTraceMode);
+    ApplyRules(*this, kDwtRules, m_PcTraceMode);
 }

@@ -19,7 +19,6 @@ struct ChipFacts {
     bool dataHw = false;  // data trace
 };
 
-constexpr auto Always = [](const ChipFacts&) { return true; };
 constexpr auto CortexM3 = [](const ChipFacts& f) { return f.cortexM3; };
 constexpr auto StartHw = [](const ChipFacts& f) { return f.cortexM3 || f.rangeHw; };
 constexpr auto RangeHw = [](const ChipFacts& f) { return f.rangeHw; };

@@ -13,10 +13,6 @@ namespace {
 
 constexpr size_t kNone = static_cast<size_t>(-1);
 
-std::string Quoted(const std::string& text) {
-    return Quote(text.c_str());
-}
-
 /// Whether a step is about boxes and save dialogs too.
 bool MindsNoBox(const Step& step) {
     switch (step.verb) {
@@ -53,7 +49,7 @@ bool Interpreter::Tick(uint64_t now) {
         const bool arrived = m_Next == m_Script.steps.size();
         if (front.kind == FrontWindow::None) return WaitFor(line, "a window", "none there", now);
         if (front.kind == FrontWindow::Box && (arrived || !MindsNoBox(m_Script.steps[m_Next]))) {
-            Fail(line, "a box " + Quoted(front.title) + " came up: " + front.text);
+            Fail(line, "a box " + Quote(front.title) + " came up: " + front.text);
             return true;
         }
         if (arrived) return WaitFor(line, "the windows to close", Described(front) + " open", now);
@@ -112,7 +108,7 @@ bool Interpreter::TryAct(const Step& step, const FrontWindow& front, uint64_t no
     if (step.verb == Step::Save) {
         if (front.kind != FrontWindow::Save)
             return WaitFor(step.line, "the save dialog", Described(front), now);
-        Make(step, "save " + (step.text.empty() ? "cancel" : Quoted(step.text)),
+        Make(step, "save " + (step.text.empty() ? "cancel" : Quote(step.text)),
              [&] { m_User.SaveAs(step.text); });
         return true;
     }
@@ -141,7 +137,7 @@ bool Interpreter::TryControl(const Step& step, const FrontWindow& front, uint64_
             step, "click " + CaptionOf(id) + place, [&] { m_User.Click(id); });
     } else if (step.verb == Step::Type) {
         Make(
-            step, "type" + number + " " + Quoted(step.text) + place,
+            step, "type" + number + " " + Quote(step.text) + place,
             [&] { m_User.Type(id, step.text); });
     } else if (step.verb == Step::Drag) {
         Make(
@@ -153,7 +149,7 @@ bool Interpreter::TryControl(const Step& step, const FrontWindow& front, uint64_
         if (index < 0 || index >= static_cast<int>(entries.size())) {
             std::string all;
             for (const std::string& entry : entries)
-                all += (all.empty() ? "" : ", ") + Quoted(entry);
+                all += (all.empty() ? "" : ", ") + Quote(entry);
             return WaitFor(step.line, Described(step.entry) + " in" + number,
                            all.empty() ? "empty" : all, now);
         }
@@ -199,7 +195,7 @@ void Interpreter::SkipJumps() {
 
 bool Interpreter::WaitFor(int line, const std::string& expected, const std::string& is,
                           uint64_t now) {
-    if (now - m_Since <= kPatience) return false;
+    if (now - m_Since <= kStepPatience) return false;
     Fail(line, "expected " + expected + ", is " + is);
     return true;
 }
@@ -212,7 +208,7 @@ void Interpreter::Fail(int line, const std::string& reason) {
 }
 
 bool Interpreter::CloseOne(const FrontWindow& front, uint64_t now) {
-    if (now - m_Since > kPatience && m_Stuck) m_Stuck();
+    if (now - m_Since > kStepPatience && m_Stuck) m_Stuck();
     if (front.kind == FrontWindow::None) return false;
     m_User.CloseFrame();
     return true;
@@ -226,7 +222,7 @@ int Interpreter::Resolve(const ControlName& name) {
     if (found.size() > 1) {
         std::string numbers;
         for (const int id : found) numbers += " " + std::to_string(id);
-        throw std::runtime_error(Quoted(name.caption) + " is the caption of several:" + numbers);
+        throw std::runtime_error(Quote(name.caption) + " is the caption of several:" + numbers);
     }
     return found.empty() ? 0 : found.front();
 }
@@ -296,7 +292,7 @@ Interpreter::Finding Interpreter::LookAtControl(const Condition& condition) {
         std::string text = m_User.Text(id);
         std::erase(text, '\r');
         seen = text == condition.text;
-        is = Quoted(text);
+        is = Quote(text);
         break;
     }
     case Condition::Focus:

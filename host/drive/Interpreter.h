@@ -12,7 +12,7 @@
 namespace etmhost {
 
 /// How long a step waits for what it needs, and a window may take to close, in ms.
-inline constexpr uint64_t kPatience = 10'000;
+inline constexpr uint64_t kStepPatience = 10'000;
 
 /// Makes one step after the other. Somebody has to call Tick again and again while windows are
 /// open, from inside whatever loop runs: a step may open a modal window, and the next one is then

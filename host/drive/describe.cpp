@@ -6,10 +6,6 @@ namespace etmhost {
 
 namespace {
 
-std::string Quoted(const std::string& text) {
-    return Quote(text.c_str());
-}
-
 std::string WithoutNot(const Condition& condition) {
     const bool holds = condition.holds;
     const std::string control = Described(condition.control);
@@ -21,7 +17,7 @@ std::string WithoutNot(const Condition& condition) {
     case Condition::Checked:
         return control + (holds ? " checked" : " unchecked");
     case Condition::Text:
-        return "text " + Quoted(condition.text) + " in " + control;
+        return "text " + Quote(condition.text) + " in " + control;
     case Condition::Selection:
         return "selection " + Described(condition.entry) + " in " + control;
     case Condition::Tab:
@@ -29,11 +25,11 @@ std::string WithoutNot(const Condition& condition) {
     case Condition::Focus:
         return "focus on " + control;
     case Condition::Window:
-        return "window " + Quoted(condition.title);
+        return "window " + Quote(condition.title);
     case Condition::Box:
         if (condition.anyTitle) return "a message box";
-        return "box " + Quoted(condition.title) +
-               (condition.anyText ? "" : " " + Quoted(condition.text));
+        return "box " + Quote(condition.title) +
+               (condition.anyText ? "" : " " + Quote(condition.text));
     case Condition::Picture:
         break;
     }
@@ -53,12 +49,12 @@ std::string Described(const ControlName& name) {
     default:
         break;
     }
-    return name.number != 0 ? std::to_string(name.number) : Quoted(name.caption);
+    return name.number != 0 ? std::to_string(name.number) : Quote(name.caption);
 }
 
 std::string Described(const EntryName& name) {
     if (name.number < 0) return "none";
-    return name.number != 0 ? std::to_string(name.number) : Quoted(name.text);
+    return name.number != 0 ? std::to_string(name.number) : Quote(name.text);
 }
 
 std::string Described(const KeyName& key) {
@@ -74,11 +70,11 @@ std::string Described(const Condition& condition) {
 std::string Described(const FrontWindow& window) {
     switch (window.kind) {
     case FrontWindow::Dialog:
-        return "window " + Quoted(window.title);
+        return "window " + Quote(window.title);
     case FrontWindow::Box:
-        return "box " + Quoted(window.title) + " " + Quoted(window.text);
+        return "box " + Quote(window.title) + " " + Quote(window.text);
     case FrontWindow::Save:
-        return "save dialog " + Quoted(window.title);
+        return "save dialog " + Quote(window.title);
     case FrontWindow::None:
         break;
     }

@@ -6,7 +6,7 @@ namespace etmhost {
 
 namespace {
 
-std::string OrEmpty(const char* text) {
+std::string TextOf(const char* text) {
     return text != nullptr ? text : "";
 }
 
@@ -32,7 +32,7 @@ ModuleSession::ModuleSession(IOrnAPIBase& module, const std::string& path, Simul
     m_Module.SetModulePath(path.c_str());
     m_Module.SetAPI(&m_Host.api);
     const int32_t rows = m_Module.GetRowCount();
-    while (m_Row < rows && OrEmpty(m_Module.GetRowInterfaceName(m_Row)) != ORN_KVETM_CTRL) ++m_Row;
+    while (m_Row < rows && TextOf(m_Module.GetRowInterfaceName(m_Row)) != ORN_KVETM_CTRL) ++m_Row;
     if (m_Row < rows) m_Control = static_cast<IOrnKVETMCtrl*>(m_Module.CreateRowObject(m_Row));
     if (m_Control == nullptr) {
         m_Module.SetAPI(nullptr);
@@ -55,7 +55,7 @@ ModuleSession::~ModuleSession() {
 void ModuleSession::Attach() {
     const int32_t count = m_Control->GetRequiredCount();
     for (int32_t index = 0; index < count; ++index) {
-        const std::string name = OrEmpty(m_Control->GetRequiredName(index));
+        const std::string name = TextOf(m_Control->GetRequiredName(index));
         IOrnInterface* object = m_Host.Find(name);
         if (object == nullptr || m_Control->AttachInterface(name.c_str(), object) != 0)
             throw HostError("the module requires \"" + name + "\", which this host lacks");
@@ -65,7 +65,7 @@ void ModuleSession::Attach() {
 void ModuleSession::TearDown() {
     const int32_t count = m_Control->GetRequiredCount();
     for (int32_t index = 0; index < count; ++index)
-        m_Control->DetachInterface(OrEmpty(m_Control->GetRequiredName(index)).c_str());
+        m_Control->DetachInterface(TextOf(m_Control->GetRequiredName(index)).c_str());
     m_Module.DestroyRowObject(m_Row, m_Control);
     m_Module.SetAPI(nullptr);
 }

@@ -75,6 +75,10 @@ std::string Quote(const char* text) {
     return text != nullptr ? "\"" + Escape(text, "\"\\") + "\"" : "null";
 }
 
+std::string Quote(const std::string& text) {
+    return Quote(text.c_str());
+}
+
 std::string Hex(uint32_t value) {
     char text[16];
     std::snprintf(text, sizeof text, "0x%X", static_cast<unsigned>(value));

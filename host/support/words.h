@@ -32,6 +32,7 @@ std::string Escape(std::string_view text, std::string_view marked = {});
 /// Returns `text` in double quotes, on one line: quotes, backslashes and bytes below 32 are
 /// escaped. Null gives "null", without quotes.
 std::string Quote(const char* text);
+std::string Quote(const std::string& text);
 
 /// Returns "0x" and the hexadecimal digits of `value`.
 std::string Hex(uint32_t value);

@@ -20,9 +20,6 @@ constexpr uint32_t kUnlocked = 0xFB2;
 constexpr uint32_t kSteps = 0xF02;     // since the capture began
 constexpr uint32_t kRemaining = 0xF06; // words to store behind the trigger, plus one; 0: no trigger
 
-constexpr uint32_t kStepsToFill = 8;
-constexpr uint32_t kTriggerStep = 4;
-
 EtmResources ResourcesOf(const ChipComponent& etm) {
     const auto value = [&etm](uint32_t number) {
         const auto entry = etm.registers.find(4 * number);

@@ -11,9 +11,6 @@ namespace etmhost {
 
 namespace {
 
-constexpr uint32_t kStepsToFill = 8;
-constexpr uint32_t kTriggerStep = 4;
-
 Refusal TooMany(uint32_t capacity) {
     return "The trace buffer has only " + std::to_string(capacity) + " words";
 }

@@ -35,6 +35,11 @@ struct ChipComponent {
     uint32_t comparators = 0;               ///< of a DWT
 };
 
+/// A simulated program is looked at in steps: so many fill a buffer, and this one raises the
+/// trigger.
+inline constexpr uint32_t kStepsToFill = 8;
+inline constexpr uint32_t kTriggerStep = 4;
+
 /// What takes the trace of a chip.
 enum class SinkKind {
     Emulator, ///< the simulated emulator's buffer

@@ -11,7 +11,7 @@ namespace etmhost {
 namespace {
 
 using Clock = std::chrono::steady_clock;
-constexpr std::chrono::milliseconds kPatience(500);
+constexpr std::chrono::milliseconds kBitPatience(500);
 constexpr std::chrono::milliseconds kPause(2);
 
 std::string RegisterName(uint32_t number) {
@@ -199,7 +199,7 @@ private:
 } // namespace
 
 uint32_t Await(RegisterBus& bus, uint32_t address, uint32_t mask, uint32_t value) {
-    const auto limit = Clock::now() + kPatience;
+    const auto limit = Clock::now() + kBitPatience;
     for (;;) {
         const uint32_t word = bus.Read(address);
         if ((word & mask) == value || Clock::now() >= limit) return word;

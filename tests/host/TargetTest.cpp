@@ -18,7 +18,7 @@ namespace {
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
-const Symbols kSymbols = {{"main", 0x8000}};
+const Symbols kMainAlone = {{"main", 0x8000}};
 
 // A chip that does not forgive: writes outside of its trace components, and those that an ETM of
 // its state may ignore, are noted as wrong.
@@ -124,9 +124,9 @@ const Chip& MappedChip() {
 struct Bench {
     explicit Bench(const std::string& name)
         : chip(new StrictChip(name == "mapped" ? MappedChip() : *FindChip(name))),
-          target(std::unique_ptr<RegisterBus>(chip), chip->hardware, kSymbols,
+          target(std::unique_ptr<RegisterBus>(chip), chip->hardware, kMainAlone,
                  [this](const std::string& text) { told += text + "\n"; }),
-          language(target, kSymbols) {}
+          language(target, kMainAlone) {}
 
     std::string Run(const std::string& command) {
         return language.Execute(command, nullptr).value_or("ok");

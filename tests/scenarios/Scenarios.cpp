@@ -9,9 +9,9 @@
 namespace {
 
 #if defined(_WIN32)
-constexpr char kSeparator = '\\';
+constexpr char kSlash = '\\';
 #else
-constexpr char kSeparator = '/';
+constexpr char kSlash = '/';
 #endif
 
 void Traced(RecordingHost& host) {
@@ -70,7 +70,7 @@ Scenario Scenario::In(const std::string& directory) const {
     Scenario here = *this;
     const auto replace = [&](std::string& text) {
         if (const size_t place = text.find("{dir}"); place != std::string::npos)
-            text.replace(place, 5, directory + kSeparator);
+            text.replace(place, 5, directory + kSlash);
     };
     for (std::string& change : here.changes) replace(change);
     for (etmhost::Step& step : here.script.steps) replace(step.text);

@@ -9,7 +9,7 @@
 bool Win32Person::Open(IOrnKVETMCtrl& control) {
     std::thread person([this] {
         for (uint64_t waited = 0; FrontHandle() == nullptr; waited += 5) {
-            if (waited > etmhost::kPatience) throw std::runtime_error("no dialog came up");
+            if (waited > etmhost::kStepPatience) throw std::runtime_error("no dialog came up");
             Sleep(5);
         }
         Attend(FrontHandle());
@@ -35,7 +35,7 @@ void Win32Person::Attend(HWND window) {
         AttendBox(window);
     else
         RunScript(window);
-    const ULONGLONG limit = GetTickCount64() + etmhost::kPatience;
+    const ULONGLONG limit = GetTickCount64() + etmhost::kStepPatience;
     while (LetWorkAt(window)) { // something may still come up, such as a question
         Settle();
         if (GetTickCount64() > limit) throw std::runtime_error("stays open: " + TextOf(window));
