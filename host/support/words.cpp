@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <numeric>
+#include <utility>
 
 namespace etmhost {
 
@@ -9,6 +11,24 @@ namespace {
 
 char Lower(char c) {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+// How many letters are wrong, missing, too many or exchanged with their neighbour.
+size_t Distance(std::string_view a, std::string_view b) {
+    std::vector<size_t> before, last(b.size() + 1), row(b.size() + 1);
+    std::iota(last.begin(), last.end(), 0);
+    for (size_t i = 1; i <= a.size(); ++i) {
+        row[0] = i;
+        for (size_t j = 1; j <= b.size(); ++j) {
+            const bool same = Lower(a[i - 1]) == Lower(b[j - 1]);
+            row[j] = std::min({last[j] + 1, row[j - 1] + 1, last[j - 1] + (same ? 0 : 1)});
+            if (i > 1 && j > 1 && Lower(a[i - 1]) == Lower(b[j - 2]) &&
+                Lower(a[i - 2]) == Lower(b[j - 1]))
+                row[j] = std::min(row[j], before[j - 2] + 1);
+        }
+        before = std::exchange(last, row);
+    }
+    return last.back();
 }
 
 } // namespace
@@ -83,6 +103,21 @@ std::string Hex(uint32_t value) {
     char text[16];
     std::snprintf(text, sizeof text, "0x%X", static_cast<unsigned>(value));
     return text;
+}
+
+std::string DidYouMean(std::string_view name, const std::vector<std::string>& names,
+                       const std::string& otherwise) {
+    constexpr size_t kLongest = 64; // a longer one is no slip of the hand
+    const std::string* nearest = nullptr;
+    size_t least = name.size() <= kLongest ? std::min<size_t>(name.size() / 3, 3) + 1 : 0;
+    for (const std::string& candidate : names) {
+        const size_t distance = least > 0 ? Distance(name, candidate) : 0;
+        if (distance >= least) continue;
+        least = distance;
+        nearest = &candidate;
+    }
+    if (nearest != nullptr) return "; did you mean \"" + *nearest + "\"?";
+    return otherwise.empty() ? "" : "; " + otherwise;
 }
 
 std::string YesNo(bool value) {

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace etmhost {
 
@@ -36,6 +37,11 @@ std::string Quote(const std::string& text);
 
 /// Returns "0x" and the hexadecimal digits of `value`.
 std::string Hex(uint32_t value);
+
+/// Returns what to say behind an unknown `name`: "; did you mean "NEAR"?" with the one of `names`
+/// that differs least, by no more than a few letters; else "; " and `otherwise`, if there is that.
+std::string DidYouMean(std::string_view name, const std::vector<std::string>& names,
+                       const std::string& otherwise = {});
 
 /// Returns "yes" or "no".
 std::string YesNo(bool value);

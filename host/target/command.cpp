@@ -17,8 +17,28 @@ std::string Quoted(std::string_view text) {
     return "\"" + Escape(text) + "\"";
 }
 
-Refusal UnknownCommand(std::string_view text) {
-    return text.empty() ? "Empty command" : "Unknown command: " + Escape(text);
+enum class Where {
+    Command, // of its own
+    Board,   // in a board file
+    Both,    // in a board file behind "trace"
+};
+
+// Returns what follows `literal` in `text`, if that begins so: word by word, blanks between them
+// and around "=" do not matter.
+std::optional<std::string_view> Behind(std::string_view literal, std::string_view text) {
+    while (!literal.empty()) {
+        const bool equals = literal.front() == '=';
+        if (equals && (text.empty() || text.front() != '=')) return std::nullopt;
+        if (equals) {
+            literal.remove_prefix(1);
+            text = SkipBlanks(text.substr(1));
+            continue;
+        }
+        const std::string_view word = TakeWord(literal, "=");
+        if (!EqualNoCase(word, TakeWord(text, literal.starts_with('=') ? "=" : "")))
+            return std::nullopt;
+    }
+    return text;
 }
 
 // Refuses what stands behind a command that takes nothing more.
@@ -28,25 +48,149 @@ Refusal ExpectEnd(std::string_view rest) {
 
 } // namespace
 
+struct CommandLanguage::Row {
+    Where where;
+    const char* words;     // what a command begins with
+    const char* arguments; // what stands behind; empty: nothing may
+    const char* meaning;   // for people; null: this row tells what is wrong
+    Refusal (*run)(CommandLanguage& self, std::string_view rest, std::ostream* stream);
+
+    std::string Text() const {
+        const std::string text = words;
+        return text + (*arguments == '\0' || text.ends_with('=') ? "" : " ") + arguments;
+    }
+};
+
+std::span<const CommandLanguage::Row> CommandLanguage::Rows() {
+    using Self = CommandLanguage;
+    using Text = std::string_view;
+    using Stream = std::ostream*;
+    using enum Where;
+    static constexpr Row kRows[] = {
+        {Command, "enable", "", "switch trace on",
+         [](Self& self, Text, Stream) { return self.m_Target.Enable(true); }},
+        {Command, "disable", "", "switch trace off",
+         [](Self& self, Text, Stream) { return self.m_Target.Enable(false); }},
+        {Command, "start", "", "start a capture",
+         [](Self& self, Text, Stream) { return self.m_Target.Start(); }},
+        {Command, "stop", "", "stop it",
+         [](Self& self, Text, Stream) { return self.m_Target.Stop(); }},
+        {Command, "trigger force", "", "have the trigger occur now",
+         [](Self& self, Text, Stream) { return self.m_Target.ForceTrigger(); }},
+        {Command, "capability", "", "report what the ETM has",
+         [](Self& self, Text, Stream stream) { return self.Capability(stream); }},
+        {Command, "macro", "FILE|/startup|/none",
+         "prepare the board: by a board file; by the means of the debug server; not at all",
+         [](Self& self, Text value, Stream) { return self.Macro(value); }},
+        {Both, "etm pc=none", "", "trace no instructions",
+         [](Self& self, Text, Stream) { return self.m_Target.TracePc(PcTrace::None); }},
+        {Both, "etm pc=all", "", "trace all instructions",
+         [](Self& self, Text, Stream) { return self.m_Target.TracePc(PcTrace::All); }},
+        {Both, "etm pc=start", "ADDRESS", "trace instructions once this one was reached",
+         [](Self& self, Text text, Stream) { return self.PcAt(&Target::StartPcAt, text); }},
+        {Both, "etm pc=stop", "ADDRESS", "until this one is reached",
+         [](Self& self, Text text, Stream) { return self.PcAt(&Target::StopPcAt, text); }},
+        {Both, "etm pc=from", "ADDRESS", "trace a range of instructions: its first address",
+         [](Self& self, Text text, Stream) { return self.PcEnd(&Target::TracePcFrom, text); }},
+        {Both, "etm pc=to", "ADDRESS", "and its last; each end waits for the other",
+         [](Self& self, Text text, Stream) { return self.PcEnd(&Target::TracePcTo, text); }},
+        {Both, "etm pc=", "", nullptr,
+         [](Self&, Text text, Stream) {
+             return Refusal("Unknown PC trace mode " + Quoted(TakeWord(text)));
+         }},
+        {Both, "etm complex", "", "leave PC trace as others have programmed it",
+         [](Self& self, Text, Stream) { return self.m_Target.TracePc(PcTrace::Complex); }},
+        {Both, "etm data=none", "", "trace no data",
+         [](Self& self, Text, Stream) { return self.Data(DataTrace::None); }},
+        {Both, "etm data=addr", "", "trace the addresses of data",
+         [](Self& self, Text, Stream) { return self.Data(DataTrace::Addresses); }},
+        {Both, "etm data=value", "", "trace the values of data",
+         [](Self& self, Text, Stream) { return self.Data(DataTrace::Values); }},
+        {Both, "etm data=all", "", "trace both",
+         [](Self& self, Text, Stream) { return self.Data(DataTrace::All); }},
+        {Both, "etm data=from", "ADDRESS", "trace a range of data: its first address",
+         [](Self& self, Text text, Stream) { return self.DataEnd(&Target::TraceDataFrom, text); }},
+        {Both, "etm data=to", "ADDRESS", "and its last; each end waits for the other",
+         [](Self& self, Text text, Stream) { return self.DataEnd(&Target::TraceDataTo, text); }},
+        {Both, "etm data=", "", nullptr,
+         [](Self&, Text text, Stream) {
+             return Refusal("Unknown data trace mode " + Quoted(TakeWord(text)));
+         }},
+        {Both, "etm trigger", "ADDRESS", "have the trigger occur at this address",
+         [](Self& self, Text text, Stream) { return self.Trigger(text); }},
+        {Both, "etm portsize=", "BITS", "set the width of the trace port",
+         [](Self& self, Text text, Stream) { return self.PortSize(Trim(text)); }},
+        {Both, "etm halfrate=on", "", "clock the trace port at half the rate",
+         [](Self& self, Text, Stream) { return self.m_Target.SetHalfRate(true); }},
+        {Both, "etm halfrate=off", "", "clock it at the full rate",
+         [](Self& self, Text, Stream) { return self.m_Target.SetHalfRate(false); }},
+        {Both, "etm halfrate=", "", nullptr,
+         [](Self&, Text text, Stream) {
+             return Refusal("\"on\" or \"off\" expected, not " + Quoted(Trim(text)));
+         }},
+        {Command, "dwt", "N ADDRESS|off", "set DWT comparator N of a Cortex-M; free it",
+         [](Self& self, Text text, Stream) { return self.Dwt(text); }},
+        {Board, "trace clear", "", "forget what was captured",
+         [](Self& self, Text, Stream) { return self.m_Target.ClearBuffer(); }},
+        {Board, "trace enable", "", "the trace pins are switched on",
+         [](Self& self, Text, Stream) {
+             self.m_Target.state.pinsReady = true;
+             return Refusal();
+         }},
+        {Board, "trace update", "", "take the settings over; they already are",
+         [](Self&, Text, Stream) { return Refusal(); }},
+        {Board, "mem_init", "N", "initialize the board's memory",
+         [](Self& self, Text text, Stream) { return self.InitMemory(text); }},
+        {Board, "mem_write", "ADDRESS VALUE", "write a word of 32 bits",
+         [](Self& self, Text text, Stream) { return self.WriteMemory(text); }},
+    };
+    return kRows;
+}
+
+std::vector<CommandForm> CommandForms() {
+    std::vector<CommandForm> forms;
+    for (const CommandLanguage::Row& row : CommandLanguage::Rows())
+        if (row.where != Where::Board && row.meaning != nullptr)
+            forms.push_back({row.Text(), row.meaning});
+    return forms;
+}
+
+std::vector<CommandForm> BoardForms() {
+    std::vector<CommandForm> forms;
+    for (const CommandLanguage::Row& row : CommandLanguage::Rows())
+        if (row.where == Where::Board) forms.push_back({row.Text(), row.meaning});
+    return forms;
+}
+
 Refusal CommandLanguage::Execute(std::string_view text, std::ostream* stream) {
-    std::string_view rest = text;
-    const std::string_view word = TakeWord(rest);
-    if (EqualNoCase(word, "etm")) return Etm(rest);
-    if (EqualNoCase(word, "macro")) return Macro(rest);
-    if (EqualNoCase(word, "capability") && rest.empty()) {
-        if (stream == nullptr) return "capability needs a stream to write to";
-        *stream << CapabilityReport(m_Target.etm()) << '\0';
-        return {};
+    return Run(SkipBlanks(text), false, stream);
+}
+
+Refusal CommandLanguage::Run(std::string_view text, bool inBoardFile, std::ostream* stream) {
+    for (const Row& row : Rows()) {
+        if (row.where == (inBoardFile ? Where::Command : Where::Board)) continue;
+        const bool prefixed = inBoardFile && row.where == Where::Both;
+        const auto inner = prefixed ? Behind("trace", text) : std::optional(text);
+        const auto rest = inner ? Behind(row.words, *inner) : std::nullopt;
+        if (!rest) continue;
+        if (*row.arguments == '\0' && row.meaning != nullptr)
+            if (const Refusal refusal = ExpectEnd(*rest)) return refusal;
+        return row.run(*this, *rest, stream);
     }
     const std::string_view line = Trim(text);
-    if (EqualNoCase(line, "start")) return m_Target.Start();
-    if (EqualNoCase(line, "stop")) return m_Target.Stop();
-    if (EqualNoCase(word, "trigger") && EqualNoCase(Trim(rest), "force"))
-        return m_Target.ForceTrigger();
-    if (EqualNoCase(line, "enable")) return m_Target.Enable(true);
-    if (EqualNoCase(line, "disable")) return m_Target.Enable(false);
-    if (EqualNoCase(word, "dwt")) return Dwt(rest);
-    return UnknownCommand(line);
+    if (line.empty()) return "Empty command";
+    std::vector<std::string> known;
+    for (const Row& row : Rows())
+        if (row.meaning != nullptr && row.where != (inBoardFile ? Where::Command : Where::Board))
+            known.push_back((inBoardFile && row.where == Where::Both ? "trace " : "") +
+                            std::string(row.words));
+    return "Unknown command: " + Escape(line) + DidYouMean(line, known);
+}
+
+Refusal CommandLanguage::Capability(std::ostream* stream) {
+    if (stream == nullptr) return "capability needs a stream to write to";
+    *stream << CapabilityReport(m_Target.etm()) << '\0';
+    return {};
 }
 
 Refusal CommandLanguage::Macro(std::string_view value) {
@@ -56,103 +200,58 @@ Refusal CommandLanguage::Macro(std::string_view value) {
     state.macro = value;
     if (EqualNoCase(value, ORN_BOARD_NONE)) return {};
     if (EqualNoCase(value, ORN_BOARD_STARTUP)) return m_Target.PreparePins();
-    return RunBoardFile(
-        state.macro, [this](int number, std::string_view line) { return BoardLine(number, line); });
+    return RunBoardFile(state.macro, [this](int number, std::string_view line) {
+        m_BoardLine = number;
+        return Run(line, true, nullptr);
+    });
 }
 
-Refusal CommandLanguage::BoardLine(int number, std::string_view line) {
-    std::string_view rest = line;
-    const std::string_view word = TakeWord(rest);
-    if (EqualNoCase(word, "trace")) {
-        std::string_view behind = rest;
-        const std::string_view verb = TakeWord(behind);
-        if (EqualNoCase(verb, "etm")) return Etm(behind);
-        if (EqualNoCase(rest, "clear")) return m_Target.ClearBuffer();
-        if (EqualNoCase(rest, "enable")) {
-            m_Target.state.pinsReady = true;
-            return {};
-        }
-        if (EqualNoCase(rest, "update")) return {}; // each setting is taken at once
-        return UnknownCommand(line);
-    }
-    Address first, second;
-    if (EqualNoCase(word, "mem_init")) {
-        if (const Refusal refusal = Parse(rest, first)) return refusal;
-        if (m_Target.IsSimulated()) return {};
-        return "mem_init: this host knows no memory of the board that it could initialize";
-    }
-    if (EqualNoCase(word, "mem_write")) {
-        if (const Refusal refusal = Parse(TakeWord(rest), first)) return refusal;
-        if (const Refusal refusal = Parse(rest, second)) return refusal;
-        if (!m_Target.IsSimulated()) {
-            if (first.value % 4 != 0) return "Address " + Hex(first.value) + " is no multiple of 4";
-            m_Target.TellPerson("line " + std::to_string(number) + ": writing " +
-                                Hex(second.value) + " to " + Hex(first.value));
-        }
-        return m_Target.WriteMemory(first.value, second.value);
-    }
-    return UnknownCommand(line);
+Refusal CommandLanguage::InitMemory(std::string_view text) {
+    Address number;
+    if (const Refusal refusal = Parse(text, number)) return refusal;
+    if (m_Target.IsSimulated()) return {};
+    return "mem_init: this host knows no memory of the board that it could initialize";
 }
 
-Refusal CommandLanguage::Etm(std::string_view text) {
-    std::string_view rest = text;
-    const std::string_view key = TakeWord(rest, "=");
-    if (EqualNoCase(key, "trigger")) return Trigger(rest);
-    if (EqualNoCase(key, "complex")) {
-        if (const Refusal refusal = ExpectEnd(rest)) return refusal;
-        return m_Target.TracePc(PcTrace::Complex);
+Refusal CommandLanguage::WriteMemory(std::string_view text) {
+    Address address, value;
+    if (const Refusal refusal = Parse(TakeWord(text), address)) return refusal;
+    if (const Refusal refusal = Parse(text, value)) return refusal;
+    if (!m_Target.IsSimulated()) {
+        if (address.value % 4 != 0) return "Address " + Hex(address.value) + " is no multiple of 4";
+        m_Target.TellPerson("line " + std::to_string(m_BoardLine) + ": writing " +
+                            Hex(value.value) + " to " + Hex(address.value));
     }
-    if (rest.empty() || rest.front() != '=') return UnknownCommand("etm " + std::string(text));
-    rest.remove_prefix(1);
-    const std::string_view value = Trim(rest);
-    const std::string_view word = TakeWord(rest);
-    if (EqualNoCase(key, "pc")) return Pc(word, rest);
-    if (EqualNoCase(key, "data")) return Data(word, rest);
-    if (EqualNoCase(key, "portsize")) return PortSize(value);
-    if (EqualNoCase(key, "halfrate")) return HalfRate(value);
-    return UnknownCommand("etm " + std::string(text));
+    return m_Target.WriteMemory(address.value, value.value);
 }
 
-Refusal CommandLanguage::Pc(std::string_view word, std::string_view text) {
-    if (EqualNoCase(word, "none") || EqualNoCase(word, "all")) {
-        if (const Refusal refusal = ExpectEnd(text)) return refusal;
-        return m_Target.TracePc(EqualNoCase(word, "all") ? PcTrace::All : PcTrace::None);
-    }
-    const bool start = EqualNoCase(word, "start");
-    const bool from = EqualNoCase(word, "from");
-    const bool range = from || EqualNoCase(word, "to");
-    if (!start && !range && !EqualNoCase(word, "stop"))
-        return "Unknown PC trace mode " + Quoted(word);
-    const EtmResources& etm = m_Target.etm();
-    if (range ? etm.addressPairs == 0 : !etm.startStop)
-        return "This chip cannot limit PC trace by addresses";
+Refusal CommandLanguage::PcAt(Refusal (Target::*set)(const Address&), std::string_view text) {
+    if (!m_Target.etm().startStop) return "This chip cannot limit PC trace by addresses";
     Address address;
     if (const Refusal refusal =
-            etm.TakesIndexes() && !range ? ParseComparator(text, address) : Parse(text, address))
+            m_Target.etm().TakesIndexes() ? ParseComparator(text, address) : Parse(text, address))
         return refusal;
-    return start    ? m_Target.StartPcAt(address)
-           : !range ? m_Target.StopPcAt(address)
-           : from   ? m_Target.TracePcFrom(address)
-                    : m_Target.TracePcTo(address);
+    return (m_Target.*set)(address);
 }
 
-Refusal CommandLanguage::Data(std::string_view word, std::string_view text) {
-    constexpr DataTrace kKinds[] = {DataTrace::None, DataTrace::Addresses, DataTrace::Values,
-                                    DataTrace::All};
-    for (const DataTrace kind : kKinds) {
-        if (!EqualNoCase(word, DataTraceName(kind))) continue;
-        if (const Refusal refusal = ExpectEnd(text)) return refusal;
-        if (kind != DataTrace::None && !m_Target.etm().HasData())
-            return "This chip has no data trace";
-        return m_Target.TraceData(kind);
-    }
-    const bool from = EqualNoCase(word, "from");
-    if (!from && !EqualNoCase(word, "to")) return "Unknown data trace mode " + Quoted(word);
+Refusal CommandLanguage::PcEnd(Refusal (Target::*set)(const Address&), std::string_view text) {
+    if (m_Target.etm().addressPairs == 0) return "This chip cannot limit PC trace by addresses";
+    Address address;
+    if (const Refusal refusal = Parse(text, address)) return refusal;
+    return (m_Target.*set)(address);
+}
+
+Refusal CommandLanguage::Data(DataTrace kind) {
+    if (kind != DataTrace::None && !m_Target.etm().HasData()) return "This chip has no data trace";
+    return m_Target.TraceData(kind);
+}
+
+Refusal CommandLanguage::DataEnd(Refusal (Target::*set)(const Address&), std::string_view text) {
     if (m_Target.etm().addressPairs == 0)
         return "This chip has no address comparators for a data range";
     Address address;
     if (const Refusal refusal = Parse(text, address)) return refusal;
-    return from ? m_Target.TraceDataFrom(address) : m_Target.TraceDataTo(address);
+    return (m_Target.*set)(address);
 }
 
 Refusal CommandLanguage::Trigger(std::string_view text) {
@@ -172,13 +271,6 @@ Refusal CommandLanguage::PortSize(std::string_view value) {
     const auto [last, error] = std::from_chars(value.data(), end, size);
     if (error != std::errc() || last != end) return "Port size expected, not " + Quoted(value);
     return m_Target.SetPortSize(size);
-}
-
-Refusal CommandLanguage::HalfRate(std::string_view value) {
-    const bool on = EqualNoCase(value, "on");
-    if (!on && !EqualNoCase(value, "off"))
-        return "\"on\" or \"off\" expected, not " + Quoted(value);
-    return m_Target.SetHalfRate(on);
 }
 
 Refusal CommandLanguage::Dwt(std::string_view text) {

@@ -3,8 +3,10 @@
 #pragma once
 
 #include <iosfwd>
+#include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "host/support/refusal.h"
 #include "host/target/expression.h"
@@ -12,29 +14,27 @@
 
 namespace etmhost {
 
-/// Carries out commands on a target. Words count in any case.
-///
-///   start, stop, trigger force         capture
-///   enable, disable                    trace
-///   capability                         writes the capability report
-///   macro /none | /startup | FILE      prepares the board; FILE is run line by line
-///   etm pc=none|all|start A|stop A|from A|to A
-///   etm complex
-///   etm data=none|addr|value|all|from A|to A
-///   etm trigger A
-///   etm portsize=BITS
-///   etm halfrate=on|off
-///   dwt N A, dwt N off                 sets comparator N of a Cortex-M to address A; frees it
+/// A form of command, for people.
+struct CommandForm {
+    std::string text;    ///< "etm pc=start ADDRESS": small letters stand as they are
+    const char* meaning; ///< a few words
+};
+
+/// Returns what the language has, and what it has in a line of a board file alone. There each
+/// command that begins with "etm" may stand behind "trace" too.
+std::vector<CommandForm> CommandForms();
+std::vector<CommandForm> BoardForms();
+
+/// Carries out commands on a target. Words count in any case. The table in command.cpp is all that
+/// it knows, and what CommandForms lists.
 ///
 /// Each acts at once, but for one end of a range: it waits for the other. On a chip whose ETM has
 /// no address comparators "start", "stop" and "trigger" take the number of a DWT comparator. Where
 /// the PC trace needs comparators that a range of data has, that range is given up.
 ///
-/// A line of a board file is empty, a comment behind ";", a general command ("mem_init N" or
-/// "mem_write A V") or "trace" followed by "clear" (the buffer), "enable" (the trace pins),
-/// "update" or an "etm" command. The board of a simulated chip has no memory: there the two general
-/// commands check their arguments only. On a real one "mem_write" writes a word of 32 bits, and
-/// says so.
+/// A line of a board file is empty, a comment behind ";", or a command as BoardForms tells. The
+/// board of a simulated chip has no memory: there the commands for memory check their arguments
+/// only. On a real one "mem_write" writes a word of 32 bits, and says so.
 class CommandLanguage {
 public:
     /// `target` and `symbols` must outlive the object.
@@ -45,21 +45,29 @@ public:
     /// other commands leave it alone, and "capability" is refused without one.
     Refusal Execute(std::string_view text, std::ostream* stream);
 
+    /// A row of the table.
+    struct Row;
+    static std::span<const Row> Rows();
+
 private:
+    Refusal Run(std::string_view text, bool inBoardFile, std::ostream* stream);
     Refusal Macro(std::string_view value);
-    Refusal BoardLine(int number, std::string_view line);
-    Refusal Etm(std::string_view text);
-    Refusal Pc(std::string_view word, std::string_view address);
-    Refusal Data(std::string_view word, std::string_view address);
+    Refusal Capability(std::ostream* stream);
+    Refusal PcAt(Refusal (Target::*set)(const Address&), std::string_view address);
+    Refusal PcEnd(Refusal (Target::*set)(const Address&), std::string_view address);
+    Refusal Data(DataTrace kind);
+    Refusal DataEnd(Refusal (Target::*set)(const Address&), std::string_view address);
     Refusal Trigger(std::string_view address);
     Refusal PortSize(std::string_view value);
-    Refusal HalfRate(std::string_view value);
     Refusal Dwt(std::string_view text);
+    Refusal InitMemory(std::string_view text);
+    Refusal WriteMemory(std::string_view text);
     Refusal Parse(std::string_view text, Address& address) const;
     Refusal ParseComparator(std::string_view text, Address& address) const;
 
     Target& m_Target;
     const Symbols& m_Symbols;
+    int m_BoardLine = 0; // the number of the line that runs
 };
 
 } // namespace etmhost

@@ -86,6 +86,8 @@ TEST(Command, RefusalsLeaveTheTargetAlone) {
         {"arm7", "etm pc", "Unknown command: etm pc"},
         {"arm7", "capability", "capability needs a stream to write to"},
         {"arm7", "etm pc=all 5", "Unexpected text: 5"},
+        {"arm7", "stat", "Unknown command: stat; did you mean \"start\"?"},
+        {"arm7", "etm halfrate=of", "\"on\" or \"off\" expected, not \"of\""},
         {"arm7", "etm pc=to 1.5", "Bad address: invalid number \"1.5\""},
         {"arm7", "etm portsize=16", "This chip has no trace port of 16 bits"},
         {"arm7", "etm portsize=99999999999", "Port size expected, not \"99999999999\""},
