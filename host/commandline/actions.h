@@ -4,6 +4,7 @@
 
 #include <iosfwd>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "host/module/module_session.h"
@@ -20,11 +21,24 @@ enum Status : int {
     kBadInput = 2, ///< there was nothing to work with
 };
 
+/// What they mean, for people.
+inline constexpr std::pair<Status, const char*> kStatusMeanings[] = {
+    {kDone, "Everything was done"},
+    {kFailed, "The target refused something, the module failed, or a script did not find what it "
+              "expects; standard error tells which"},
+    {kBadInput, "There was nothing to work with: the command line, a file, the connection or the "
+                "output is no good; standard error tells why"},
+};
+
 /// Lists the chips.
 Status ShowChips(std::ostream& out);
 
 /// Prints what the host's target is and holds.
 Status ShowTarget(SimulatedHost& host, std::ostream& out);
+
+/// The same for programs, as JSON. Bytes that are no UTF-8 become U+FFFD.
+Status ShowChipsJson(std::ostream& out);
+Status ShowTargetJson(SimulatedHost& host, std::ostream& out);
 
 /// Carries out `commands` in order, and prints those that were. A refused one is a matter of the
 /// host's journal.

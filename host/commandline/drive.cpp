@@ -57,7 +57,8 @@ std::filesystem::path ToPath(const std::string& text) {
 std::string ReadText(std::istream& in, const std::string& name) {
     std::string text(kLongestScript + 1, '\0');
     in.read(text.data(), static_cast<std::streamsize>(text.size()));
-    if (in.bad() || (in.fail() && !in.eof())) throw HostError("cannot read the script " + name);
+    if (in.bad() || (in.fail() && !in.eof()))
+        throw HostError("cannot read script \"" + name + "\"");
     text.resize(static_cast<size_t>(in.gcount()));
     return text;
 }
@@ -77,7 +78,7 @@ std::optional<Script> ReadScript(const std::string& file, std::ostream& errors) 
         text = ReadText(std::cin, file);
     } else {
         std::ifstream in(ToPath(file), std::ios::binary);
-        if (!in) throw HostError("cannot read the script " + file);
+        if (!in) throw HostError("cannot read script \"" + file + "\"");
         text = ReadText(in, file);
     }
     Script script = ParseScript(file, text);

@@ -1,15 +1,17 @@
 // etmhost: a debugger host with simulated and real chips, to set up trace and to develop and try
 // the module against.
 
-#include <CLI/CLI.hpp>
+#include <algorithm>
 #include <iostream>
 #include <optional>
 
+#include "host/commandline/parser.h"
 #include "host/commandline/remote.h"
 #include "host/commandline/screen.h"
 #include "host/commandline/state_file.h"
 #include "host/drive/windows.h"
 #include "host/support/host_error.h"
+#include "host/support/words.h"
 #include "host/target/symbols.h"
 
 namespace etmhost {
@@ -31,6 +33,9 @@ struct Options {
     DriveOptions drive;
     bool dark = false;
     bool journal = false;
+    bool json = false;
+    std::string topic; // of help
+    std::string form;  // of the manual
 };
 
 std::filesystem::path ToPath(const std::string& text) {
@@ -67,6 +72,22 @@ Status RunWithModule(const std::string& command, const Options& options,
     return OpenDialog(session, host, std::cerr);
 }
 
+std::vector<std::string> ChipNames() {
+    std::vector<std::string> names;
+    for (const Chip& chip : Chips()) names.push_back(chip.name);
+    return names;
+}
+
+void CheckDirectory(const std::string& directory) {
+    if (directory.empty()) return; // the module's
+    const std::filesystem::path path = ToPath(directory);
+    std::error_code error;
+    if (!std::filesystem::is_directory(path, error))
+        throw HostError("there is no directory \"" + directory + "\"");
+    if (std::filesystem::directory_iterator(path, error); error)
+        throw HostError("cannot read directory \"" + directory + "\"");
+}
+
 std::unique_ptr<SimulatedHost> MakeHost(const Options& options, const Journal& journal) {
     Symbols symbols = options.symbols.empty() ? Symbols() : ReadSymbols(ToPath(options.symbols));
     if (options.isRemote)
@@ -74,14 +95,16 @@ std::unique_ptr<SimulatedHost> MakeHost(const Options& options, const Journal& j
                               std::cerr);
     const Chip* chip = FindChip(options.chip);
     if (chip == nullptr) {
-        throw HostError("there is no chip \"" + options.chip +
-                        "\"; \"etmhost chips\" lists those there are");
+        throw HostError(
+            "there is no chip \"" + options.chip + "\"" +
+            DidYouMean(options.chip, ChipNames(), "\"etmhost chips\" lists those there are"));
     }
     return std::make_unique<SimulatedHost>(*chip, std::move(symbols), journal);
 }
 
 Status Run(const std::string& command, const Options& options) {
-    if (command == "chips") return ShowChips(std::cout);
+    if (command == "chips") return options.json ? ShowChipsJson(std::cout) : ShowChips(std::cout);
+    CheckDirectory(options.directory);
     if (command == "serve" && options.isRemote)
         throw HostError("a chip behind a debug server cannot be served; --chip chooses one");
     std::optional<Script> script;
@@ -111,7 +134,8 @@ Status Run(const std::string& command, const Options& options) {
             }
         };
     }
-    if (command == "show") return ShowTarget(host, std::cout);
+    if (command == "show")
+        return options.json ? ShowTargetJson(host, std::cout) : ShowTarget(host, std::cout);
     if (command == "serve")
         return ServeChip(host, *FindChip(options.chip), options.port, options.once, std::cout);
     Status status = kDone;
@@ -125,24 +149,37 @@ Status Run(const std::string& command, const Options& options) {
     return status == kDone && !host.target.lost().empty() ? kFailed : status;
 }
 
+std::string Version() {
+    constexpr std::pair<const char*, int32_t> kInterfaces[] = {
+        {"IOrnAPIBase", ORN_API_BASE_VERSION},
+        {"IOrnKVETMCtrl", ORN_KVETM_CTRL_VERSION},
+        {"IOrnKVETMSupp", ORN_KVETM_SUPP_VERSION},
+    };
+    std::string version = std::string(kProgram) + " " ETMHOST_VERSION "\ninterfaces:";
+    for (const auto& [name, number] : kInterfaces)
+        version +=
+            std::string(version.ends_with(':') ? " " : ", ") + name + " " + std::to_string(number);
+    return version;
+}
+
 void DescribeDrive(CLI::App* drive, CLI::App* tour, DriveOptions& options) {
     drive
         ->add_option("SCRIPT", options.script,
                      "A file with one step on each line, such as 'click \"Start\"', 'type 1018 "
                      "\"0x1000\"', 'expect enabled apply', 'ok'; -: the standard input")
         ->required()
-        ->type_name("");
+        ->type_name("FILE");
     drive->add_flag("--off-screen", options.offScreen,
                     "Show no windows, also where there is a screen");
     drive->add_option("--pictures", options.pictures, "Receives the pictures; made if missing")
         ->type_name("DIR");
     tour->add_option("DIR", options.pictures, "Receives the pictures; made if missing")
         ->required()
-        ->type_name("");
+        ->type_name("DIR");
     tour->parse_complete_callback([&options] { options.offScreen = true; });
     for (CLI::App* command : {drive, tour}) {
-        command->add_option("--font", options.font, "In the font NAME")->type_name("NAME");
-        command->add_option("--scale", options.scale, "At FACTOR times the size")
+        command->add_option("--font", options.font, "In the font FONT")->type_name("FONT");
+        command->add_option("--scale", options.scale, "At FACTOR times the size, 0.5 to 4")
             ->type_name("FACTOR")
             ->check(CLI::Range(0.5, 4.0));
     }
@@ -150,10 +187,13 @@ void DescribeDrive(CLI::App* drive, CLI::App* tour, DriveOptions& options) {
 
 void Describe(CLI::App& app, Options& options) {
     app.require_subcommand(1);
-    app.option_defaults()->always_capture_default();
-    CLI::Option* chip =
-        app.add_option("--chip", options.chip, "The chip to simulate")->type_name("NAME");
-    app.option_defaults()->always_capture_default(false);
+    app.option_defaults()->disable_flag_override(); // "--dark=5" says nothing
+    app.set_help_flag("-h,--help", "Print this help");
+    app.set_version_flag("--version", Version, "Print the version");
+    CLI::Option* chip = app.add_option("--chip", options.chip,
+                                       "The chip to simulate, " + options.chip +
+                                           " if none is named; \"etmhost chips\" lists them")
+                            ->type_name("CHIP");
     CLI::Option* remote =
         app.add_option("--remote", options.remote,
                        "A real chip in place of a simulated one: openocd:[HOST:]PORT, the Tcl port "
@@ -184,12 +224,15 @@ void Describe(CLI::App& app, Options& options) {
         sub->fallthrough(); // the options above may stand behind the command too
         return sub;
     };
-    command("chips", "List the chips");
-    command("show", "Print what the target is and holds");
+    for (CLI::App* sub : {command("chips", "List the chips"),
+                          command("show", "Print what the target is and holds")})
+        sub->add_flag("--json", options.json,
+                      "As JSON, for programs; docs/etmhost.md has the keys");
     command("run", "Carry out commands of the host's language on the target")
-        ->add_option("COMMAND", options.commands, "Commands such as 'etm pc=all'")
+        ->add_option("COMMAND", options.commands,
+                     "Commands such as 'etm pc=all', each an argument of its own")
         ->required()
-        ->type_name("");
+        ->type_name("LANGUAGE");
     command("open", "Show the dialog");
     CLI::App* serve = command(
         "serve", "Offer the simulated chip to OpenOCD, as an adapter of the kind remote_bitbang");
@@ -206,29 +249,76 @@ void Describe(CLI::App& app, Options& options) {
         command("tour",
                 "Go through the dialog off-screen, take pictures and print the conversation"),
         options.drive);
+    command("help", "Tell about a command")
+        ->add_option("COMMAND", options.topic, "The command; without one, about the program")
+        ->type_name("COMMANDS");
+    command("describe", "Print the manual page or the completion for bash")
+        ->group("") // for whoever installs the program
+        ->add_option("FORM", options.form, "man or bash")
+        ->required();
 }
 
-Status Main(int argc, char** argv) {
+// The values of the command line that are known when a completion is made.
+KnownValues Values() {
+    KnownValues values = {{"CHIP", ChipNames()},
+                          {"SERVER", {"openocd:", "gdb:"}},
+                          {"NAME=ADDRESS", {"rom=", "etm=", "tpiu=", "etb=", "dwt="}},
+                          {"LANGUAGE", {}}};
+    std::vector<std::string>& commands = values.back().second;
+    for (const CommandForm& form : CommandForms())
+        commands.push_back(
+            form.text.substr(0, form.text.find_first_of("ABCDEFGHIJKLMNOPQRSTUVWXYZ")));
+    return values;
+}
+
+Status Help(const CLI::App& app, const std::string& command) {
+    const size_t width = std::clamp<size_t>(TerminalWidth() > 0 ? TerminalWidth() : 80, 40, 100);
+    std::cout << HelpText(ManualOf(app, ETMHOST_VERSION), command, width);
+    return kDone;
+}
+
+Status PrintManual(const CLI::App& app, const std::string& form) {
+    const Manual manual = ManualOf(app, ETMHOST_VERSION);
+    if (form != "man" && form != "bash")
+        throw HostError("describe: man or bash is expected, not \"" + form + "\"");
+    std::cout << (form == "man" ? ManualPage(manual) : BashCompletion(manual, Values()));
+    return kDone;
+}
+
+Status RunCommandLine(int argc, char** argv) {
     Options options;
     CLI::App app(
         "A debugger host with simulated and real chips, which loads and drives the trace module.",
-        "etmhost");
+        kProgram);
     Describe(app, options);
     try {
         app.parse(argc, argv);
-    } catch (const CLI::ParseError& error) {
-        if (app.get_subcommands().empty() && !app.remaining().empty()) {
-            const std::string first = app.remaining().front();
-            throw HostError("there is no " + std::string(first[0] == '-' ? "option" : "command") +
-                            " \"" + first + "\"; \"etmhost --help\" lists those there are");
-        }
-        if (error.get_exit_code() != 0) throw HostError(error.what());
-        app.exit(error); // help was asked for
+    } catch (const CLI::CallForVersion& version) {
+        std::cout << version.what() << '\n';
         return kDone;
+    } catch (const CLI::CallForHelp&) {
+        const std::vector<CLI::App*> commands = app.get_subcommands();
+        return Help(app, commands.empty() ? "" : commands.front()->get_name());
+    } catch (const CLI::ParseError& error) {
+        throw HostError(Explain(app, error));
     }
-    const Status status = Run(app.get_subcommands().front()->get_name(), options);
+    // As an unset variable of a shell gives it: nobody means that.
+    if (const std::string empty = EmptyValue(app); !empty.empty()) throw HostError(empty);
+    const std::string command = app.get_subcommands().front()->get_name();
+    if (command == "describe") return PrintManual(app, options.form);
+    if (command != "help") return Run(command, options);
+    const auto isTopic = [&](const CLI::App* sub) { return sub->get_name() == options.topic; };
+    if (!options.topic.empty() && std::ranges::none_of(app.get_subcommands({}), isTopic))
+        throw HostError(UnknownCommand(app, options.topic));
+    return Help(app, options.topic);
+}
+
+Status Main(int argc, char** argv) {
+    OutliveReaders();
+    const Status status = RunCommandLine(argc, argv);
     std::cout.flush();
-    if (!std::cout) throw HostError("cannot write to the standard output");
+    // Whoever reads a pipe may have read enough.
+    if (!std::cout && !OutputIsPipe()) throw HostError("cannot write to the standard output");
     return status;
 }
 

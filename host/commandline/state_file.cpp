@@ -177,8 +177,13 @@ void Merge(Json& file, const Json& base, const Json& own, bool isList = false) {
 template <class Read> auto Undamaged(const std::filesystem::path& file, Read read) {
     try {
         return read();
+    } catch (const Json::parse_error& error) {
+        throw HostError("state file \"" + PathText(file) + "\" is damaged: it is no JSON at byte " +
+                        std::to_string(error.byte));
     } catch (const std::exception& error) {
-        throw HostError("state file \"" + PathText(file) + "\" is damaged: " + error.what());
+        const std::string text = error.what(); // the JSON library puts a code in brackets ahead
+        throw HostError("state file \"" + PathText(file) + "\" is damaged: " +
+                        text.substr(text.starts_with('[') ? text.find("] ") + 2 : 0));
     }
 }
 

@@ -7,7 +7,7 @@
 namespace etmhost {
 
 void PrintRefusal(std::ostream& out, std::string_view command, std::string_view reasons) {
-    const std::string head = Escape(command) + ": ";
+    const std::string head = (command.empty() ? "\"\"" : Escape(command)) + ": ";
     std::string lines; // written at once, so that the lines of two programs do not mix
     size_t at = 0;
     do {

@@ -19,6 +19,16 @@ const char* LibraryExtension();
 std::optional<std::filesystem::path> NativePath(const std::string& text);
 std::string PathText(const std::filesystem::path& path);
 
+/// Returns how many characters a line of the terminal has that the standard output is; 0 if it is
+/// none.
+size_t TerminalWidth();
+
+/// Has writes to a pipe that nobody reads fail, where they would end the program.
+void OutliveReaders();
+
+/// Returns true iff the standard output is a pipe.
+bool OutputIsPipe();
+
 /// Renames `from` to `to`, in one step and in place of a file that is there. Returns whether that
 /// worked.
 bool MoveOver(const std::filesystem::path& from, const std::filesystem::path& to);

@@ -4,7 +4,10 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <nlohmann/json.hpp>
 #include <sstream>
+
+#include "host/commandline/actions.h"
 
 #include "testkit/TemporaryDirectory.h"
 
@@ -49,11 +52,26 @@ TEST_F(CommandLine, BadInputEndsWithStatus2AndAMessage) {
         std::string arguments;
         const char* message;
     } rows[] = {
-        {"dance", "there is no command \"dance\""},
-        {"tour", "required"},
-        {"show --chip z80", "there is no chip \"z80\""},
-        {"show --state " + text, "text\" is damaged: "},
+        {"", "a command is missing; \"etmhost open\" shows"},
+        {"dance", "there is no command \"dance\"; \"etmhost --help\" lists"},
+        {"opne", "there is no command \"opne\"; did you mean \"open\"?"},
+        {"help rnu", "there is no command \"rnu\"; did you mean \"run\"?"},
+        {"run --josn --", "there is no option \"--josn\"; "},
+        {"show --josn=1", "there is no option \"--josn\"; did you mean \"--json\"?"},
+        {"show all", "show: \"all\" is too much; \"etmhost show --help\" tells"},
+        {"tour", "tour needs a DIR; \"etmhost tour --help\" tells more"},
+        {"show --chip", "--chip: a CHIP is missing behind it"},
+        {"show --chip arm7 --chip arm7", "--chip is given 2 times; it takes one CHIP"},
+        {"show --dark=5", "--dark takes no value"},
+        {"show --base etm=1", "--base needs --remote"},
+        {"show --remote gdb:1 --chip arm7", "--chip cannot stand beside --remote"},
+        {"serve --port 65536", "--port: a NUMBER is expected, not \"65536\""},
+        {"show --state \"\"", "--state: a FILE is expected, not \"\""},
+        {"show --chip z80", "there is no chip \"z80\"; \"etmhost chips\" lists"},
+        {"show --chip cortex-m33", "there is no chip \"cortex-m33\"; did you mean \"cortex-m3\"?"},
+        {"show --state " + text, "text\" is damaged: it is no JSON at byte 2\n"},
         {"show --state " + here + "/no/state.json", "there is no such directory"},
+        {"init-board --directory " + here + "/no", "no\"\n"},
         {"show --symbols " + text, "symbol"},
         {"apply --module " + text, "cannot load the module"},
     };
@@ -65,6 +83,92 @@ TEST_F(CommandLine, BadInputEndsWithStatus2AndAMessage) {
         EXPECT_EQ(outcome.errors.find('\n'), outcome.errors.size() - 1) << "one line";
     }
     EXPECT_EQ(directory.Read("text"), "no library");
+}
+
+TEST_F(CommandLine, HelpIsOneAndFitsTheScreen) {
+    const std::string whole = Run("--help").output;
+    EXPECT_EQ(Run("help").output, whole);
+    EXPECT_THAT(whole, AllOf(HasSubstr("\n  run  "), HasSubstr("\n  2  There was nothing")));
+    EXPECT_THAT(Run("--version").output, StartsWith("etmhost 1."));
+    for (const std::string command : {"chips", "show", "run", "open", "serve", "apply",
+                                      "init-board", "tour", "drive", "help"}) {
+        SCOPED_TRACE(command);
+        const std::string help = Run(command + " --help").output;
+        EXPECT_THAT(whole, HasSubstr("\n  " + command + " "));
+        EXPECT_EQ(Run("help " + command).output, help);
+        for (const CommandForm& form : command == "run" ? CommandForms() : BoardForms())
+            EXPECT_EQ(help.find("\n  " + form.text) != std::string::npos, command == "run");
+        std::istringstream lines(help + whole);
+        for (std::string line; std::getline(lines, line);) EXPECT_LE(line.size(), 80u) << line;
+    }
+}
+
+TEST_F(CommandLine, JsonHoldsWhateverTheTargetHolds) {
+    SimulatedHost host(*FindChip("cortex-m3"), {}, Journal());
+    host.settings["a \"b\""]["\n\xFF"] = "\xC3\xA4\x01\xFF";
+    host.trace.Command("etm pc=start 0", nullptr);
+    host.trace.Command("macro \xFF\\\"", nullptr);
+    std::ostringstream shown, chips;
+    ShowTargetJson(host, shown);
+    const auto json = nlohmann::json::parse(shown.str());
+    EXPECT_EQ(json["settings"]["a \"b\""].items().begin().value(), "\xC3\xA4\x01\xEF\xBF\xBD");
+    EXPECT_EQ(json["board"]["macro"], "\xEF\xBF\xBD\\\"");
+    EXPECT_EQ(json["trace"].dump(),
+              "{\"data\":\"none\",\"dataBegin\":null,\"dataEnd\":null,\"dataPending\":false,"
+              "\"halfRate\":false,\"pc\":\"startStop\",\"pcBegin\":\"0\",\"pcEnd\":null,"
+              "\"pcPending\":false,\"portSize\":4,\"trigger\":null}");
+    ShowChipsJson(chips);
+    EXPECT_EQ(nlohmann::json::parse(chips.str())[4], json["target"]);
+    EXPECT_EQ(Run("chips --json").output, chips.str());
+    EXPECT_EQ(nlohmann::json::parse(Run("show --json").output)["target"]["name"], "arm926");
+}
+
+// Each row is typed so far, as bash takes it apart; what it may be then stands behind what bash has
+// to do with it.
+TEST_F(CommandLine, BashCompletesIt) {
+    if (onWindows) GTEST_SKIP() << "there is no bash";
+    const std::string script = directory.Write(
+        "complete", "source <(\"$1\" describe bash); shift\n"
+                    "compopt() { echo \"$2\"; }; fc-list() { echo 'A Sans,A Sans Bold'; }\n"
+                    "COMP_WORDS=(etmhost \"$@\"); COMP_CWORD=$#; _etmhost\n"
+                    "for reply in \"${COMPREPLY[@]}\"; do echo \"$reply.\"; done\n");
+    const struct {
+        const char *typed, *replies;
+    } rows[] = {
+        {"op", "open.\n"},
+        {"--chip arm7 --dark sh", "show.\n"},
+        {"--chip cortex-m", "cortex-m3.\ncortex-m4.\ncortex-m4-etb.\n"},
+        {"show --chip = cortex-a", "cortex-a8.\n"},
+        {"run --chip = ARM", ""},
+        {"show --js", "--json.\n"},
+        {"open --js", ""},
+        {"help dr", "drive.\n"},
+        {"--remote g", "nospace\ngdb:.\n"},
+        {"--state ''", "default\n"},
+        {"drive --off-screen x", "default\n"},
+        {"init-board --directory ''", "dirnames\n"},
+        {"tour --scale 2 d", "dirnames\n"},
+        {"tour --font A", "filenames\nA Sans.\n"},
+        {"run start \"'etm pc=st\"", "filenames\netm pc=start .\netm pc=stop .\n"},
+        {"run 'etm\\ pc' = no", "none.\n"},
+        {"run 'etm\\ portsize' =", "nospace\n.\n"},
+    };
+    for (const auto& [typed, replies] : rows) {
+        const Outcome outcome = Run(typed, "bash \"" + script + "\" ");
+        EXPECT_EQ(outcome.output + outcome.errors, replies) << typed;
+    }
+}
+
+TEST_F(CommandLine, PagesAndPipes) {
+    if (onWindows) GTEST_SKIP() << "there is no shell";
+    const std::string script = directory.Write(
+        "script", "\"$1\" describe man | groff -man -ww -z -Tutf8 && \"$1\" describe man |"
+                  "grep -c '^.SS etmhost .*OPTIONS'\n"
+                  "\"$1\" chips >/dev/full; echo $?\n"
+                  "{ sleep 0.2; \"$1\" chips; echo $? >&2; } | true\n");
+    const Outcome outcome = Run("", "bash \"" + script + "\" ");
+    EXPECT_EQ(outcome.output, "10\n2\n") << "all commands; nothing could be written";
+    EXPECT_EQ(outcome.errors, "etmhost: cannot write to the standard output\n0\n");
 }
 
 TEST_F(CommandLine, StateSurvivesBetweenRuns) {
@@ -154,6 +258,11 @@ TEST_F(CommandLine, AScriptDrivesTheDialog) {
          "@:21: a control character\n"},
     };
     Run("run enable" + state);
+    if (!onWindows) {
+        directory.Write("script", "cancel");
+        EXPECT_EQ(Run("drive --off-screen --font \"Deja Sans\" \"" + file + "\"").errors,
+                  "etmhost: there is no font \"Deja Sans\"; did you mean \"DejaVu Sans\"?\n");
+    }
     for (const auto& [text, status, errors] : rows) {
         SCOPED_TRACE(text);
         directory.Write("script", text);
@@ -167,7 +276,7 @@ TEST_F(CommandLine, AScriptDrivesTheDialog) {
     }
     EXPECT_THAT(Run("show" + state).output, HasSubstr("ETM PC = from 0x10\n  ETM PC = to 0x20\n"));
     EXPECT_EQ(Run("drive \"" + file + ".no\"").errors,
-              "etmhost: cannot read the script " + file + ".no\n");
+              "etmhost: cannot read script \"" + file + ".no\"\n");
 }
 
 TEST_F(CommandLine, TourGoesThroughTheDialog) {

@@ -7,6 +7,7 @@
 #include <QPalette>
 
 #include "host/support/host_error.h"
+#include "host/support/words.h"
 
 namespace etmhost {
 
@@ -89,8 +90,14 @@ Screen PrepareDrivenScreen(const DriveOptions& options, bool dark) {
     const std::shared_ptr<QApplication> application = MakeApplication(dark);
     if (!options.font.empty()) {
         const QString font = QString::fromLocal8Bit(options.font.c_str());
-        if (!QFontDatabase::families().contains(font, Qt::CaseInsensitive))
-            throw HostError("there is no font \"" + options.font + "\"");
+        const QStringList families = QFontDatabase::families();
+        if (!families.contains(font, Qt::CaseInsensitive)) {
+            std::vector<std::string> names;
+            for (const QString& family : families)
+                names.push_back(family.toLocal8Bit().toStdString());
+            throw HostError("there is no font \"" + options.font + "\"" +
+                            DidYouMean(options.font, names));
+        }
         QFont chosen = QApplication::font();
         chosen.setFamilies({font});
         QApplication::setFont(chosen);

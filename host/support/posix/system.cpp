@@ -3,11 +3,13 @@
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <chrono>
+#include <csignal>
 #include <thread>
 
 #include "host/support/host_error.h"
@@ -30,6 +32,21 @@ std::optional<std::filesystem::path> NativePath(const std::string& text) {
 
 std::string PathText(const std::filesystem::path& path) {
     return path.string();
+}
+
+size_t TerminalWidth() {
+    winsize size{};
+    return ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 ? size.ws_col : 0;
+}
+
+void OutliveReaders() {
+    std::signal(SIGPIPE, SIG_IGN);
+}
+
+bool OutputIsPipe() {
+    struct stat output;
+    return fstat(STDOUT_FILENO, &output) == 0 &&
+           (S_ISFIFO(output.st_mode) || S_ISSOCK(output.st_mode));
 }
 
 bool MoveOver(const std::filesystem::path& from, const std::filesystem::path& to) {

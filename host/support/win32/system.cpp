@@ -42,6 +42,18 @@ std::string PathText(const std::filesystem::path& path) {
     return text;
 }
 
+size_t TerminalWidth() {
+    CONSOLE_SCREEN_BUFFER_INFO info{};
+    const BOOL known = GetConsoleScreenBufferInfo(GetStdHandle(STD_OUTPUT_HANDLE), &info);
+    return known ? static_cast<size_t>(info.srWindow.Right - info.srWindow.Left) + 1 : 0;
+}
+
+void OutliveReaders() {} // it is so
+
+bool OutputIsPipe() {
+    return GetFileType(GetStdHandle(STD_OUTPUT_HANDLE)) == FILE_TYPE_PIPE;
+}
+
 namespace {
 
 // How long an operation that failed with `error` is worth another try, in ms: long where somebody
