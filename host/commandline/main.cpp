@@ -83,9 +83,9 @@ void CheckDirectory(const std::string& directory) {
     const std::filesystem::path path = ToPath(directory);
     std::error_code error;
     if (!std::filesystem::is_directory(path, error))
-        throw HostError("there is no directory \"" + directory + "\"");
+        throw HostError("there is no directory \"" + Escape(directory) + "\"");
     if (std::filesystem::directory_iterator(path, error); error)
-        throw HostError("cannot read directory \"" + directory + "\"");
+        throw HostError("cannot read directory \"" + Escape(directory) + "\"");
 }
 
 std::unique_ptr<SimulatedHost> MakeHost(const Options& options, const Journal& journal) {
@@ -96,7 +96,7 @@ std::unique_ptr<SimulatedHost> MakeHost(const Options& options, const Journal& j
     const Chip* chip = FindChip(options.chip);
     if (chip == nullptr) {
         throw HostError(
-            "there is no chip \"" + options.chip + "\"" +
+            "there is no chip \"" + Escape(options.chip) + "\"" +
             DidYouMean(options.chip, ChipNames(), "\"etmhost chips\" lists those there are"));
     }
     return std::make_unique<SimulatedHost>(*chip, std::move(symbols), journal);
@@ -300,7 +300,7 @@ Status RunCommandLine(int argc, char** argv) {
         const std::vector<CLI::App*> commands = app.get_subcommands();
         return Help(app, commands.empty() ? "" : commands.front()->get_name());
     } catch (const CLI::ParseError& error) {
-        throw HostError(Explain(app, error));
+        throw HostError(Explain(app, error, {argv, argv + argc}));
     }
     // As an unset variable of a shell gives it: nobody means that.
     if (const std::string empty = EmptyValue(app); !empty.empty()) throw HostError(empty);

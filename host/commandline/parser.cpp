@@ -81,6 +81,11 @@ OptionList OptionsOf(const CLI::App& app) {
     return options;
 }
 
+// Where a value stands: behind an option, or behind the command.
+std::string Place(const CLI::App& app, const CLI::Option& option) {
+    return option.get_positional() ? app.get_subcommands().front()->get_name() : option.get_name();
+}
+
 // The option that `text` names first, or null.
 const CLI::Option* NamedIn(const std::string& text, const OptionList& options) {
     const CLI::Option* named = nullptr;
@@ -107,18 +112,20 @@ std::string Conflict(const OptionList& options, const char* verb,
     return "";
 }
 
-std::string Unexpected(const CLI::App& app, const std::string& text, const std::string& help) {
+// What is wrong with `text`, which nobody takes; `literal`: it is no option, however it begins.
+std::string Unexpected(const CLI::App& app, const std::string& text, bool literal,
+                       const std::string& help) {
     const std::vector<CLI::App*> commands = app.get_subcommands();
     std::vector<std::string> names;
-    if (text.size() > 1 && text[0] == '-') {
+    if (!literal && text.size() > 1 && text[0] == '-') {
         const std::string name = text.substr(0, text.find('='));
         for (const CLI::Option* option : OptionsOf(app))
             for (const std::string& known : option->get_lnames()) names.push_back("--" + known);
-        return "there is no option \"" + name + "\"" +
+        return "there is no option \"" + Escape(name) + "\"" +
                DidYouMean(name, names, "\"" + help + "\" lists those there are");
     }
     if (!commands.empty())
-        return commands.front()->get_name() + ": \"" + text + "\" is too much; \"" + help +
+        return commands.front()->get_name() + ": \"" + Escape(text) + "\" is too much; \"" + help +
                "\" tells what it takes";
     return UnknownCommand(app, text);
 }
@@ -129,7 +136,7 @@ std::string UnknownCommand(const CLI::App& app, const std::string& name) {
     std::vector<std::string> names;
     for (const CLI::App* command : app.get_subcommands({}))
         if (!command->get_group().empty()) names.push_back(command->get_name());
-    return "there is no command \"" + name + "\"" +
+    return "there is no command \"" + Escape(name) + "\"" +
            DidYouMean(name, names, "\"etmhost --help\" lists those there are");
 }
 
@@ -150,18 +157,22 @@ std::string EmptyValue(const CLI::App& app) {
         if (value.empty() || option->get_expected_max() > 1) continue;
         for (const std::string& result : option->results())
             if (result.empty())
-                return option->get_name() + ": a " + value + " is expected, not \"\"";
+                return Place(app, *option) + ": a " + value + " is expected, not \"\"";
     }
     return "";
 }
 
-std::string Explain(const CLI::App& app, const CLI::ParseError& error) {
+std::string Explain(const CLI::App& app, const CLI::ParseError& error,
+                    const std::vector<std::string>& line) {
     const std::vector<CLI::App*> commands = app.get_subcommands();
     const std::string command = commands.empty() ? "" : commands.front()->get_name();
     const std::string help = "etmhost " + command + (command.empty() ? "" : " ") + "--help";
     const std::string more = "; \"" + help + "\" tells more";
-    for (const std::string& extra : app.remaining(true))
-        if (extra != "--") return Unexpected(app, extra, help);
+    for (const std::string& extra : app.remaining(true)) {
+        if (extra == "--") continue;
+        const auto end = std::ranges::find(line, "--");
+        return Unexpected(app, extra, std::find(line.begin(), end, extra) == end, help);
+    }
     const std::string text = error.what();
     const OptionList options = OptionsOf(app);
     const CLI::Option* option = NamedIn(text, options);
@@ -190,7 +201,8 @@ std::string Explain(const CLI::App& app, const CLI::ParseError& error) {
     } else if (option != nullptr && type == "ArgumentMismatch") {
         told = name + ": a " + value + " is missing behind it";
     } else if (option != nullptr && option->count() > 0) {
-        told = name + ": a " + value + " is expected, not \"" + option->results().back() + "\"";
+        told = name + ": a " + value + " is expected, not \"" + Escape(option->results().back()) +
+               "\"";
     }
     return (told.empty() ? text : told) + more;
 }

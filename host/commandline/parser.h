@@ -19,7 +19,8 @@ std::string UnknownCommand(const CLI::App& app, const std::string& name);
 /// hold empty values.
 std::string EmptyValue(const CLI::App& app);
 
-/// Returns what is wrong with the command line that `app` has refused with `error`.
-std::string Explain(const CLI::App& app, const CLI::ParseError& error);
+/// Returns what is wrong with the command line `line` that `app` has refused with `error`.
+std::string Explain(const CLI::App& app, const CLI::ParseError& error,
+                    const std::vector<std::string>& line);
 
 } // namespace etmhost

@@ -116,6 +116,11 @@ std::string DidYouMean(std::string_view name, const std::vector<std::string>& na
         least = distance;
         nearest = &candidate;
     }
+    const auto begun = [&](const std::string& candidate) {
+        return name.size() > 2 && EqualNoCase(name, candidate.substr(0, name.size()));
+    };
+    if (nearest == nullptr && std::ranges::count_if(names, begun) == 1)
+        nearest = &*std::ranges::find_if(names, begun);
     if (nearest != nullptr) return "; did you mean \"" + *nearest + "\"?";
     return otherwise.empty() ? "" : "; " + otherwise;
 }

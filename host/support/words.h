@@ -39,7 +39,8 @@ std::string Quote(const std::string& text);
 std::string Hex(uint32_t value);
 
 /// Returns what to say behind an unknown `name`: "; did you mean "NEAR"?" with the one of `names`
-/// that differs least, by no more than a few letters; else "; " and `otherwise`, if there is that.
+/// that differs least, by no more than a few letters, or that alone begins so; else "; " and
+/// `otherwise`, if there is that.
 std::string DidYouMean(std::string_view name, const std::vector<std::string>& names,
                        const std::string& otherwise = {});
 

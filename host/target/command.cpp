@@ -274,6 +274,8 @@ Refusal CommandLanguage::PortSize(std::string_view value) {
 }
 
 Refusal CommandLanguage::Dwt(std::string_view text) {
+    if (!m_Target.etm().TakesIndexes())
+        return "This chip has no DWT comparators that its ETM listens to";
     std::string_view rest = text;
     Address index, address;
     if (const Refusal refusal = ParseComparator(TakeWord(rest), index)) return refusal;

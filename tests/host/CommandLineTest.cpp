@@ -58,6 +58,9 @@ TEST_F(CommandLine, BadInputEndsWithStatus2AndAMessage) {
         {"help rnu", "there is no command \"rnu\"; did you mean \"run\"?"},
         {"run --josn --", "there is no option \"--josn\"; "},
         {"show --josn=1", "there is no option \"--josn\"; did you mean \"--json\"?"},
+        {"--ver", "there is no option \"--ver\"; did you mean \"--version\"?"},
+        {"show -- --json", "show: \"--json\" is too much; "},
+        {"help \"\"", "help: a COMMAND is expected, not \"\""},
         {"show all", "show: \"all\" is too much; \"etmhost show --help\" tells"},
         {"tour", "tour needs a DIR; \"etmhost tour --help\" tells more"},
         {"show --chip", "--chip: a CHIP is missing behind it"},
@@ -83,6 +86,8 @@ TEST_F(CommandLine, BadInputEndsWithStatus2AndAMessage) {
         EXPECT_EQ(outcome.errors.find('\n'), outcome.errors.size() - 1) << "one line";
     }
     EXPECT_EQ(directory.Read("text"), "no library");
+    if (onWindows) return; // a line end would be the end of the command there
+    EXPECT_THAT(Run("'a\nb'").errors, StartsWith("etmhost: there is no command \"a\\nb\"; "));
 }
 
 TEST_F(CommandLine, HelpIsOneAndFitsTheScreen) {

@@ -97,6 +97,7 @@ TEST(Command, RefusalsLeaveTheTargetAlone) {
          "The trigger of an ETB comes from the ETM and cannot be forced"},
         {"cortex-m3", "etm pc=from 1", "This chip cannot limit PC trace by addresses"},
         {"cortex-m3", "etm pc=start 4", "DWT comparator 0 to 3 expected, not \"4\""},
+        {"arm7", "dwt 4 0", "This chip has no DWT comparators that its ETM listens to"},
         {"cortex-m3", "etm data=addr", "This chip has no data trace"},
         {"arm7", "macro /no/x.mac", "Cannot open macro file \"/no/x.mac\""},
     };

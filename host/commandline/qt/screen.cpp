@@ -95,8 +95,9 @@ Screen PrepareDrivenScreen(const DriveOptions& options, bool dark) {
             std::vector<std::string> names;
             for (const QString& family : families)
                 names.push_back(family.toLocal8Bit().toStdString());
-            throw HostError("there is no font \"" + options.font + "\"" +
-                            DidYouMean(options.font, names));
+            throw HostError(
+                "there is no font \"" + options.font + "\"" +
+                DidYouMean(options.font, names, "\"fc-list : family\" lists those there are"));
         }
         QFont chosen = QApplication::font();
         chosen.setFamilies({font});
