@@ -99,10 +99,21 @@ std::string Roff(const std::string& text) {
     return escaped;
 }
 
+std::string Upper(std::string text) {
+    for (char& c : text)
+        if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
+    return text;
+}
+
+// A paragraph, in lines that are easy to read as they are.
+std::string RoffText(const std::string& text) {
+    return Roff(Wrapped(text, 0, 72)) + "\n";
+}
+
 std::string RoffRows(const std::vector<Row>& rows) {
     std::string text;
     for (const auto& [name, meaning] : rows)
-        text += ".TP\n.B " + Roff(name) + "\n" + Roff(meaning) + "\n";
+        text += ".TP\n.B " + Roff(name) + "\n" + RoffText(meaning);
     return text;
 }
 
@@ -110,7 +121,7 @@ std::string RoffSection(const char* macro, const ManualSection& section) {
     std::string text = std::string(macro) + " \"" + Roff(section.title) + "\"\n";
     text += RoffRows(section.rows);
     if (!section.text.empty())
-        text += (section.rows.empty() ? "" : ".PP\n") + Roff(section.text) + "\n";
+        text += (section.rows.empty() ? "" : ".PP\n") + RoffText(section.text);
     return text;
 }
 
@@ -157,28 +168,24 @@ std::string HelpText(const Manual& manual, const std::string& name, size_t width
 
 std::string ManualPage(const Manual& manual) {
     const ManualCommand& program = manual.program;
-    std::string upper = program.name;
-    for (char& c : upper)
-        if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
-    std::string page = ".TH " + upper + " 1 \"\" \"" + program.name + " " + manual.version +
-                       "\" \"User Commands\"\n.SH NAME\n" + program.name +
+    std::string page = ".TH " + Upper(program.name) + " 1 \"\" \"" + program.name + " " +
+                       manual.version + "\" \"User Commands\"\n.SH NAME\n" + program.name +
                        " \\- debugger host with simulated and real chips\n.SH SYNOPSIS\n.B " +
                        Roff(UsageOf(manual, program)) + "\n.SH DESCRIPTION\n" +
-                       Roff(program.meaning) +
-                       "\n.SH OPTIONS\nThey may stand ahead of the command "
+                       RoffText(program.meaning) +
+                       ".SH OPTIONS\nThey may stand ahead of the command "
                        "and behind it.\n" +
                        RoffRows(RowsOf(program.options)) + ".SH COMMANDS\n";
     for (const ManualCommand& command : manual.commands) {
-        page += ".SS " + Roff(UsageOf(manual, command)) + "\n" + Roff(command.meaning + ".") +
-                "\n" + RoffRows(RowsOf(command.arguments));
+        page += ".SS " + Roff(UsageOf(manual, command)) + "\n" + RoffText(command.meaning + ".") +
+                RoffRows(RowsOf(command.arguments));
         for (const ManualArgument& option : command.options)
             if (option.names.front() != "-h") page += RoffRows(RowsOf(std::vector{option}));
         for (const ManualSection& section : command.sections)
             page += ".PP\n" + RoffSection(".B", section);
     }
     for (ManualSection section : program.sections) {
-        for (char& c : section.title)
-            if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
+        section.title = Upper(section.title);
         page += RoffSection(".SH", section);
     }
     return page;

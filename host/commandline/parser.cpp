@@ -54,10 +54,10 @@ std::vector<ManualSection> LanguageSections() {
                      "(with --symbols) or 4k-1. On a chip whose ETM has no address comparators "
                      "\"start\", \"stop\" and \"trigger\" take the number of a DWT comparator in "
                      "its place, which \"dwt\" has set."),
-        FormsSection(
-            "Lines of a board file", BoardForms(),
-            "So is \"trace\" with a command behind it that begins with \"etm\"; \";\" "
-            "begins a comment. A simulated board has no memory: nothing is written there.")};
+        FormsSection("Lines of a board file", BoardForms(),
+                     "A command that begins with \"etm\" may stand there too, behind \"trace\"; "
+                     "\";\" begins "
+                     "a comment. A simulated board has no memory: nothing is written there.")};
 }
 
 std::vector<ManualSection> ProgramSections() {
