@@ -17,7 +17,7 @@ inline constexpr ControlTemplate controls[] = {
     {1063, Edit, "", 9, 44, 191, 160, style::MultiLine | style::ReadOnly},
 };
 
-inline constexpr DialogTemplate dialog = {106, "Status", 210, 211, controls};
+inline constexpr DialogTemplate dialog = {106, "Status", 210, 211, controls, true};
 
 static_assert(check::IdsUnique(controls));
 static_assert(check::InsideDialog(dialog, 1064));

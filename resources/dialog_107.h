@@ -34,7 +34,7 @@ inline constexpr ControlTemplate controls[] = {
     {1083, Edit, "", 120, 50, 76, 24, style::MultiLine | style::ReadOnly, "Note on this target"},
 };
 
-inline constexpr DialogTemplate dialog = {107, "General Control", 210, 211, controls};
+inline constexpr DialogTemplate dialog = {107, "General Control", 210, 211, controls, true};
 
 static_assert(check::IdsUnique(controls));
 static_assert(check::InsideDialog(dialog));

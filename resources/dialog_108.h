@@ -40,7 +40,7 @@ inline constexpr ControlTemplate controls[] = {
     {1083, Edit, "", 14, 114, 182, 25, style::MultiLine | style::ReadOnly, "Note on this target"},
 };
 
-inline constexpr DialogTemplate dialog = {108, "ETM Trace Settings", 210, 211, controls};
+inline constexpr DialogTemplate dialog = {108, "ETM Trace Settings", 210, 211, controls, true};
 
 static_assert(check::IdsUnique(controls));
 static_assert(check::InsideDialog(dialog));

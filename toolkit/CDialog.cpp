@@ -23,6 +23,7 @@ void CDialog::AddControl(const ControlTemplate& row) {
     control->m_Text = row.text;
     control->m_Visible = (row.styles & style::Hidden) == 0;
     control->m_Enabled = (row.styles & style::Disabled) == 0;
+    control->m_Help = FindHelp(m_DialogTemplate->id, row.id);
     if (auto* combo = dynamic_cast<CComboBox*>(control.get()))
         for (const char* entry : row.entries) combo->AddString(entry);
     m_Controls.push_back(std::move(control));
@@ -35,7 +36,17 @@ bool CDialog::CreateDialogWindow() {
     if (!AfxGetApp()->GetDisplay().Create(*this)) return false;
     m_Created = true;
     for (const auto& control : m_Controls) control->m_Created = true;
+    if (m_DialogTemplate->helpAsTips) ShowHelpAsTips();
     return true;
+}
+
+void CDialog::ShowHelpAsTips() {
+    constexpr int kTipWidth = 250; // pixels
+    // Frames last: the tip of what lies inside goes first.
+    for (const bool frames : {false, true})
+        for (const auto& control : m_Controls)
+            if (control->m_Help != nullptr && (control->m_Kind == ControlKind::GroupBox) == frames)
+                AfxGetApp()->GetDisplay().SetToolTip(*control, control->m_Help, kTipWidth);
 }
 
 void CDialog::DestroyDialogWindow() {

@@ -102,6 +102,7 @@ protected:
 
 private:
     void AddControl(const ControlTemplate& row);
+    void ShowHelpAsTips();
 
     std::vector<std::unique_ptr<CWnd>> m_Controls;
     int m_Exchanging = 0;

@@ -57,6 +57,8 @@ public:
     uint32_t GetStyle() const { return m_Style; }
     /// The template's row, or null for a dialog.
     const ControlTemplate* GetTemplate() const { return m_Template; }
+    /// What F1 shows about a control, and screen readers read; null: nothing.
+    const char* GetHelp() const { return m_Help; }
     /// The dialog of a control, the sheet of a page, the owner of a dialog; may be null.
     CWnd* GetParent() const { return m_Parent; }
 
@@ -111,6 +113,7 @@ protected:
     ControlKind m_Kind = ControlKind::Static;
     uint32_t m_Style = style::None;
     const ControlTemplate* m_Template = nullptr;
+    const char* m_Help = nullptr;
     CWnd* m_Parent = nullptr;
     std::string m_Text;
     bool m_Enabled = true;

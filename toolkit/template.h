@@ -54,6 +54,7 @@ struct DialogTemplate {
     const char* caption;
     int width, height;
     std::span<const ControlTemplate> controls; // in tab order
+    bool helpAsTips = false;                   // the pointer brings up what FindHelp says
 };
 
 /// Returns the template of dialog `id`, or null. Provided by resources/.
@@ -62,6 +63,10 @@ const DialogTemplate* FindDialogTemplate(int id);
 /// Returns string `id` of the module's string table, or null. Provided by
 /// resources/.
 const char* FindString(unsigned id);
+
+/// Returns one or two sentences on control `id` of dialog `dialog`, 0 for the frame of a sheet:
+/// what it does, what it sends, and when it can be used; or null. Provided by resources/.
+const char* FindHelp(int dialog, int id);
 
 /// Checks on tables, for static_assert beside each of them.
 namespace check {

@@ -252,6 +252,10 @@ Interpreter::Finding Interpreter::Look(const Condition& condition, const FrontWi
         seen = front.title == condition.title;
     } else if (condition.what == Condition::Picture) {
         seen = m_Taken.contains(condition.text);
+    } else if (condition.what == Condition::Help) {
+        const std::string help = m_User.Help();
+        seen = help.find(condition.text) != std::string::npos;
+        return {seen == condition.holds, help.empty() ? "no help" : Quote(help)};
     } else {
         seen = front.kind == FrontWindow::Box &&
                (condition.anyTitle || front.title == condition.title) &&

@@ -200,7 +200,7 @@ Condition TakeCondition(Words& words) {
         {"text", Condition::Text, true},       {"selection", Condition::Selection, true},
         {"focus", Condition::Focus, true},     {"tab", Condition::Tab, true},
         {"window", Condition::Window, true},   {"box", Condition::Box, true},
-        {"picture", Condition::Picture, true},
+        {"picture", Condition::Picture, true}, {"help", Condition::Help, true},
     };
     const auto* state =
         std::ranges::find_if(states, [&](const auto& one) { return one.word == word; });
@@ -222,6 +222,9 @@ Condition TakeCondition(Words& words) {
         break;
     case Condition::Picture:
         condition.text = words.TakePicture();
+        break;
+    case Condition::Help:
+        condition.text = words.TakeText("a text");
         break;
     default:
         condition.control = words.TakeControl();

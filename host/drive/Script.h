@@ -28,13 +28,25 @@ struct KeyName {
 
 /// Something that can be seen.
 struct Condition {
-    enum What { Enabled, Visible, Checked, Text, Selection, Tab, Focus, Window, Box, Picture };
+    enum What {
+        Enabled,
+        Visible,
+        Checked,
+        Text,
+        Selection,
+        Tab,
+        Focus,
+        Window,
+        Box,
+        Picture,
+        Help
+    };
     What what = Enabled;
     bool holds = true; ///< false: its opposite
     ControlName control;
     EntryName entry;
     std::string title; ///< of a window or box
-    std::string text;  ///< of a control or box; the name of a picture
+    std::string text;  ///< of a control, box or help; the name of a picture
     bool anyTitle = false, anyText = false;
 };
 

@@ -63,6 +63,8 @@ public:
     virtual int Selection(int id) = 0;
     /// The entries of a list, or the titles of the tabs.
     virtual std::vector<std::string> Entries(int id) = 0;
+    /// The help that F1 has brought up, on one line; empty: none is on the screen.
+    virtual std::string Help() = 0;
     /// The control with the keyboard; 0: none.
     virtual int Focus() = 0;
 

@@ -30,6 +30,8 @@ std::string WithoutNot(const Condition& condition) {
         if (condition.anyTitle) return "a message box";
         return "box " + Quote(condition.title) +
                (condition.anyText ? "" : " " + Quote(condition.text));
+    case Condition::Help:
+        return "help " + Quote(condition.text);
     case Condition::Picture:
         break;
     }

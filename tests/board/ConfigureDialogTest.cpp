@@ -26,6 +26,10 @@ TEST_F(BoardTest, ListsAreFilledAndDisabledWhenThereIsNoChoice) {
             const int tipped[] = {1080, 1078, 1065, 1068, 1082, 1056};
             for (unsigned id = 1; id <= 6; ++id)
                 EXPECT_EQ(display.ToolTip(tipped[id - 1]), FindString(id));
+            for (const int id : {1079, 1050, 1067, 1081, IDOK, IDCANCEL}) {
+                EXPECT_EQ(display.ToolTip(id), "") << id;
+                EXPECT_NE(display.Control(id).GetHelp(), nullptr) << id;
+            }
             display.Click(IDOK);
         });
         EXPECT_EQ(Difference(chip, settings.Working), row.stored + std::string("BoardFile=/none"));

@@ -1,5 +1,7 @@
 // The two pages without a tab, and the tool tips.
 
+#include <array>
+
 #include "pages/jDWTPage.h"
 #include "pages/jToolTip.h"
 #include "tests/pages/PagesTest.h"
@@ -32,4 +34,20 @@ TEST_F(PagesTest, AToolTipNeedsAControlAndAText) {
         EXPECT_TRUE(tips.AddWindowTool(&edit, 6));
         EXPECT_FALSE(tips.AddWindowTool(&edit, 7) || tips.AddWindowTool(nullptr, 1));
     });
+}
+
+TEST_F(PagesTest, HelpIsTheTipOfEveryControlThatCanBeSeen) {
+    for (const int tab : {0, 1, 2})
+        Open(
+            tab,
+            [&] {
+                int told = 0;
+                for (const auto& control : display.FrontPage()->GetControls()) {
+                    if (control->GetDlgCtrlID() == -1) continue;
+                    const char* help = control->GetHelp() != nullptr ? control->GetHelp() : "";
+                    EXPECT_EQ(display.ToolTip(control->GetDlgCtrlID()), help);
+                    if (*help != 0) ++told;
+                }
+                EXPECT_EQ(told, (std::array{19, 19, 4}[static_cast<size_t>(tab)]));
+            });
 }

@@ -1,11 +1,13 @@
 // The stories on the headless display.
 
 #include <optional>
+#include <utility>
 
 #include "host/drive/Interpreter.h"
 #include "testkit/TemporaryDirectory.h"
 #include "tests/scenarios/Scenarios.h"
 #include "tests/support/Session.h"
+#include "toolkit/help.h"
 
 namespace {
 
@@ -64,7 +66,14 @@ public:
         HeadlessDisplay::Drag(id, position);
         HeadlessDisplay::Release(id);
     }
-    void Press(const etmhost::KeyName&) override { throw std::runtime_error("no keyboard"); }
+    void Press(const etmhost::KeyName& key) override {
+        const bool putAway = key.name == "Escape" && m_Helped != nullptr;
+        if (key.name != "F1" && !putAway) throw std::runtime_error("no keyboard");
+        CWnd* const shown = std::exchange(m_Helped, nullptr);
+        if (putAway) return;
+        m_Helped =
+            NextHelp(*HeadlessDisplay::Front(), Focus() != 0 ? &Control(Focus()) : nullptr, shown);
+    }
     void CloseFrame() override {
         if (!m_Box) return HeadlessDisplay::CloseFrame();
         m_Answer = m_Buttons.empty() ? 0 : m_Buttons.back();
@@ -89,6 +98,7 @@ public:
     std::vector<std::string> Entries(int id) override { return HeadlessDisplay::Entries(id); }
     using HeadlessDisplay::Focus; // the other one
     int Focus() override { return Focused(); }
+    std::string Help() override { return m_Helped != nullptr ? HelpText(*m_Helped) : ""; }
 
     Interpreter interpreter;
 
@@ -111,6 +121,7 @@ private:
     std::vector<int> m_Buttons;       // of the box
     std::optional<int> m_Answer;      // ends it
     std::string m_Path;
+    CWnd* m_Helped = nullptr; // whose help F1 has brought up
 };
 
 class OnHeadless : public Session, public ::testing::WithParamInterface<Scenario> {};

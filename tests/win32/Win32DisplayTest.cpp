@@ -14,6 +14,7 @@
 #include <set>
 
 using ::testing::ElementsAre;
+using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::IsSupersetOf;
 
@@ -33,6 +34,7 @@ protected:
         EXPECT_EQ(user.Surprises(), 0);
         EXPECT_EQ(Win32Person::FrontHandle(), nullptr);
     }
+    std::string TipAt(int id);
 
     LoadedModule loaded;
     Win32Person user;
@@ -169,6 +171,24 @@ TEST_F(OnNativeWindows, TheMouseMovesTheSliderAndTextKeepsItsCodePage) {
                 IsSupersetOf({"SetValue(0x2,0x0)", "Command(etm trigger n\xE4he)"}));
 }
 
+/// The tip that a page shows for the pointer near the left end of a control of its own.
+std::string OnNativeWindows::TipAt(int id) {
+    const HWND page = GetParent(user.Find(id));
+    RECT place;
+    GetWindowRect(user.Find(id), &place);
+    MapWindowPoints(nullptr, page, reinterpret_cast<POINT*>(&place), 2);
+    char text[512] = "";
+    TTHITTESTINFOA test{page, {place.left + 2, (place.top + place.bottom) / 2}, {}};
+    test.ti.cbSize = sizeof test.ti;
+    test.ti.lpszText = text;
+    for (HWND tips = nullptr;
+         (tips = FindWindowExA(nullptr, tips, TOOLTIPS_CLASSA, nullptr)) != nullptr;)
+        if (GetWindow(tips, GW_OWNER) == user.Window() &&
+            SendMessageA(tips, TTM_HITTESTA, 0, reinterpret_cast<LPARAM>(&test)) != 0)
+            return text;
+    return {};
+}
+
 TEST_F(OnNativeWindows, TextsSetByAnotherProgramCountAndToolTipsAreThere) {
     Open([&](Win32Person& person) {
         const auto set = [this](int id, const char* text) {
@@ -176,6 +196,8 @@ TEST_F(OnNativeWindows, TextsSetByAnotherProgramCountAndToolTipsAreThere) {
         };
         set(1008, "25");
         EXPECT_EQ(SendMessageA(user.Find(1007), TBM_GETPOS, 0, 0), 25);
+        EXPECT_THAT(TipAt(1031), HasSubstr("\"stop\"")) << "disabled";
+        EXPECT_THAT(TipAt(1003), HasSubstr("What raises the trigger"));
         user.OnNextDialog([&](Win32Person& dialog) {
             HWND tips = nullptr; // of this dialog
             while ((tips = FindWindowExA(nullptr, tips, TOOLTIPS_CLASSA, nullptr)) != nullptr)

@@ -42,6 +42,14 @@ bool IsInSight(const CWnd& control) {
     return g_Toolkit->isInSight(control);
 }
 
+CWnd* NextHelp(const CDialog& dialog, CWnd* focused, const CWnd* shown) {
+    return g_Toolkit->nextHelp(dialog, focused, shown);
+}
+
+std::string HelpText(const CWnd& control) {
+    return g_Toolkit->helpText(control);
+}
+
 void ReportException(const char* what) noexcept {
     g_Toolkit->reportException(what);
 }

@@ -13,6 +13,7 @@
 #include "toolkit/CWinApp.h"
 #include "toolkit/focus.h"
 #include "toolkit/guarded.h"
+#include "toolkit/help.h"
 #include "toolkit/input.h"
 
 namespace display_library {
@@ -33,6 +34,8 @@ struct Toolkit {
     decltype(&CDialog::GetDlgItem) getDlgItem;
     decltype(&CDialog::GetRadioGroup) getRadioGroup;
     decltype(&IsInSight) isInSight;
+    decltype(&NextHelp) nextHelp;
+    decltype(&HelpText) helpText;
     decltype(&ReportException) reportException;
     decltype(&input::Click) click;
     decltype(&input::Type) type;

@@ -56,6 +56,8 @@ constexpr Toolkit kToolkit = {
     &CDialog::GetDlgItem,
     &CDialog::GetRadioGroup,
     IsInSight,
+    NextHelp,
+    HelpText,
     ReportException,
     input::Click,
     input::Type,

@@ -1,11 +1,9 @@
 #include "toolkit/qt/QtDisplay.h"
 
-#include <QTextDocument>
-#include <QToolTip>
-
 #include "toolkit/CWinApp.h"
 #include "toolkit/guarded.h"
 #include "toolkit/input.h"
+#include "toolkit/qt/HelpTip.h"
 #include "toolkit/qt/QtWindow.h"
 #include "toolkit/qt/boxes.h"
 #include "toolkit/qt/qt_text.h"
@@ -103,9 +101,7 @@ bool QtDisplay::MeasureTabbedText(const CWnd& control, std::string_view text, in
 void QtDisplay::SetToolTip(CWnd& control, const char* text, int maxWidth) {
     const qt::QtPeer* peer = qt::PeerOf(control);
     if (peer == nullptr || peer->Widget() == nullptr || text == nullptr) return;
-    QString tip = qt::Wrapped(qt::LinesFromModel(text), QToolTip::font(), maxWidth);
-    if (Qt::mightBeRichText(tip)) tip = Qt::convertFromPlainText(tip, Qt::WhiteSpacePre);
-    peer->Widget()->setToolTip(tip);
+    peer->Widget()->setToolTip(qt::TipText(text, maxWidth));
 }
 
 void QtDisplay::Beep(unsigned) {

@@ -65,6 +65,10 @@ void MakeControls(CDialog& dialog, const Surroundings& in) {
         control.SetPeer(std::move(made));
         peer.Widget()->setObjectName(QString::number(control.GetDlgCtrlID()));
         peer.Widget()->setAccessibleName(AccessibleName(dialog, i));
+        if (control.GetHelp() != nullptr) {
+            peer.Widget()->setAccessibleDescription(control.GetHelp());
+            peer.Widget()->setWhatsThis(control.GetHelp());
+        }
         peer.RefreshAll();
     }
     // What takes no input must not cover what does; frames lie below all.

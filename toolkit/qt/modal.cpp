@@ -29,7 +29,7 @@ void Adapt(QDialog& window) {
 } // namespace
 
 TopWindow::TopWindow(CDialog& model, const ModalStack& stack, QWidget* owner)
-    : QDialog(owner), m_Model(model), m_Stack(stack) {
+    : QDialog(owner), m_Model(model), m_Stack(stack), m_HelpTip(model) {
     setWindowFlags(Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
                    Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint);
 }
@@ -57,6 +57,10 @@ bool TopWindow::event(QEvent* event) {
 
 bool TopWindow::focusNextPrevChild(bool next) {
     return QtPeer::HoldsFocus() || QDialog::focusNextPrevChild(next);
+}
+
+void TopWindow::keyPressEvent(QKeyEvent* key) {
+    if (!m_HelpTip.TakesKey(*key)) QDialog::keyPressEvent(key);
 }
 
 void ModalStack::CancelBoxes() const {

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "toolkit/qt/HeldKeys.h"
+#include "toolkit/qt/HelpTip.h"
 #include "toolkit/qt/QtApplication.h"
 
 class CDialog;
@@ -31,10 +32,12 @@ public:
 protected:
     bool event(QEvent* event) override;
     bool focusNextPrevChild(bool next) override;
+    void keyPressEvent(QKeyEvent* key) override;
 
 private:
     CDialog& m_Model;
     const ModalStack& m_Stack;
+    HelpTip m_HelpTip;
     bool m_WantsEnd = false;
 };
 

@@ -8,6 +8,7 @@
 #include "toolkit/win32/NativeLook.h"
 #include "toolkit/win32/ShowModel.h"
 #include "toolkit/win32/WindowTable.h"
+#include "toolkit/win32/help.h"
 #include "toolkit/win32/keyboard.h"
 
 namespace {
@@ -87,6 +88,8 @@ bool OnMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
         if (model != nullptr && !page) input::Close(*model);
         return true;
     }
+    case WM_HELP:
+        return true; // the loop has seen F1; it is no question to the host
     case WM_ACTIVATE:
         return OnActivate(window, LOWORD(wParam) != WA_INACTIVE);
     case WM_DESTROY:
@@ -159,6 +162,7 @@ bool MakeDialogWindow(CDialog& dialog, HWND owner) {
     if (window == nullptr) return false;
     dialog.SetPeer(std::make_unique<WindowPeer>(dialog, window));
     BindControls(dialog, window);
+    DescribeControls(dialog);
     if (page) FitIntoTab(window, parent);
     // The tab key goes from the page to the buttons, and on to the tabs.
     if (const HWND tab = GetDlgItem(window, IDC_TAB_CONTROL))

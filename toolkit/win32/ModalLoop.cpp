@@ -4,6 +4,7 @@
 
 #include "toolkit/win32/DialogWindow.h"
 #include "toolkit/win32/NativeLook.h"
+#include "toolkit/win32/help.h"
 #include "toolkit/win32/keyboard.h"
 
 namespace {
@@ -94,6 +95,7 @@ void RunLoop(CDialog& dialog, HWND window) {
         if (got == 0 || got == -1) break;
         if (IsHeldKey(message) && (message.hwnd == window || IsChild(window, message.hwnd)))
             continue;
+        if (IsForHelp(dialog, window, message)) continue;
         if (SwitchesTab(dialog, window, message) || IsDialogMessageW(window, &message)) continue;
         TranslateMessage(&message);
         DispatchMessageW(&message);

@@ -8,11 +8,10 @@
 #include "toolkit/win32/ShowModel.h"
 #include "toolkit/win32/WindowTable.h"
 #include "toolkit/win32/boxes.h"
+#include "toolkit/win32/help.h"
 #include "toolkit/win32/keyboard.h"
 
 namespace {
-
-constexpr int kTipTime = 30000; // milliseconds: some tips are long
 
 /// The window over which the next one comes up: the dialog in front, or what the host
 /// has there; null if neither is.
@@ -22,21 +21,6 @@ HWND OwnerOfNext(const std::vector<CDialog*>& running) {
 
 void CALLBACK OnTimer(HWND window, UINT, UINT_PTR id, DWORD) {
     if (CWnd* model = ModelOf(window)) input::Tick(*model, static_cast<unsigned>(id));
-}
-
-/// The tip window of a dialog, made at the first tip.
-HWND ToolTipsOf(CWnd& dialog) {
-    WindowPeer* peer = PeerOf(dialog);
-    if (peer == nullptr || peer->m_ToolTips != nullptr)
-        return peer != nullptr ? peer->m_ToolTips : nullptr;
-    const NativeLook look;
-    peer->m_ToolTips = CreateWindowExA(WS_EX_TOPMOST, TOOLTIPS_CLASSA, nullptr,
-                                       WS_POPUP | TTS_ALWAYSTIP | TTS_NOPREFIX, CW_USEDEFAULT,
-                                       CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, peer->m_Window,
-                                       nullptr, ModuleInstance(), nullptr);
-    SendMessageA(peer->m_ToolTips, TTM_SETDELAYTIME, TTDT_AUTOPOP, kTipTime);
-    SendMessageA(peer->m_ToolTips, TTM_ACTIVATE, TRUE, 0);
-    return peer->m_ToolTips;
 }
 
 } // namespace
@@ -125,19 +109,7 @@ bool Win32Display::MeasureTabbedText(const CWnd& control, std::string_view text,
 }
 
 void Win32Display::SetToolTip(CWnd& control, const char* text, int maxWidth) {
-    const HWND tool = WindowOf(control);
-    const HWND tips = ToolTipsOf(*control.GetParent());
-    if (tool == nullptr || tips == nullptr) return;
-    static_assert(sizeof(void*) != 4 || sizeof(TOOLINFOA) == 48);
-    TOOLINFOA info{};
-    info.cbSize = sizeof info;
-    info.uFlags = TTF_IDISHWND | TTF_SUBCLASS;
-    info.hwnd = GetParent(tool);
-    info.uId = reinterpret_cast<UINT_PTR>(tool);
-    info.hinst = ModuleInstance();
-    info.lpszText = const_cast<char*>(text);
-    SendMessageA(tips, TTM_SETMAXTIPWIDTH, 0, maxWidth);
-    SendMessageA(tips, TTM_ADDTOOLA, 0, reinterpret_cast<LPARAM>(&info));
+    AddToolTip(control, text, maxWidth);
 }
 
 void Win32Display::Beep(unsigned flags) {

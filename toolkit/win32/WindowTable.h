@@ -18,6 +18,9 @@ public:
     // Of a dialog: its tool tips, once it has any; while it is not active, the control
     // that had the focus, and the one that takes it over from that.
     HWND m_ToolTips = nullptr;
+    // Of a top-level dialog: the tip that F1 brings up, and whose help it shows; null: hidden.
+    HWND m_HelpTip = nullptr;
+    const CWnd* m_Helped = nullptr;
     HWND m_LastFocus = nullptr;
     HWND m_FocusToCome = nullptr;
 };

@@ -14,6 +14,7 @@
 #include <QSlider>
 #include <QTabBar>
 #include <QTabWidget>
+#include <QToolTip>
 #include <algorithm>
 #include <stdexcept>
 
@@ -237,6 +238,10 @@ std::vector<std::string> QtUser::Entries(int id) {
         for (int i = 0; i < combo.count(); ++i) entries.push_back(combo.itemText(i).toStdString());
     }
     return entries;
+}
+
+std::string QtUser::Help() {
+    return QToolTip::isVisible() ? QToolTip::text().replace(u'\n', u' ').toStdString() : "";
 }
 
 int QtUser::Focus() {

@@ -35,6 +35,7 @@ public:
     bool Checked(int id) override;
     int Selection(int id) override { return Find(id)->property("currentIndex").toInt(); }
     std::vector<std::string> Entries(int id) override;
+    std::string Help() override;
     int Focus() override;
 
     /// The widget of a control of the window in front; throws std::runtime_error without one.

@@ -22,6 +22,16 @@ bool IsOurDialog(HWND window) {
     return process == GetCurrentProcessId() && ClassOf(window) == "#32770";
 }
 
+BOOL CALLBACK FindTip(HWND window, LPARAM result) {
+    DWORD process = 0;
+    GetWindowThreadProcessId(window, &process);
+    if (process != GetCurrentProcessId() || ClassOf(window) != TOOLTIPS_CLASSA ||
+        !IsWindowVisible(window))
+        return TRUE;
+    *reinterpret_cast<HWND*>(result) = window;
+    return FALSE;
+}
+
 BOOL CALLBACK FindFront(HWND window, LPARAM result) {
     if (!IsOurDialog(window) || !IsWindowVisible(window) || !IsWindowEnabled(window)) return TRUE;
     *reinterpret_cast<HWND*>(result) = window;
@@ -278,6 +288,12 @@ bool Win32User::Checked(int id) {
 int Win32User::Selection(int id) {
     if (id == kTabControl) return static_cast<int>(SendMessageA(Find(id), TCM_GETCURSEL, 0, 0));
     return static_cast<int>(SendMessageA(FindKind(id, "ComboBox", "list"), CB_GETCURSEL, 0, 0));
+}
+
+std::string Win32User::Help() {
+    HWND tip = nullptr;
+    EnumWindows(FindTip, reinterpret_cast<LPARAM>(&tip));
+    return tip != nullptr ? TextOf(tip) : "";
 }
 
 std::vector<std::string> Win32User::Entries(int id) {

@@ -42,6 +42,7 @@ public:
     bool Checked(int id) override;
     int Selection(int id) override;
     std::vector<std::string> Entries(int id) override;
+    std::string Help() override;
     int Focus() override { return GetDlgCtrlID(FocusWindow()); }
 
     /// The dialog, box or save dialog of this process in front, or null.
