@@ -15,6 +15,10 @@ class DialogUnits {
 public:
     explicit DialogUnits(const QFont& font);
 
+    /// Widens the units until each text of `dialog` that never changes has room: in some
+    /// fonts, such as those of one width, the texts are wider than the letters promise.
+    void MakeRoomFor(const DialogTemplate& dialog);
+
     int X(int units) const;
     int Y(int units) const;
     QSize Size(int width, int height) const { return {X(width), Y(height)}; }
@@ -22,8 +26,9 @@ public:
     QRect Place(const ControlTemplate& row) const;
 
 private:
-    int m_BaseWidth;
-    int m_BaseHeight;
+    QFont m_Font;
+    double m_BaseWidth;
+    double m_BaseHeight;
 };
 
 } // namespace qt

@@ -7,17 +7,23 @@
 #include <QTextBlock>
 #include <QTextDocument>
 #include <QValidator>
+#include <QWheelEvent>
 #include <algorithm>
 #include <limits>
 
 #include "toolkit/guarded.h"
 #include "toolkit/input.h"
 #include "toolkit/qt/QtPeer.h"
+#include "toolkit/qt/on_screen.h"
 #include "toolkit/qt/qt_text.h"
 
 namespace qt {
 
 namespace {
+
+constexpr int kNoteLines = 4;  // an edit with room for more of them is no note
+constexpr int kNoteMargin = 4; // pixels around the text
+constexpr int kRounding = 1;   // of widths, in pixels
 
 bool OnlyDigits(const QString& text) {
     return std::ranges::all_of(
@@ -93,14 +99,11 @@ public:
         viewport()->setBackgroundRole(readOnly ? QPalette::Window : QPalette::Base);
     }
 
-    /// Makes a text of one line stand in the middle if there is no room for more.
-    void FitOneLine() {
-        const int line = fontMetrics().lineSpacing();
-        const int room = height() - 2 * frameWidth();
-        if (room >= 2 * line) return;
-        const QSignalBlocker blocker(this);
-        setLineWrapMode(QPlainTextEdit::NoWrap);
-        document()->setDocumentMargin(std::max(0, (room - line) / 2));
+    /// Makes a note, which nobody scrolls, show whole: if need be without a margin or in a
+    /// smaller font. One of one line stands in the middle.
+    void ShowWhole(const QString& text) {
+        FitNote(text);
+        setPlainText(text); // behind the margin, which it would not heed otherwise
     }
 
 protected:
@@ -114,15 +117,43 @@ protected:
             QPlainTextEdit::keyPressEvent(event);
     }
 
+    void wheelEvent(QWheelEvent* event) override {
+        if (m_IsNote)
+            event->ignore(); // the last line could be turned away
+        else
+            QPlainTextEdit::wheelEvent(event);
+    }
+
     void changeEvent(QEvent* event) override {
         QPlainTextEdit::changeEvent(event);
         if (event->type() == QEvent::FontChange) SetTabStops();
     }
 
 private:
+    void FitNote(const QString& text) {
+        setFont({});
+        const int room = height() - 2 * frameWidth();
+        m_IsNote = isReadOnly() && room < kNoteLines * fontMetrics().lineSpacing();
+        if (!m_IsNote) return;
+        const bool oneLine = room < 2 * fontMetrics().lineSpacing();
+        setLineWrapMode(oneLine ? QPlainTextEdit::NoWrap : QPlainTextEdit::WidgetWidth);
+        const auto fitsWith = [&](int margin) {
+            const int across = width() - 2 * (frameWidth() + margin) - kRounding;
+            const QSize needed =
+                fontMetrics()
+                    .boundingRect(QRect(0, 0, across, room), oneLine ? 0 : Qt::TextWordWrap, text)
+                    .size();
+            const int around = oneLine ? room - fontMetrics().lineSpacing() : 2 * margin;
+            document()->setDocumentMargin(std::max(0, around / 2));
+            return needed.width() <= across && needed.height() + around <= room;
+        };
+        ShrinkFont(*this, [&] { return fitsWith(kNoteMargin) || fitsWith(1); });
+    }
+
     void SetTabStops() { setTabStopDistance(TabStop(font())); }
 
     uint32_t m_Styles;
+    bool m_IsNote = false;
 };
 
 class TextEditPeer : public QtPeer {
@@ -142,7 +173,7 @@ public:
 
     void Place(const QRect& place) override {
         QtPeer::Place(place);
-        m_Edit->FitOneLine();
+        if (m_Edit->isReadOnly()) Refresh(Change::Text);
     }
 
 private:
@@ -151,7 +182,7 @@ private:
 
     void ShowText(const QString& text) {
         const QSignalBlocker blocker(m_Edit);
-        m_Edit->setPlainText(text);
+        m_Edit->ShowWhole(text);
         m_Shown = RawText();
     }
 

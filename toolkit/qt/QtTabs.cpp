@@ -9,7 +9,7 @@
 #include "toolkit/controls.h"
 #include "toolkit/guarded.h"
 #include "toolkit/input.h"
-#include "toolkit/qt/QtWindow.h"
+#include "toolkit/qt/layout.h"
 #include "toolkit/qt/qt_text.h"
 
 namespace qt {

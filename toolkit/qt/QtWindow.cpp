@@ -5,17 +5,13 @@
 
 #include "toolkit/CPropertySheet.h"
 #include "toolkit/focus.h"
-#include "toolkit/qt/DialogUnits.h"
 #include "toolkit/qt/QtTabs.h"
+#include "toolkit/qt/layout.h"
 #include "toolkit/qt/qt_text.h"
 
 namespace qt {
 
 namespace {
-
-WindowPeer* WindowOf(const CWnd& dialog) {
-    return static_cast<WindowPeer*>(PeerOf(dialog));
-}
 
 /// The room for a page in its sheet's tab control, or null.
 QWidget* RoomOf(const CDialog& page) {
@@ -26,18 +22,6 @@ QWidget* RoomOf(const CDialog& page) {
     const auto& pages = sheet->GetPages();
     const auto found = std::ranges::find(pages, &page);
     return tabs->Room(static_cast<int>(found - pages.begin()));
-}
-
-/// How much larger the tab control of a sheet must be than its template says, to
-/// hold the largest page in this style and font.
-QSize TabGrowth(const CPropertySheet& sheet, const DialogUnits& units) {
-    const TabsPeer* tabs = TabsOf(sheet);
-    if (tabs == nullptr) return {0, 0};
-    QSize page(0, 0);
-    for (const CPropertyPage* one : sheet.GetPages())
-        if (const DialogTemplate* layout = one->GetDialogTemplate())
-            page = page.expandedTo(units.Size(layout->width, layout->height));
-    return tabs->SizeAround(page) - units.Place(*tabs->Model().GetTemplate()).size();
 }
 
 /// What a screen reader says for a control without a text of its own.
@@ -149,30 +133,6 @@ bool MakeWindow(CDialog& dialog, const ModalStack& stack, QWidget* owner) {
 
 void TakeDownWindow(CDialog& dialog) {
     dialog.SetPeer(nullptr);
-}
-
-void LayOut(CDialog& dialog) {
-    const WindowPeer* peer = WindowOf(dialog);
-    const DialogTemplate* layout = dialog.GetDialogTemplate();
-    if (peer == nullptr || layout == nullptr) return;
-    QWidget& window = *peer->Widget();
-    const DialogUnits units(window.font());
-    const CPropertySheet* sheet = dialog.AsSheet();
-    const QSize growth = sheet != nullptr ? TabGrowth(*sheet, units) : QSize(0, 0);
-    const QSize size = units.Size(layout->width, layout->height) + growth;
-    window.setFixedSize(size);
-
-    for (const auto& control : dialog.GetControls()) {
-        const ControlTemplate& row = *control->GetTemplate();
-        QtPeer* controlPeer = PeerOf(*control);
-        if (controlPeer == nullptr) continue; // not made yet, or never
-        QRect place = units.Place(row);
-        if (control->GetKind() == ControlKind::Tab)
-            place.setSize(place.size() + growth);
-        else
-            place.translate(growth.width(), growth.height());
-        controlPeer->Place(place);
-    }
 }
 
 } // namespace qt

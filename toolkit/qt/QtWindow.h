@@ -33,7 +33,4 @@ bool MakeWindow(CDialog& dialog, const ModalStack& stack, QWidget* owner);
 /// Takes it down; nothing is reported from then on.
 void TakeDownWindow(CDialog& dialog);
 
-/// Puts window and controls to their sizes and places.
-void LayOut(CDialog& dialog);
-
 } // namespace qt

@@ -7,6 +7,8 @@
 
 #include "toolkit/input.h"
 #include "toolkit/qt/QtPeer.h"
+#include "toolkit/qt/layout.h"
+#include "toolkit/qt/on_screen.h"
 
 namespace qt {
 
@@ -50,6 +52,10 @@ void TopWindow::reject() {
 }
 
 bool TopWindow::event(QEvent* event) {
+    if (event->type() == QEvent::WindowActivate && LearnFrame(*this)) {
+        LayOut(m_Model);
+        MoveOntoScreen(*this);
+    }
     if (event->type() != kEndWanted) return QDialog::event(event);
     EndIfWanted();
     return true;
