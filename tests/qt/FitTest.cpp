@@ -1,4 +1,4 @@
-// Windows on their screens: they fit, in the largest font that does.
+// Windows on their screens: they fit, and the sheet comes back to where it was.
 
 #include <QScreen>
 #include <QTabBar>
@@ -89,6 +89,29 @@ TEST(Fit, EachWindowFitsItsScreenInTheLargestFontThatDoes) {
         on.Run(configuration,
                [](QWidget& window) { EXPECT_TRUE(Available().contains(window.frameGeometry())); });
     }
+}
+
+TEST(Fit, TheSheetComesBackWhereItWasLeftOnItsFirstTab) {
+    {
+        OnScreen on({1280, 1024}, 96, "1", QFont());
+        for (const QPoint place : {QPoint(31, 47), QPoint(800, 400)}) {
+            on.RunSheet([&](QWidget& window) {
+                window.move(place);
+                QTest::keyClick(window.focusWidget(), Qt::Key_PageUp, Qt::ControlModifier);
+            });
+            on.RunSheet([&](QWidget& window) {
+                EXPECT_EQ(window.pos(), place);
+                EXPECT_EQ(window.findChild<QTabBar*>()->currentIndex(), 0);
+            });
+        }
+    }
+    OnScreen on({1024, 768}, 96, "1", QFont()); // on which less of it would be seen
+    on.RunSheet([&](QWidget& window) {
+        EXPECT_TRUE(Available().contains(window.frameGeometry()));
+        window.move(5000, 5000);
+    });
+    on.RunSheet(
+        [&](QWidget& window) { EXPECT_TRUE(Available().contains(window.frameGeometry())); });
 }
 
 } // namespace

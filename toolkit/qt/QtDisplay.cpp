@@ -6,6 +6,7 @@
 #include "toolkit/qt/HelpTip.h"
 #include "toolkit/qt/QtWindow.h"
 #include "toolkit/qt/boxes.h"
+#include "toolkit/qt/on_screen.h"
 #include "toolkit/qt/qt_text.h"
 
 std::unique_ptr<Display> MakeDisplay() {
@@ -59,7 +60,9 @@ void QtDisplay::RunModal(CDialog& dialog) {
     if (window == nullptr || dialog.HasEnded()) return;
     if (QWidget* first = peer->FocusWidget()) first->setFocus(Qt::TabFocusReason);
     const qt::ModalRun run(m_Modal, *window);
+    if (window->testAttribute(Qt::WA_Moved)) qt::MoveOntoScreen(*window);
     window->exec();
+    if (dialog.AsSheet() != nullptr) qt::KeepPlace(*window);
     // The host may have ended all loops: then the dialog was not asked yet.
     if (!dialog.HasEnded()) input::Close(dialog);
 }

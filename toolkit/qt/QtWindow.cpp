@@ -7,6 +7,7 @@
 #include "toolkit/focus.h"
 #include "toolkit/qt/QtTabs.h"
 #include "toolkit/qt/layout.h"
+#include "toolkit/qt/on_screen.h"
 #include "toolkit/qt/qt_text.h"
 
 namespace qt {
@@ -120,6 +121,7 @@ bool MakeWindow(CDialog& dialog, const ModalStack& stack, QWidget* owner) {
     if (isPage && room == nullptr) return false;
     QWidget* window = isPage ? new QWidget(room) : new TopWindow(dialog, stack, owner);
     auto peer = std::make_unique<WindowPeer>(dialog, window);
+    if (isSheet) TakeKeptPlace(*window);
     window->setObjectName(isSheet ? QString("sheet") : QString::number(dialog.GetDlgCtrlID()));
     const Surroundings in{window, peer->Reports()};
     QtPeer& shown = *peer;

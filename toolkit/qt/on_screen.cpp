@@ -23,6 +23,7 @@ constexpr QMargins kUsualFrame(5, 35, 5, 5);
 
 // The process's, whatever becomes of the dialogs.
 std::optional<QMargins> g_Frame;
+std::optional<QRect> g_Kept; // with the frame
 
 QMargins FrameOf(const QWidget& window) {
     if (const QWindow* handle = window.windowHandle())
@@ -106,6 +107,16 @@ void MoveOntoScreen(QWidget& window) {
     };
     window.move(within(place.x(), place.width(), room.x(), room.width()),
                 within(place.y(), place.height(), room.y(), room.height()));
+}
+
+void TakeKeptPlace(QWidget& window) {
+    if (!g_Kept || ScreenUnder(*g_Kept) == nullptr) return;
+    window.resize(g_Kept->size()); // until it gets its own
+    window.move(g_Kept->topLeft());
+}
+
+void KeepPlace(const QWidget& window) {
+    if (window.testAttribute(Qt::WA_WState_ExplicitShowHide)) g_Kept = window.frameGeometry();
 }
 
 } // namespace qt

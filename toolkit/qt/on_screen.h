@@ -26,4 +26,9 @@ bool LearnFrame(const QWidget& window);
 /// Moves a window that has a place already so that all of it lies on a screen.
 void MoveOntoScreen(QWidget& window);
 
+/// Gives a new window the place where the last one was left in this process, if that is
+/// still on a screen.
+void TakeKeptPlace(QWidget& window);
+void KeepPlace(const QWidget& window);
+
 } // namespace qt
