@@ -16,6 +16,7 @@
 #include "toolkit/qt/QtPeer.h"
 #include "toolkit/qt/on_screen.h"
 #include "toolkit/qt/qt_text.h"
+#include "toolkit/qt/readable.h"
 
 namespace qt {
 
@@ -96,7 +97,7 @@ public:
         setReadOnly(readOnly);
         if (readOnly)
             setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
-        viewport()->setBackgroundRole(readOnly ? QPalette::Window : QPalette::Base);
+        MakeReadable(*this);
     }
 
     /// Makes a note, which nobody scrolls, show whole: if need be without a margin or in a

@@ -9,6 +9,7 @@
 #include "toolkit/qt/layout.h"
 #include "toolkit/qt/on_screen.h"
 #include "toolkit/qt/qt_text.h"
+#include "toolkit/qt/readable.h"
 
 namespace qt {
 
@@ -129,6 +130,7 @@ bool MakeWindow(CDialog& dialog, const ModalStack& stack, QWidget* owner) {
     MakeControls(dialog, in);
     shown.RefreshAll();
     LayOut(dialog);
+    MakeReadable(*window);
     OrderFocus(dialog);
     return true;
 }

@@ -9,6 +9,7 @@
 #include "toolkit/qt/QtPeer.h"
 #include "toolkit/qt/layout.h"
 #include "toolkit/qt/on_screen.h"
+#include "toolkit/qt/readable.h"
 
 namespace qt {
 
@@ -56,9 +57,14 @@ bool TopWindow::event(QEvent* event) {
         LayOut(m_Model);
         MoveOntoScreen(*this);
     }
-    if (event->type() != kEndWanted) return QDialog::event(event);
-    EndIfWanted();
-    return true;
+    if (event->type() == kEndWanted) {
+        EndIfWanted();
+        return true;
+    }
+    const bool taken = QDialog::event(event);
+    if (event->type() == QEvent::ApplicationPaletteChange || event->type() == QEvent::StyleChange)
+        MakeReadable(*this);
+    return taken;
 }
 
 bool TopWindow::focusNextPrevChild(bool next) {
