@@ -4,6 +4,7 @@
 
 #include "frame/interfaces/IOrnVETMTrace.h"
 #include "host/support/words.h"
+#include "host/target/component_codec.h"
 #include "host/target/etm_programming.h"
 #include "host/target/etm_registers.h"
 
@@ -37,14 +38,14 @@ public:
 
     uint32_t TriggerCount() override {
         const uint32_t held = m_Bus.Read(m_Base + ETB_TRIGGER);
-        return InRegister(m_Count) == held ? m_Count : held + 1;
+        return EncodeTriggerCount(m_Count).value == held ? m_Count : DecodeTriggerCount(held);
     }
 
     Refusal SetTriggerCount(uint32_t count) override {
         if (count > m_Hardware.capacity) return TooMany(m_Hardware.capacity);
         if (IsCapturing()) return "The trigger count of an ETB cannot be changed while it captures";
         Prepare();
-        WriteChecked(m_Bus, "the ETB's trigger counter", m_Base + ETB_TRIGGER, InRegister(count));
+        Write("the ETB's trigger counter", EncodeTriggerCount(count));
         m_Count = count;
         return {};
     }
@@ -53,16 +54,10 @@ public:
         const uint32_t count = TriggerCount();
         Prepare();
         if ((control & ORN_CONTROL_ACCUMULATE) == 0) Empty();
-        m_Bus.Write(m_Base + ETB_TRIGGER, InRegister(count));
-        constexpr uint32_t kStops =
-            (1u << 0) | (1u << 1) | (0x7u << 4) | ETB_STOP_ON_FLUSH | ETB_STOP_ON_TRIGGER;
+        m_Bus.Write(m_Base + ETB_TRIGGER, EncodeTriggerCount(count).value);
         constexpr uint32_t kTriggers = ORN_CONTROL_TRIGGER_ADDRESS | ORN_CONTROL_TRIGGER_PIN;
-        const uint32_t formatter =
-            ETB_FORMATTING | ((control & kTriggers) != 0 ? ETB_STOP_ON_TRIGGER : 0);
-        WriteChecked(m_Bus, "the ETB's formatter control", m_Base + ETB_FORMATTER, formatter,
-                     kStops);
-        WriteChecked(m_Bus, "the ETB's control register", m_Base + ETB_CONTROL, ETB_CAPTURE,
-                     ETB_CAPTURE);
+        for (const RegisterWrite& write : EncodeCapture((control & kTriggers) != 0))
+            Write(write.offset == ETB_CONTROL ? kControl : "the ETB's formatter control", write);
     }
 
     void Stop() override {
@@ -103,34 +98,35 @@ public:
     }
 
     Capture Look(uint32_t, const std::vector<uint32_t>& words, const Capture& before) override {
+        const BufferState state = DecodeBuffer(words[0], words[1], words[2], words[3],
+                                               m_Hardware.capacity, m_Hardware.bufferIsController);
         Capture capture = before;
-        capture.running = (words[0] & ETB_CAPTURE) != 0 && (words[1] & ETB_FORMATTER_STOPPED) == 0;
-        capture.triggered = (words[2] & ETB_STATUS_TRIGGERED) != 0;
-        // A trace memory controller counts bytes. "Full" stays until the next capture begins.
-        const uint32_t pointer = m_Hardware.bufferIsController ? words[3] / 4 : words[3];
-        if ((words[0] & ETB_CAPTURE) != 0) m_Cleared = false;
-        capture.captured = m_Cleared ? 0
-                           : (words[2] & ETB_STATUS_FULL) != 0
-                               ? m_Hardware.capacity
-                               : std::min(pointer, m_Hardware.capacity);
+        capture.running = state.running;
+        capture.triggered = state.triggered;
+        if (state.enabled) m_Cleared = false;
+        capture.captured = m_Cleared ? 0 : state.captured;
         return capture;
     }
 
 private:
-    // This and one more words are stored behind the trigger.
-    static uint32_t InRegister(uint32_t count) { return count > 0 ? count - 1 : 0; }
+    static constexpr const char* kControl = "the ETB's control register";
+
+    // Each register of the buffer is written whole.
+    void Write(const char* name, const RegisterWrite& write) {
+        WriteChecked(m_Bus, name, m_Base + write.offset, write.value, write.mask);
+    }
 
     bool IsCapturing() {
         const uint32_t addresses[] = {m_Base + ETB_CONTROL, m_Base + ETB_FORMATTER_STATUS};
         const std::vector<uint32_t> words = m_Bus.Read(addresses);
-        return (words[0] & ETB_CAPTURE) != 0 && (words[1] & ETB_FORMATTER_STOPPED) == 0;
+        return DecodeBuffer(words[0], words[1], 0, 0, 0, false).running;
     }
 
     // Opens and disables the buffer, so that its registers can be written.
     void Prepare() {
         Unlock(m_Bus, m_Base, "ETB");
         if ((m_Bus.Read(m_Base + ETB_CONTROL) & ETB_CAPTURE) != 0)
-            WriteChecked(m_Bus, "the ETB's control register", m_Base + ETB_CONTROL, 0, ETB_CAPTURE);
+            Write(kControl, EncodeNoCapture());
         if (!m_Hardware.bufferIsController) return;
         Await(m_Bus, m_Base + ETB_STATUS, ETB_STATUS_COMPLETE, ETB_STATUS_COMPLETE);
         WriteChecked(m_Bus, "the buffer's mode register", m_Base + ETB_MODE, 0, 3);

@@ -142,12 +142,10 @@ std::vector<DwtComparator> Target::DwtComparators() {
     const std::vector<uint32_t> words = m_Bus->Read(addresses);
     for (uint32_t index = 0; index < m_Hardware.dwtComparators; ++index) {
         DwtComparator comparator;
-        comparator.address = words[2 * index];
-        comparator.function = words[2 * index + 1] & 0xF;
+        static_cast<DwtState&>(comparator) = DecodeDwt(words[2 * index], words[2 * index + 1]);
         if (const auto entry = state.dwt.find(index); entry != state.dwt.end()) {
             comparator.setHere = true;
-            comparator.lost =
-                comparator.function != DWT_FUNCTION_ETM_PC || comparator.address != entry->second;
+            comparator.lost = !comparator.TellsTheEtm() || comparator.address != entry->second;
         }
         comparators.push_back(comparator);
     }
@@ -181,19 +179,21 @@ Refusal Target::SetDwt(uint32_t index, uint32_t address) {
     }
     return Try([&]() -> Refusal {
         const uint32_t base = *m_Hardware.dwtBase;
-        const uint32_t function = m_Bus->Read(base + DWT_FUNCTION + 16 * index);
-        if (const uint32_t present = function & 0xF; present != 0 && present != DWT_FUNCTION_ETM_PC)
+        const std::vector<RegisterWrite> writes = EncodeDwt(index, address);
+        uint32_t function = m_Bus->Read(base + writes.front().offset);
+        if (const DwtState present = DecodeDwt(0, function); present.IsTaken())
             return "DWT comparator " + std::to_string(index) + " is in use: its function reads " +
-                   Hex(present);
+                   Hex(present.function);
         Unlock(*m_Bus, base, "DWT");
-        // Neither a data value nor a cycle count is compared, and no packet sent.
-        constexpr uint32_t kFields = 0xF | 1u << 5 | 1u << 7 | 1u << 8;
-        const uint32_t other = function & ~kFields & ~(1u << 9) & ~(1u << 24);
-        m_Bus->Write(base + DWT_FUNCTION + 16 * index, other);
-        WriteChecked(*m_Bus, "the DWT's address", base + DWT_COMP + 16 * index, address);
-        WriteChecked(*m_Bus, "the DWT's mask", base + DWT_MASK + 16 * index, 0, 0x1F);
-        WriteChecked(*m_Bus, "the DWT's function", base + DWT_FUNCTION + 16 * index,
-                     other | DWT_FUNCTION_ETM_PC, kFields);
+        function = writes.front().Over(function);
+        m_Bus->Write(base + writes.front().offset, function);
+        constexpr const char* kNames[] = {"the DWT's address", "the DWT's mask",
+                                          "the DWT's function"};
+        for (size_t i = 1; i < writes.size(); ++i) {
+            const bool last = writes[i].offset == writes.front().offset;
+            WriteChecked(*m_Bus, kNames[i - 1], base + writes[i].offset,
+                         writes[i].Over(last ? function : 0), writes[i].mask);
+        }
         state.dwt[index] = address;
         return {};
     });
@@ -204,13 +204,14 @@ Refusal Target::ClearDwt(uint32_t index) {
         const std::vector<DwtComparator> comparators = DwtComparators();
         if (index >= comparators.size()) return "There is no such DWT comparator";
         const uint32_t function = comparators[index].function;
-        if (function != 0 && function != DWT_FUNCTION_ETM_PC)
+        if (comparators[index].IsTaken())
             return "DWT comparator " + std::to_string(index) + " is in use: its function reads " +
                    Hex(function);
         if (function != 0) {
             Unlock(*m_Bus, *m_Hardware.dwtBase, "DWT");
-            WriteChecked(*m_Bus, "the DWT's function",
-                         *m_Hardware.dwtBase + DWT_FUNCTION + 16 * index, 0, 0xF);
+            for (const RegisterWrite& write : EncodeDwt(index, std::nullopt))
+                WriteChecked(*m_Bus, "the DWT's function", *m_Hardware.dwtBase + write.offset,
+                             write.value, write.mask);
         }
         state.dwt.erase(index);
         return {};

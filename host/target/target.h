@@ -10,6 +10,7 @@
 
 #include "host/support/refusal.h"
 #include "host/target/capture.h"
+#include "host/target/component_codec.h"
 #include "host/target/etm_codec.h"
 #include "host/target/expression.h"
 #include "host/target/trace_hardware.h"
@@ -37,9 +38,7 @@ struct Address {
 };
 
 /// One comparator of the DWT.
-struct DwtComparator {
-    uint32_t address = 0;
-    uint32_t function = 0; ///< what it does; 0: nothing
+struct DwtComparator : DwtState {
     bool setHere = false;
     bool lost = false; ///< it was set here, and does not hold that any more
 };

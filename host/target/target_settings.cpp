@@ -48,11 +48,8 @@ TraceSettings Target::Settings() {
     settings.trigger = text(asked.trigger, held.trigger);
     settings.halfRate = held.halfRate;
     settings.portSize = held.portSize;
-    if (m_Hardware.tpiuBase) {
-        const std::vector<uint32_t> sizes =
-            PortSizes(m_Bus->Read(*m_Hardware.tpiuBase + TPIU_CURRENT));
-        settings.portSize = sizes.size() == 1 ? sizes[0] : 0;
-    }
+    if (m_Hardware.tpiuBase)
+        settings.portSize = DecodePortSize(m_Bus->Read(*m_Hardware.tpiuBase + TPIU_CURRENT));
     return settings;
 }
 
@@ -278,11 +275,11 @@ Refusal Target::SetPortSize(uint32_t bits) {
         return "This chip has no trace port of " + std::to_string(bits) + " bits";
     return Try([&]() -> Refusal {
         if (m_Hardware.tpiuBase) {
-            const uint32_t address = *m_Hardware.tpiuBase + TPIU_CURRENT;
-            const uint32_t size = PortSizeMask(std::span(&bits, 1));
-            if (m_Bus->Read(address) != size) {
+            const RegisterWrite size = EncodePortSize(bits);
+            const uint32_t address = *m_Hardware.tpiuBase + size.offset;
+            if (m_Bus->Read(address) != size.value) {
                 Unlock(*m_Bus, *m_Hardware.tpiuBase, "TPIU");
-                WriteChecked(*m_Bus, "the TPIU's current port size", address, size);
+                WriteChecked(*m_Bus, "the TPIU's current port size", address, size.value);
             }
         } else {
             EtmSettings wanted = DecodeSettings(m_Hardware.etm, ReadImage());

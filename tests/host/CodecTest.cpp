@@ -7,6 +7,8 @@
 
 #include <random>
 
+#include "host/support/words.h"
+#include "host/target/component_codec.h"
 #include "host/target/etm_registers.h"
 #include "host/target/target.h"
 
@@ -121,6 +123,67 @@ TEST_P(Codec, BringsBackWhatItWasGivenAndLeavesTheRest) {
 
 INSTANTIATE_TEST_SUITE_P(Chips, Codec,
                          ::testing::Values("arm7", "arm926", "cortex-a8", "cortex-m4"));
+
+// The registers beside the ETM: over anything that may stand there.
+TEST(ComponentCodec, BringsBackWhatItWasGivenAndLeavesTheRest) {
+    std::mt19937 random{20261124};
+    for (int round = 0; round < 4000 && !::testing::Test::HasFailure(); ++round) {
+        std::map<uint32_t, uint32_t> before;
+        for (uint32_t offset = DWT_COMP; offset < DWT_COMP + 0x40; offset += 4)
+            before[offset] = static_cast<uint32_t>(random());
+        const uint32_t index = random() % 4, own = 16 * index;
+        const bool watches = random() % 3 != 0;
+        const auto address = static_cast<uint32_t>(random());
+        std::map<uint32_t, uint32_t> after = before;
+        std::map<uint32_t, uint32_t> masks;
+        for (const RegisterWrite& write :
+             EncodeDwt(index, watches ? std::optional(address) : std::nullopt)) {
+            uint32_t& word = after[write.offset];
+            EXPECT_TRUE(write.offset != DWT_COMP + own || (after[DWT_FUNCTION + own] & 0xF) == 0)
+                << "the address changes while it is compared";
+            word = write.Over(word);
+            masks[write.offset] |= write.mask;
+        }
+        for (const auto& [offset, word] : after)
+            EXPECT_EQ((word ^ before[offset]) & ~masks[offset], 0u) << Hex(offset);
+        const DwtState state = DecodeDwt(after[DWT_COMP + own], after[DWT_FUNCTION + own]);
+        EXPECT_EQ(state.TellsTheEtm(), watches);
+        EXPECT_FALSE(state.IsTaken());
+        EXPECT_EQ(state.address, watches ? address : before[DWT_COMP + own]);
+        EXPECT_TRUE(!watches || (after[DWT_FUNCTION + own] & 0x1A0) == 0)
+            << "compares other things";
+
+        const uint32_t several = static_cast<uint32_t>(random()) | 3;
+        EXPECT_EQ(DecodePortSize(several), 0u);
+        const uint32_t bits = 1 + static_cast<uint32_t>(round) % 32;
+        EXPECT_EQ(DecodePortSize(EncodePortSize(bits).value), bits);
+        const uint32_t count = 1 + static_cast<uint32_t>(random()) % 0xFFFF;
+        EXPECT_EQ(DecodeTriggerCount(EncodeTriggerCount(count).value), count);
+    }
+    EXPECT_EQ(DecodePortSize(0), 0u);
+    EXPECT_EQ(EncodeTriggerCount(0).value, 0u);
+}
+
+TEST(ComponentCodec, ABufferRunsUntilItsFormatterHasStopped) {
+    uint32_t image[2] = {0xFFFF, 0};
+    const auto begin = [&](bool stopsOnTrigger) {
+        for (const RegisterWrite& write : EncodeCapture(stopsOnTrigger)) {
+            uint32_t& word = image[write.offset == ETB_CONTROL ? 1 : 0];
+            word = write.Over(word);
+        }
+        return image[0];
+    };
+    EXPECT_EQ(begin(true), 0xFFFFu & ~0x1072u) << "formatted, and nothing but the trigger stops it";
+    EXPECT_EQ(begin(false), 0xFFFFu & ~0x3072u);
+    EXPECT_TRUE(DecodeBuffer(image[1], 0, 0, 0, 8, false).running);
+    EXPECT_FALSE(DecodeBuffer(image[1], ETB_FORMATTER_STOPPED, 0, 0, 8, false).running);
+    EXPECT_FALSE(DecodeBuffer(EncodeNoCapture().Over(image[1]), 0, 0, 0, 8, false).enabled);
+    EXPECT_EQ(DecodeBuffer(0, 0, 0, 5, 8, false).captured, 5u);
+    EXPECT_EQ(DecodeBuffer(0, 0, 0, 20, 8, true).captured, 5u) << "in bytes";
+    EXPECT_EQ(DecodeBuffer(0, 0, ETB_STATUS_FULL, 5, 8, false).captured, 8u);
+    EXPECT_TRUE(DecodeBuffer(0, 0, ETB_STATUS_TRIGGERED, 99, 8, false).triggered);
+    EXPECT_EQ(DecodeBuffer(0, 0, 0, 99, 8, false).captured, 8u);
+}
 
 } // namespace
 } // namespace etmhost
