@@ -63,6 +63,8 @@ test_dev() {
   run_tests build/dev
   echo "The road to a real debug server, in one command:"
   tools/openocd-road build/dev/bin/etmhost openocd --journal tour build/dev/road
+  echo "What comes out of a trace port, to a decoder:"
+  tests/decoder_road.py build/dev/decoder
   echo "Real windows on a virtual X server:"
   # A server that starts anew with each last client refuses the next one meanwhile.
   QT_QPA_PLATFORM=xcb QT_LOGGING_RULES=default.warning=false timeout 300 \

@@ -12,7 +12,7 @@ REMOTE_PACKAGES=(openocd)
 # and a debugger.
 TEST_PACKAGES=(clang libclang-rt-14-dev lld llvm clang-format clang-tidy shellcheck libgtest-dev
   libgmock-dev xvfb xauth binutils fonts-liberation2 fonts-cantarell python3
-  groff-base openocd gdb-multiarch qemu-system-arm)
+  groff-base openocd gdb-multiarch qemu-system-arm libopencsd-bin)
 
 # To measure them, beside a generated scanner.
 BENCH_PACKAGES=(libbenchmark-dev re2c python3)
