@@ -130,6 +130,12 @@ std::span<const CommandLanguage::Row> CommandLanguage::Rows() {
          }},
         {Command, "dwt", "N ADDRESS|off", "set DWT comparator N of a Cortex-M; free it",
          [](Self& self, Text text, Stream) { return self.Dwt(text); }},
+        {Command, "set control=", "WORD", "set the general control word, whose bits \"show\" tells",
+         [](Self& self, Text text, Stream) { return self.Value(&Target::SetControl, text); }},
+        {Command, "set triggercount=", "WORDS", "how much to capture behind the trigger",
+         [](Self& self, Text text, Stream) { return self.Value(&Target::SetTriggerCount, text); }},
+        {Command, "setting", "SECTION/KEY=VALUE", "keep a named setting",
+         [](Self& self, Text text, Stream) { return self.Setting(text); }},
         {Board, "trace clear", "", "forget what was captured",
          [](Self& self, Text, Stream) { return self.m_Target.ClearBuffer(); }},
         {Board, "trace enable", "", "the trace pins are switched on",
@@ -271,6 +277,24 @@ Refusal CommandLanguage::PortSize(std::string_view value) {
     const auto [last, error] = std::from_chars(value.data(), end, size);
     if (error != std::errc() || last != end) return "Port size expected, not " + Quoted(value);
     return m_Target.SetPortSize(size);
+}
+
+Refusal CommandLanguage::Value(Refusal (Target::*set)(uint32_t), std::string_view text) {
+    const Evaluation result = Evaluate(text, m_Symbols);
+    if (!result.error.empty()) return "Bad value: " + result.ErrorText();
+    return (m_Target.*set)(result.value);
+}
+
+// The value is everything behind the "=": a path may have blanks wherever it likes.
+Refusal CommandLanguage::Setting(std::string_view text) {
+    const size_t slash = text.find('/'), equals = text.find('=');
+    if (equals == std::string_view::npos || slash > equals)
+        return "SECTION/KEY=VALUE expected, not " + Quoted(text);
+    if (m_Settings == nullptr) return "There are no named settings here";
+    const std::string section(text.substr(0, slash));
+    (*m_Settings)[section][std::string(text.substr(slash + 1, equals - slash - 1))] =
+        text.substr(equals + 1);
+    return {};
 }
 
 Refusal CommandLanguage::Dwt(std::string_view text) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <iosfwd>
+#include <map>
 #include <span>
 #include <string>
 #include <string_view>
@@ -13,6 +14,9 @@
 #include "host/target/target.h"
 
 namespace etmhost {
+
+/// Named settings: section, key, value.
+using NamedSettings = std::map<std::string, std::map<std::string, std::string>>;
 
 /// A form of command, for people.
 struct CommandForm {
@@ -37,9 +41,9 @@ std::vector<CommandForm> BoardForms();
 /// only. On a real one "mem_write" writes a word of 32 bits, and says so.
 class CommandLanguage {
 public:
-    /// `target` and `symbols` must outlive the object.
-    CommandLanguage(Target& target, const Symbols& symbols)
-        : m_Target(target), m_Symbols(symbols) {}
+    /// All must outlive the object. Without `settings` none can be set.
+    CommandLanguage(Target& target, const Symbols& symbols, NamedSettings* settings = nullptr)
+        : m_Target(target), m_Symbols(symbols), m_Settings(settings) {}
 
     /// Carries out `text`. `stream` receives the report of "capability" with a NUL behind it; all
     /// other commands leave it alone, and "capability" is refused without one.
@@ -59,6 +63,8 @@ private:
     Refusal DataEnd(Refusal (Target::*set)(const Address&), std::string_view address);
     Refusal Trigger(std::string_view address);
     Refusal PortSize(std::string_view value);
+    Refusal Value(Refusal (Target::*set)(uint32_t), std::string_view text);
+    Refusal Setting(std::string_view text);
     Refusal Dwt(std::string_view text);
     Refusal InitMemory(std::string_view text);
     Refusal WriteMemory(std::string_view text);
@@ -67,6 +73,7 @@ private:
 
     Target& m_Target;
     const Symbols& m_Symbols;
+    NamedSettings* m_Settings;
     int m_BoardLine = 0; // the number of the line that runs
 };
 
