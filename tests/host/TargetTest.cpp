@@ -9,6 +9,7 @@
 
 #include "frame/interfaces/IOrnVETMTrace.h"
 #include "host/support/words.h"
+#include "host/target/OverlayBus.h"
 #include "host/target/command.h"
 #include "host/target/etm_registers.h"
 
@@ -166,6 +167,65 @@ private:
     ChipRegisters m_Registers;
     SimulatedChip m_Chip{*FindChip("cortex-m4-etb"), m_Registers};
 };
+
+// What was written over a chip acts as on the chip, which gets nothing of it.
+TEST(Overlay, ActsAsTheChipAndLeavesItAlone) {
+    const char* const commands[] = {"etm pc=start 1",
+                                    "enable",
+                                    "etm pc=from main",
+                                    "etm pc=to main+8",
+                                    "etm data=from 4",
+                                    "etm data=to 8",
+                                    "start",
+                                    "set triggercount=8",
+                                    "stop",
+                                    "start",
+                                    "etm trigger 2",
+                                    "stop",
+                                    "dwt 0 main",
+                                    "etm pc=stop 0",
+                                    "etm portsize=4",
+                                    "set control=0x5",
+                                    "macro /startup",
+                                    "disable",
+                                    "start"};
+    for (const char* name : kOnChip) {
+        SCOPED_TRACE(name);
+        Bench direct(name), below(name);
+        for (Bench* bench : {&direct, &below}) {
+            if (!bench->chip->hardware.hasTracePower) continue;
+            bench->chip->Write(DEMCR, DEMCR_TRCENA);
+            bench->chip->written.clear();
+        }
+        struct Below final : RegisterBus { // the chip is the bench's
+            explicit Below(RegisterBus& chip) : bus(chip) {}
+            using RegisterBus::Read;
+            std::vector<uint32_t> Read(std::span<const uint32_t> addresses) override {
+                return bus.Read(addresses);
+            }
+            void Write(uint32_t, uint32_t) override { ADD_FAILURE(); }
+            Refusal PreparePort(uint32_t) override { return "not to be reached"; }
+            RegisterBus& bus;
+        };
+        const ChipRegisters held = below.chip->registers;
+        auto overlay = std::make_unique<OverlayBus>(std::make_unique<Below>(*below.chip));
+        overlay->Know(below.chip->hardware);
+        Target target(std::move(overlay), below.chip->hardware, kMainAlone,
+                      [](const std::string&) {});
+        CommandLanguage language(target, kMainAlone);
+        for (const char* command : commands) {
+            SCOPED_TRACE(command);
+            EXPECT_EQ(language.Execute(command, nullptr).value_or("ok"), direct.Run(command));
+            target.Look();
+            direct.target.Look();
+            EXPECT_EQ(target.SettingsLines(), direct.target.SettingsLines());
+            EXPECT_EQ(target.Control(), direct.target.Control());
+            EXPECT_EQ(target.TriggerCount(), direct.target.TriggerCount());
+            EXPECT_EQ(target.StateWord(), direct.target.StateWord());
+        }
+        EXPECT_EQ(below.chip->registers, held);
+    }
+}
 
 TEST(Discovery, RefusesByNameWhatItCannotDrive) {
     constexpr uint32_t kTable = 0xE00FF000, kEtm = 0xE0041000, kEtb = 0xE0042000;
