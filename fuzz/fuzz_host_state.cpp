@@ -41,7 +41,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     static const StateUnderTest file;
     const std::string content(reinterpret_cast<const char*>(data), size);
     std::ofstream(file.path, std::ios::binary) << content;
-    SimulatedHost host(*FindChip("arm926"), {}, Journal());
+    SimulatedHost host(*FindChip("arm926"));
     try {
         StateFile state(file.path);
         state.Load(host);
@@ -50,7 +50,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         Require(file.Read() == content);
         return 0;
     }
-    SimulatedHost again(*FindChip("arm926"), {}, Journal());
+    SimulatedHost again(*FindChip("arm926"));
     StateFile(file.path).Load(again);
     Require(again.target.state == host.target.state && again.settings == host.settings);
     return 0;

@@ -99,43 +99,34 @@ Status RunCommands(SimulatedHost& host, const std::vector<std::string>& commands
     return status;
 }
 
-Status OpenDialog(ModuleSession& session, SimulatedHost& host, std::ostream& errors) {
-    host.journal.Step("Open");
-    const bool shown = session.control().Open();
-    host.journal.Step("Open gave " + YesNo(shown));
-    if (!shown) PrintRefusal(errors, kProgram, "the dialog did not open: " + session.LastError());
+Status OpenDialog(ModuleSession& session, record::EventStream& events) {
+    const bool shown = session.Open();
+    if (!shown) events.Note("the dialog did not open: " + session.LastError());
     return shown ? kDone : kFailed;
 }
 
-Status Apply(ModuleSession& session, SimulatedHost& host, std::ostream& out, std::ostream& errors) {
-    host.journal.Step("Apply");
-    if (session.control().Apply()) {
+Status Apply(ModuleSession& session, record::EventStream& events, std::ostream& out) {
+    if (session.Apply()) {
         out << "applied\n";
         return kDone;
     }
     const std::string reason = session.LastError();
-    PrintRefusal(errors, kProgram,
-                 "the module could not apply: " +
-                     (reason.empty() ? "the target refused a step" : reason));
+    events.Note("the module could not apply: " +
+                (reason.empty() ? "the target refused a step" : reason));
     return kFailed;
 }
 
-Status InitBoardFile(ModuleSession& session, SimulatedHost& host, const std::string& directory,
-                     std::ostream& out, std::ostream& errors) {
-    IOrnKVETMSupp& support = session.support();
-    char value[260] = "";
-    char error[260] = "";
-    int32_t mode = -1;
-    host.journal.Step("InitBoardFile " + Quote(directory.c_str()));
-    const bool settled = support.InitBoardFile(directory.c_str(), value, sizeof value, &mode);
-    support.GetLastError(error, sizeof error);
+Status InitBoardFile(ModuleSession& session, record::EventStream& events,
+                     const std::string& directory, std::ostream& out) {
+    const BoardFileAnswer answer = session.InitBoardFile(directory);
     // Without a choice the support component says that the user cancelled, also where the dialog
     // never came up to ask. The control component knows why.
     const std::string unopened = session.LastError();
-    out << "result: " << YesNo(settled) << "\nmode: " << mode << "\nvalue: " << value
-        << "\nerror: " << (unopened.empty() ? error : unopened) << '\n';
-    if (!unopened.empty()) PrintRefusal(errors, kProgram, "the dialog did not open: " + unopened);
-    return settled ? kDone : kFailed;
+    out << "result: " << YesNo(answer.settled) << "\nmode: " << answer.mode
+        << "\nvalue: " << answer.value
+        << "\nerror: " << (unopened.empty() ? answer.error : unopened) << '\n';
+    if (!unopened.empty()) events.Note("the dialog did not open: " + unopened);
+    return answer.settled ? kDone : kFailed;
 }
 
 } // namespace etmhost

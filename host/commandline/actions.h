@@ -45,15 +45,15 @@ Status ShowTargetJson(SimulatedHost& host, std::ostream& out);
 Status RunCommands(SimulatedHost& host, const std::vector<std::string>& commands,
                    std::ostream& out);
 
-/// Shows the dialog, and returns when it has closed. Failures go to `errors`.
-Status OpenDialog(ModuleSession& session, SimulatedHost& host, std::ostream& errors);
+/// Shows the dialog, and returns when it has closed. Failures are notes among `events`.
+Status OpenDialog(ModuleSession& session, record::EventStream& events);
 
-/// Sends the module's settings to the target.
-Status Apply(ModuleSession& session, SimulatedHost& host, std::ostream& out, std::ostream& errors);
+/// Sends the module's settings to the target. Failures are notes too.
+Status Apply(ModuleSession& session, record::EventStream& events, std::ostream& out);
 
 /// Has the module settle its board file, and prints what it answers. A dialog that cannot open to
-/// ask goes to `errors` too.
-Status InitBoardFile(ModuleSession& session, SimulatedHost& host, const std::string& directory,
-                     std::ostream& out, std::ostream& errors);
+/// ask is a note too.
+Status InitBoardFile(ModuleSession& session, record::EventStream& events,
+                     const std::string& directory, std::ostream& out);
 
 } // namespace etmhost

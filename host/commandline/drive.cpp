@@ -109,11 +109,10 @@ void PreparePictures(const std::string& command, const std::string& directory) {
     if (!writable) throw HostError(command + ": cannot write into directory \"" + directory + "\"");
 }
 
-Status Drive(ModuleSession& session, SimulatedHost& host, const Script& script,
+Status Drive(ModuleSession& session, record::EventStream& events, const Script& script,
              const std::string& pictures, std::ostream& errors) {
     const std::unique_ptr<User> user = MakeUser();
-    Interpreter interpreter(script, *user,
-                            [&](const std::string& what) { host.journal.Step(what); });
+    Interpreter interpreter(script, *user, [&](const std::string& what) { events.Step(what); });
     if (!pictures.empty()) interpreter.SetPictures(ToPath(pictures));
     const auto give = [&](const std::string& up) {
         const std::string& failure = interpreter.failure();
@@ -127,7 +126,7 @@ Status Drive(ModuleSession& session, SimulatedHost& host, const Script& script,
     {
         const Watchdog watchdog(
             interpreter, [&] { give("the windows do not answer"); });
-        DriveWindows(interpreter, [&] { status = OpenDialog(session, host, errors); });
+        DriveWindows(interpreter, [&] { status = OpenDialog(session, events); });
     }
     if (status == kDone) interpreter.End();
     if (interpreter.failure().empty()) return status;

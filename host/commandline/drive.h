@@ -27,11 +27,11 @@ Script TourScript();
 /// Makes the directory of the pictures and looks whether it can be written. Throws HostError.
 void PreparePictures(const std::string& command, const std::string& directory);
 
-/// Opens the dialog and carries the script out. Its steps go into the host's journal, and a failure
+/// Opens the dialog and carries the script out. Its steps go to `events`, and a failure
 /// to `errors`, headed by file and line. The dialog is closed in any case; where that is not
 /// possible, the program ends.
 /// REQUIRES: the screen of PrepareDrivenScreen.
-Status Drive(ModuleSession& session, SimulatedHost& host, const Script& script,
+Status Drive(ModuleSession& session, record::EventStream& events, const Script& script,
              const std::string& pictures, std::ostream& errors);
 
 } // namespace etmhost

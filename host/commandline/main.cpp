@@ -4,7 +4,10 @@
 #include <algorithm>
 #include <iostream>
 #include <optional>
+#include <sstream>
 
+#include "host/commandline/dry_run.h"
+#include "host/commandline/outputs.h"
 #include "host/commandline/parser.h"
 #include "host/commandline/remote.h"
 #include "host/commandline/screen.h"
@@ -32,7 +35,7 @@ struct Options {
     std::vector<std::string> commands;
     DriveOptions drive;
     bool dark = false;
-    bool journal = false;
+    OutputOptions output;
     bool json = false;
     std::string topic; // of help
     std::string form;  // of the manual
@@ -65,11 +68,58 @@ Status RunWithModule(const std::string& command, const Options& options,
         screen = PrepareDarkScreen();
     LoadedModule module(ModuleFile(options));
     ModuleSession session(module.object(), module.path(), host);
-    if (command == "apply") return Apply(session, host, std::cout, std::cerr);
-    if (command == "init-board")
-        return InitBoardFile(session, host, options.directory, std::cout, std::cerr);
-    if (script) return Drive(session, host, *script, options.drive.pictures, std::cerr);
-    return OpenDialog(session, host, std::cerr);
+    if (command == "open") return OpenDialog(session, host.events);
+    if (script) return Drive(session, host.events, *script, options.drive.pictures, std::cerr);
+    std::ostringstream out;
+    const Status status = command == "apply"
+                              ? Apply(session, host.events, out)
+                              : InitBoardFile(session, host.events, options.directory, out);
+    std::cout << (options.output.ForRun() ? Remarks(out.str()) : out.str());
+    return status;
+}
+
+// The lines that `run` gets from a person or another program: commands, and what passes as a
+// remark or as nothing at all.
+std::vector<std::string> ReadCommands(std::istream& in) {
+    std::vector<std::string> commands;
+    for (std::string line; std::getline(in, line);) {
+        if (line.ends_with('\r')) line.pop_back();
+        const std::string_view text = SkipBlanks(line);
+        if (!text.empty() && text.front() != '#') commands.push_back(line);
+    }
+    if (in.bad()) throw HostError("run: cannot read the standard input");
+    return commands;
+}
+
+// Carries out a command that works on the target.
+Status Work(const std::string& command, const Options& options, const std::optional<Script>& script,
+            SimulatedHost& host) {
+    const OutputOptions& output = options.output;
+    if (output.dryRun) std::cout << Remarks(kDryRun) << std::flush;
+    std::optional<BoardFilesBefore> files;
+    if (output.dryRun)
+        files.emplace(options.directory.empty()
+                          ? std::filesystem::weakly_canonical(ModuleFile(options)).parent_path()
+                          : ToPath(options.directory));
+    std::optional<ChangesOf> changes;
+    if (output.ForRun()) changes.emplace(host);
+    std::optional<Watch> watch;
+    if (output.watch) watch.emplace(host, output.journal);
+    Status status = kDone;
+    if (command == "run")
+        status =
+            RunCommands(host,
+                        options.commands == std::vector<std::string>{"-"} ? ReadCommands(std::cin)
+                                                                          : options.commands,
+                        std::cout);
+    else
+        status = RunWithModule(command, options, script, host);
+    watch.reset();
+    if (files)
+        for (const std::string& file : files->WrittenSince())
+            std::cout << Remarks("the board file \"" + file + "\" has been written");
+    if (changes) std::cout << Remarks(changes->Tell(output.dryRun)) << std::flush;
+    return status;
 }
 
 std::vector<std::string> ChipNames() {
@@ -88,18 +138,22 @@ void CheckDirectory(const std::string& directory) {
         throw HostError("cannot read directory \"" + Escape(directory) + "\"");
 }
 
-std::unique_ptr<SimulatedHost> MakeHost(const Options& options, const Journal& journal) {
+std::unique_ptr<SimulatedHost> MakeHost(const Options& options, record::EventStream& events) {
     Symbols symbols = options.symbols.empty() ? Symbols() : ReadSymbols(ToPath(options.symbols));
     if (options.isRemote)
-        return MakeRemoteHost(options.remote, options.bases, std::move(symbols), journal,
-                              std::cerr);
+        return MakeRemoteHost(options.remote, options.bases, std::move(symbols), events,
+                              options.output.dryRun, std::cerr);
     const Chip* chip = FindChip(options.chip);
     if (chip == nullptr) {
         throw HostError(
             "there is no chip \"" + Escape(options.chip) + "\"" +
             DidYouMean(options.chip, ChipNames(), "\"etmhost chips\" lists those there are"));
     }
-    return std::make_unique<SimulatedHost>(*chip, std::move(symbols), journal);
+    return std::make_unique<SimulatedHost>(*chip, std::move(symbols), events);
+}
+
+std::string ProgramName() {
+    return std::string(kProgram) + " " ETMHOST_VERSION;
 }
 
 Status Run(const std::string& command, const Options& options) {
@@ -113,15 +167,20 @@ Status Run(const std::string& command, const Options& options) {
         if (!script) return kBadInput;
         if (!options.drive.pictures.empty()) PreparePictures(command, options.drive.pictures);
     }
-    const bool journal = options.journal || command == "tour";
-    const std::unique_ptr<SimulatedHost> made =
-        MakeHost(options, Journal(journal ? &std::cout : nullptr, &std::cerr));
+    OutputOptions output = options.output;
+    output.journal |= command == "tour";
+    output.echo |= output.dryRun && command != "run"; // which says itself what it has carried out
+    Outputs outputs(output, ProgramName());
+    const std::unique_ptr<SimulatedHost> made = MakeHost(options, outputs.events());
     SimulatedHost& host = *made;
+    TellTarget(host, output.dryRun);
     std::optional<StateFile> state;
     std::string failure; // why the last change could not be kept
     if (!options.state.empty()) {
         state.emplace(ToPath(options.state));
         state->Load(host);
+    }
+    if (state && !output.dryRun) {
         host.transaction = [&](const std::function<void()>& change) {
             try {
                 state->Update(host, change);
@@ -129,7 +188,7 @@ Status Run(const std::string& command, const Options& options) {
             } catch (const HostError& error) {
                 if (failure != error.what()) { // else it has been told
                     failure = error.what();
-                    PrintRefusal(std::cerr, kProgram, failure);
+                    host.events.Note(failure);
                 }
             }
         };
@@ -138,13 +197,9 @@ Status Run(const std::string& command, const Options& options) {
         return options.json ? ShowTargetJson(host, std::cout) : ShowTarget(host, std::cout);
     if (command == "serve")
         return ServeChip(host, *FindChip(options.chip), options.port, options.once, std::cout);
-    Status status = kDone;
-    if (command == "run")
-        status = RunCommands(host, options.commands, std::cout);
-    else
-        status = RunWithModule(command, options, script, host);
+    const Status status = Work(command, options, script, host);
     host.transaction([] {}); // the last try to keep what could not be kept before
-    if (!failure.empty()) return kBadInput;
+    if (!failure.empty() || outputs.Failed()) return kBadInput;
     // What was set behind that never reached the chip.
     return status == kDone && !host.target.lost().empty() ? kFailed : status;
 }
@@ -155,7 +210,7 @@ std::string Version() {
         {"IOrnKVETMCtrl", ORN_KVETM_CTRL_VERSION},
         {"IOrnKVETMSupp", ORN_KVETM_SUPP_VERSION},
     };
-    std::string version = std::string(kProgram) + " " ETMHOST_VERSION "\ninterfaces:";
+    std::string version = ProgramName() + "\ninterfaces:";
     for (const auto& [name, number] : kInterfaces)
         version +=
             std::string(version.ends_with(':') ? " " : ", ") + name + " " + std::to_string(number);
@@ -182,6 +237,28 @@ void DescribeDrive(CLI::App* drive, CLI::App* tour, DriveOptions& options) {
         command->add_option("--scale", options.scale, "At FACTOR times the size, 0.5 to 4")
             ->type_name("FACTOR")
             ->check(CLI::Range(0.5, 4.0));
+    }
+}
+
+// What is told while a command works on the target, and whether it really does.
+void DescribeEvents(CLI::App& app, OutputOptions& options) {
+    for (const char* name : {"open", "apply", "init-board", "drive", "tour"}) {
+        app.get_subcommand(name)->add_flag(
+            "--echo", options.echo,
+            "Print what is sent as commands that \"etmhost run -\" takes, and at the end what has "
+            "changed on the target");
+    }
+    for (const char* name : {"open", "apply", "init-board", "drive", "tour", "run"}) {
+        app.get_subcommand(name)->add_flag(
+            "--dry-run", options.dryRun,
+            "Show what would be sent and would change, on a copy of the target: chip, state file "
+            "and named settings stay. A board file that is created is written all the same");
+    }
+    for (const char* name : {"open", "init-board", "drive"}) {
+        app.get_subcommand(name)->add_flag(
+            "--watch", options.watch,
+            "While the dialog is open, keep a line on the terminal: capture, fill, trigger, what "
+            "was sent last, what was refused last");
     }
 }
 
@@ -214,9 +291,13 @@ void Describe(CLI::App& app, Options& options) {
         ->type_name("FILE");
     app.add_option("--symbols", options.symbols, "Take symbols for addresses from the ELF FILE")
         ->type_name("FILE");
-    app.add_flag("--journal", options.journal,
+    app.add_flag("--journal", options.output.journal,
                  "Print every call of the module to the host with its answer; of those that poll "
                  "the capture only the ones with news");
+    app.add_option("--journal-file", options.output.journalFile,
+                   "Write every call between host and module to FILE, as JSON lines; "
+                   "docs/etmhost.md has the keys")
+        ->type_name("FILE");
     app.add_flag("--dark", options.dark, "Show windows in dark colours");
 
     const auto command = [&app](const char* name, const char* text) {
@@ -230,7 +311,8 @@ void Describe(CLI::App& app, Options& options) {
                       "As JSON, for programs; docs/etmhost.md has the keys");
     command("run", "Carry out commands of the host's language on the target")
         ->add_option("COMMAND", options.commands,
-                     "Commands such as 'etm pc=all', each an argument of its own")
+                     "Commands such as 'etm pc=all', each an argument of its own; -: those on the "
+                     "lines of the standard input, where # begins a remark")
         ->required()
         ->type_name("LANGUAGE");
     command("open", "Show the dialog");
@@ -249,6 +331,7 @@ void Describe(CLI::App& app, Options& options) {
         command("tour",
                 "Go through the dialog off-screen, take pictures and print the conversation"),
         options.drive);
+    DescribeEvents(app, options.output);
     command("help", "Tell about a command")
         ->add_option("COMMAND", options.topic, "The command; without one, about the program")
         ->type_name("COMMANDS");

@@ -8,6 +8,7 @@
 #include "host/serve/serve.h"
 #include "host/support/host_error.h"
 #include "host/support/words.h"
+#include "host/target/OverlayBus.h"
 
 namespace etmhost {
 
@@ -47,19 +48,33 @@ extern "C" void StopServing(int) {
 
 std::unique_ptr<SimulatedHost> MakeRemoteHost(const std::string& text,
                                               const std::vector<std::string>& bases,
-                                              Symbols symbols, Journal journal,
-                                              std::ostream& told) {
+                                              Symbols symbols, record::EventStream& events,
+                                              bool dryRun, std::ostream& told) {
     const RemoteAddress address = ParseRemoteAddress(text);
     const KnownBases known = ParseBases(bases);
     std::unique_ptr<RegisterBus> bus = Connect(address, told);
+    OverlayBus* overlay = nullptr;
+    if (dryRun) {
+        auto over = std::make_unique<OverlayBus>(std::move(bus));
+        overlay = over.get();
+        bus = std::move(over);
+    }
     try {
-        TraceHardware hardware = Discover(
-            *bus, known, [&told](const std::string& line) { PrintRefusal(told, kProgram, line); });
+        const Tell tell = [&events, dryRun](const std::string& text) {
+            events.Note((dryRun ? "dry run: " : "") + text);
+        };
+        TraceHardware hardware = Discover(*bus, known, tell);
         hardware.name = address.Text();
-        return std::make_unique<SimulatedHost>(std::move(bus), hardware, std::move(symbols),
-                                               journal);
+        if (overlay != nullptr) overlay->Know(hardware);
+        overlay = nullptr; // the host's from here on
+        return std::make_unique<SimulatedHost>(std::move(bus), hardware, std::move(symbols), events,
+                                               tell);
     } catch (const BusError& error) {
-        throw HostError(address.Text() + ": " + error.what());
+        // Nothing but the power of trace is written on the way here.
+        throw HostError(address.Text() + ": " + error.what() +
+                        (overlay != nullptr && overlay->HasWrites()
+                             ? "; a dry run does not switch trace power on, \"etmhost show\" does"
+                             : ""));
     }
 }
 

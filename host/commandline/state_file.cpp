@@ -7,6 +7,7 @@
 #include <random>
 #include <thread>
 
+#include "host/record/json_text.h"
 #include "host/support/host_error.h"
 #include "host/support/system.h"
 
@@ -28,21 +29,12 @@ constexpr int kDeepest = 16;
 constexpr int kReadTries = 20;
 constexpr std::chrono::milliseconds kReadPause(10);
 
-// JSON knows UTF-8 only. Text in any other encoding is kept as an array of its bytes.
 Json FromText(const std::string& text) {
-    try {
-        (void)Json(text).dump();
-        return text;
-    } catch (const Json::exception&) {
-        return std::vector<unsigned char>(text.begin(), text.end());
-    }
+    return record::JsonFromText<Json>(text);
 }
 
 std::string ToText(const Json& value) {
-    if (!value.is_array()) return value.get<std::string>();
-    std::string text;
-    for (const Json& byte : value) text += static_cast<char>(byte.get<unsigned char>());
-    return text;
+    return record::TextFromJson(value);
 }
 
 // A number of 32 bits: `get` alone would cut what does not fit.

@@ -1,5 +1,6 @@
 #include "host/module/host_interfaces.h"
 
+#include <sstream>
 #include <utility>
 
 namespace etmhost {
@@ -14,40 +15,47 @@ const char* OrEmpty(const char* text) {
 
 // --- IOrnVETMTrace ---------------------------------------------------------------------
 
-HostVETMTrace::HostVETMTrace(Target& target, const Symbols& symbols, const Transaction& transaction,
-                             Journal& journal)
-    : JournalledObject(ORN_VETM_TRACE, 100, journal), m_Target(target), m_Transaction(transaction),
-      m_Language(target, symbols) {}
+HostVETMTrace::HostVETMTrace(Target& target, const Symbols& symbols, NamedSettings& settings,
+                             const Transaction& transaction, record::EventStream& events)
+    : RecordedObject(ORN_VETM_TRACE, 100, events), m_Target(target), m_Transaction(transaction),
+      m_Language(target, symbols, &settings) {}
 
 const char* HostVETMTrace::Command(const char* text, std::ostream* stream) {
+    const auto lock = m_Events.Lock();
+    std::ostringstream report; // which the record wants to have too
     Refusal refusal;
-    m_Transaction([&] { refusal = m_Language.Execute(OrEmpty(text), stream); });
+    m_Transaction([&] {
+        refusal = m_Language.Execute(OrEmpty(text), stream != nullptr ? &report : nullptr);
+    });
     m_Refusal = refusal.value_or("");
-    m_Journal.Call("Command " + Quote(text), refusal ? Quote(m_Refusal.c_str()) : "ok");
-    if (!refusal) return nullptr;
-    m_Journal.Refused(OrEmpty(text), m_Refusal);
-    return m_Refusal.c_str();
+    const char* answer = refusal ? m_Refusal.c_str() : nullptr;
+    record::Fields results = {{"return", record::Text(answer)}};
+    if (stream != nullptr) {
+        *stream << report.str();
+        results.emplace_back("report", report.str());
+    }
+    Tell("Command", {{"text", record::Text(text)}, {"stream", stream != nullptr}},
+         std::move(results), std::move(refusal));
+    return answer;
 }
 
 const char* HostVETMTrace::GetInfoText(uint32_t which) {
     const char* text = which == 0 ? m_Target.hardware().info.c_str() : nullptr;
-    m_Journal.Call("GetInfoText " + std::to_string(which), Quote(text));
+    Tell("GetInfoText", {{"which", which}}, {{"return", record::Text(text)}});
     return text;
 }
 
 uint32_t HostVETMTrace::GetTraceState(uint32_t* detail) {
+    const auto lock = m_Events.Lock();
     Refusal refusal;
     m_Transaction([&] { refusal = m_Target.Poll(); });
-    // A target that does not answer says so once, not with each look.
-    if (refusal && refusal != m_PollRefusal) m_Journal.Refused("GetTraceState", *refusal);
-    m_PollRefusal = refusal;
     const uint32_t state = m_Target.StateWord();
-    if (detail != nullptr) *detail = m_Target.state.capture.captured;
-    // The dialog polls by its clock. Only news goes into the journal, so that it does not depend on
-    // how fast the machine and its user are.
-    if (!m_StateKnown || state != m_LastState) m_Journal.Call("GetTraceState", Hex(state));
-    m_StateKnown = true;
-    m_LastState = state;
+    record::Fields results = {{"return", state}};
+    if (detail != nullptr) {
+        *detail = m_Target.state.capture.captured;
+        results.emplace_back("detail", *detail);
+    }
+    Tell("GetTraceState", {{"detail", detail != nullptr}}, std::move(results), std::move(refusal));
     return state;
 }
 
@@ -57,11 +65,12 @@ OrnBool HostVETMTrace::HasFeature(uint32_t feature) {
     const bool has = (feature == ORN_FEATURE_ETB && buffer) ||
                      (feature == ORN_FEATURE_TPIU && !buffer && hardware.tpiuBase) ||
                      (feature == ORN_FEATURE_CORTEX_M3 && hardware.etm.TakesIndexes());
-    m_Journal.Call("HasFeature " + Hex(feature), YesNo(has));
+    Tell("HasFeature", {{"feature", feature}}, {{"return", has}});
     return static_cast<OrnBool>(has);
 }
 
 OrnBool HostVETMTrace::SetValue(uint32_t id, uint32_t value) {
+    const auto lock = m_Events.Lock();
     Refusal refusal = "There is no such value to set";
     if (id == ORN_VALUE_CONTROL || id == ORN_VALUE_TRIGGER_COUNT) {
         m_Transaction([&] {
@@ -69,10 +78,9 @@ OrnBool HostVETMTrace::SetValue(uint32_t id, uint32_t value) {
                                               : m_Target.SetTriggerCount(value);
         });
     }
-    const std::string call = "SetValue " + Hex(id) + " " + Hex(value);
-    m_Journal.Call(call, refusal ? "refused" : "ok");
-    if (refusal) m_Journal.Refused(call, *refusal);
-    return static_cast<OrnBool>(!refusal);
+    const bool done = !refusal;
+    Tell("SetValue", {{"id", id}, {"value", value}}, {{"return", done}}, std::move(refusal));
+    return static_cast<OrnBool>(done);
 }
 
 bool HostVETMTrace::Read(uint32_t id, uint32_t& value) {
@@ -105,44 +113,50 @@ bool HostVETMTrace::Read(uint32_t id, uint32_t& value) {
 }
 
 OrnBool HostVETMTrace::GetValue(uint32_t id, uint32_t* value) {
+    const auto lock = m_Events.Lock();
     uint32_t read = 0;
-    std::string refusal = "There is no such value to read";
+    std::string reason = "There is no such value to read";
     bool known = false;
     try {
         known = value != nullptr && Read(id, read);
     } catch (const BusError& error) {
-        refusal = error.what();
+        reason = error.what();
     }
-    if (known) *value = read;
-    const std::string call = "GetValue " + Hex(id);
-    m_Journal.Call(call, known ? Hex(read) : "refused");
-    if (!known) m_Journal.Refused(call, refusal);
+    record::Fields results = {{"return", known}};
+    if (known) {
+        *value = read;
+        results.emplace_back("value", read);
+    }
+    Tell("GetValue", {{"id", id}, {"value", value != nullptr}}, std::move(results),
+         known ? Refusal() : Refusal(reason));
     return static_cast<OrnBool>(known);
 }
 
 const char* HostVETMTrace::GetSettingsLine(uint32_t index) {
+    const auto lock = m_Events.Lock();
+    Refusal refusal;
     if (index == 0) {
         m_Lines.clear();
         try {
             m_Lines = m_Target.SettingsLines();
         } catch (const BusError& error) {
-            m_Journal.Refused("GetSettingsLine 0", error.what());
+            refusal = error.what();
         }
     }
     const char* line = index < m_Lines.size() ? m_Lines[index].c_str() : nullptr;
-    m_Journal.Call("GetSettingsLine " + std::to_string(index), Quote(line));
+    Tell("GetSettingsLine", {{"index", index}}, {{"return", record::Text(line)}},
+         std::move(refusal));
     return line;
 }
 
 // --- IOrnTraceClient -----------------------------------------------------------------
 
-HostTraceClient::HostTraceClient(const Symbols& symbols, Journal& journal)
-    : JournalledObject(ORN_TRACE_CLIENT, 100, journal), m_Symbols(symbols) {}
+HostTraceClient::HostTraceClient(const Symbols& symbols, record::EventStream& events)
+    : RecordedObject(ORN_TRACE_CLIENT, 100, events), m_Symbols(symbols) {}
 
 OrnBool HostTraceClient::Action(const char* action, const char* argument) {
     std::string_view expression = OrEmpty(action);
     const std::string_view word = TakeWord(expression);
-    std::string_view refused = OrEmpty(action); // the whole call, or the expression in it
     Refusal refusal = "There is no such action";
     bool done = false;
     if (EqualNoCase(word, "CheckAction")) {
@@ -150,35 +164,41 @@ OrnBool HostTraceClient::Action(const char* action, const char* argument) {
         done = EqualNoCase(OrEmpty(argument), "Eval");
     } else if (EqualNoCase(word, "Eval")) {
         const Evaluation result = Evaluate(expression, m_Symbols);
-        refused = Trim(expression).empty() ? refused : Trim(expression);
-        refusal = result.where == refused ? result.error : result.ErrorText();
+        const std::string_view whole = Trim(expression); // which a refusal names itself
         done = result.error.empty();
+        if (done)
+            refusal.reset();
+        else
+            refusal = !whole.empty() && result.where == whole ? result.error : result.ErrorText();
     }
-    m_Journal.Call("Action " + Quote(action) + " " + Quote(argument), YesNo(done));
-    if (!done && refusal) m_Journal.Refused(refused, *refusal);
+    Tell("Action", {{"action", record::Text(action)}, {"argument", record::Text(argument)}},
+         {{"return", done}}, std::move(refusal));
     return static_cast<OrnBool>(done);
 }
 
 // --- IOrnXTraceClient ----------------------------------------------------------------
 
 HostXTraceClient::HostXTraceClient(NamedSettings& settings, const Transaction& transaction,
-                                   Journal& journal)
-    : JournalledObject(ORN_XTRACE_CLIENT, ORN_VERSION_WITH_HAS_COMMAND, journal),
-      m_Settings(settings), m_Transaction(transaction) {}
+                                   record::EventStream& events)
+    : RecordedObject(ORN_XTRACE_CLIENT, ORN_VERSION_WITH_HAS_COMMAND, events), m_Settings(settings),
+      m_Transaction(transaction) {}
 
 OrnBool HostXTraceClient::HasCommand(const char* name) {
     const bool has = EqualNoCase(OrEmpty(name), "ExecuteCmd");
-    m_Journal.Call("HasCommand " + Quote(name), YesNo(has));
+    Tell("HasCommand", {{"name", record::Text(name)}}, {{"return", has}});
     return static_cast<OrnBool>(has);
 }
 
 OrnBool HostXTraceClient::WriteSetting(const char* section, const char* key, const char* value) {
+    const auto lock = m_Events.Lock();
     const bool complete = section != nullptr && key != nullptr && value != nullptr;
     if (complete) m_Transaction([&] { m_Settings[section][key] = value; });
-    const std::string call =
-        "WriteSetting " + Quote(section) + " " + Quote(key) + " " + Quote(value);
-    m_Journal.Call(call, complete ? "ok" : "refused");
-    if (!complete) m_Journal.Refused(call, "A section, a key and a value are needed");
+    Tell("WriteSetting",
+         {{"section", record::Text(section)},
+          {"key", record::Text(key)},
+          {"value", record::Text(value)}},
+         {{"return", complete}},
+         complete ? Refusal() : Refusal("A section, a key and a value are needed"));
     return static_cast<OrnBool>(complete);
 }
 
@@ -193,27 +213,37 @@ OrnBool HostXTraceClient::ReadSetting(const char* section, const char* key, int3
             found = true;
         }
     }
-    m_Journal.Call("ReadSetting " + Quote(section) + " " + Quote(key) + " " + std::to_string(size),
-                   found ? Quote(buffer) : "none");
+    record::Fields results = {{"return", found}};
+    if (found) results.emplace_back("buffer", record::Text(buffer));
+    Tell("ReadSetting",
+         {{"section", record::Text(section)},
+          {"key", record::Text(key)},
+          {"size", size},
+          {"buffer", buffer != nullptr}},
+         std::move(results));
     return static_cast<OrnBool>(found);
 }
 
 // --- The host --------------------------------------------------------------------------
 
-SimulatedHost::SimulatedHost(const Chip& chip, Symbols addresses, Journal log)
-    : symbols(std::move(addresses)), journal(log), target(chip, symbols),
-      api(ORN_API, 100, journal), trace(target, symbols, transaction, journal),
-      traceClient(symbols, journal), xTraceClient(settings, transaction, journal),
-      xTrace(ORN_XTRACE, 100, journal), emu(ORN_EMU, 100, journal) {}
+SimulatedHost::SimulatedHost(const Chip& chip, Symbols addresses, record::EventStream& listeners)
+    : symbols(std::move(addresses)), events(listeners), target(chip, symbols),
+      api(ORN_API, 100, events), trace(target, symbols, settings, transaction, events),
+      traceClient(symbols, events), xTraceClient(settings, transaction, events),
+      xTrace(ORN_XTRACE, 100, events), emu(ORN_EMU, 100, events) {}
 
 SimulatedHost::SimulatedHost(std::unique_ptr<RegisterBus> bus, const TraceHardware& hardware,
-                             Symbols addresses, Journal log)
-    : symbols(std::move(addresses)), journal(log),
-      target(std::move(bus), hardware, symbols,
-             [this](const std::string& text) { journal.Tell(text); }),
-      api(ORN_API, 100, journal), trace(target, symbols, transaction, journal),
-      traceClient(symbols, journal), xTraceClient(settings, transaction, journal),
-      xTrace(ORN_XTRACE, 100, journal), emu(ORN_EMU, 100, journal) {}
+                             Symbols addresses, record::EventStream& listeners, Tell tell)
+    : symbols(std::move(addresses)), events(listeners),
+      target(std::move(bus), hardware, symbols, std::move(tell)), api(ORN_API, 100, events),
+      trace(target, symbols, settings, transaction, events), traceClient(symbols, events),
+      xTraceClient(settings, transaction, events), xTrace(ORN_XTRACE, 100, events),
+      emu(ORN_EMU, 100, events) {}
+
+record::EventStream& SimulatedHost::Unheard() {
+    static record::EventStream stream;
+    return stream;
+}
 
 IOrnInterface* SimulatedHost::Find(const std::string& name) {
     const struct {

@@ -3,7 +3,6 @@
 #pragma once
 
 #include <functional>
-#include <map>
 #include <string>
 #include <vector>
 
@@ -13,7 +12,7 @@
 #include "frame/interfaces/IOrnVETMTrace.h"
 #include "frame/interfaces/IOrnXTrace.h"
 #include "frame/interfaces/IOrnXTraceClient.h"
-#include "host/module/journal.h"
+#include "host/record/Event.h"
 #include "host/support/words.h"
 #include "host/target/command.h"
 #include "host/target/target.h"
@@ -21,37 +20,61 @@
 
 namespace etmhost {
 
-/// Named settings: section, key, value.
-using NamedSettings = std::map<std::string, std::map<std::string, std::string>>;
-
 /// Calls what it gets, once and to its end. Whoever keeps the target and the settings elsewhere too
 /// does around that call what keeping them takes.
 using Transaction = std::function<void(const std::function<void()>& change)>;
 
-/// What all objects of this host share: whoever asks what they are stands in the journal.
-template <class Interface> class JournalledObject : public HostObject<Interface> {
+/// What all objects of this host share: whoever asks what they are is told of in the record too.
+template <class Interface> class RecordedObject : public HostObject<Interface> {
 public:
-    JournalledObject(const char* name, int32_t version, Journal& journal)
-        : HostObject<Interface>(name, version, "etmhost", 100), m_Journal(journal) {}
+    RecordedObject(const char* name, int32_t version, record::EventStream& events)
+        : HostObject<Interface>(name, version, "etmhost", 100), m_Events(events) {}
 
     const char* GetInterfaceName() override {
-        m_Journal.Call(this->m_Name + std::string(".GetInterfaceName"), Quote(this->m_Name));
+        Tell("GetInterfaceName", {}, {{"return", this->m_Name}});
         return this->m_Name;
     }
     int32_t GetInterfaceVersion() override {
-        m_Journal.Call(this->m_Name + std::string(".GetInterfaceVersion"),
-                       std::to_string(this->m_Version));
+        Tell("GetInterfaceVersion", {}, {{"return", this->m_Version}});
         return this->m_Version;
+    }
+    const char* GetComponentName() override {
+        const char* name = HostObject<Interface>::GetComponentName();
+        Tell("GetComponentName", {}, {{"return", name}});
+        return name;
+    }
+    int32_t GetComponentVersion() override {
+        const int32_t version = HostObject<Interface>::GetComponentVersion();
+        Tell("GetComponentVersion", {}, {{"return", version}});
+        return version;
+    }
+    IOrnInterface* GetInterface(const char* name) override {
+        Tell("GetInterface", {{"name", record::Text(name)}}, {{"return", nullptr}});
+        return nullptr;
+    }
+    void ReleaseInterface(IOrnInterface* object) override {
+        Tell("ReleaseInterface", {{"object", object != nullptr}}, {});
     }
 
 protected:
-    Journal& m_Journal;
+    /// Tells of a call of the module, when it is done.
+    void Tell(const char* operation, record::Fields arguments, record::Fields results,
+              Refusal refusal = {}) {
+        m_Events.Write({.direction = record::Event::Direction::ToHost,
+                        .object = this->m_Name,
+                        .operation = operation,
+                        .arguments = std::move(arguments),
+                        .results = std::move(results),
+                        .refusal = std::move(refusal)});
+    }
+
+    record::EventStream& m_Events;
 };
 
-class HostVETMTrace final : public JournalledObject<IOrnVETMTrace> {
+class HostVETMTrace final : public RecordedObject<IOrnVETMTrace> {
 public:
-    HostVETMTrace(Target& target, const Symbols& symbols, const Transaction& transaction,
-                  Journal& journal);
+    HostVETMTrace(Target& target, const Symbols& symbols, NamedSettings& settings,
+                  const Transaction& transaction, record::EventStream& events);
 
     const char* Command(const char* text, std::ostream* stream) override;
     const char* GetInfoText(uint32_t which) override;
@@ -69,14 +92,11 @@ private:
     CommandLanguage m_Language;
     std::string m_Refusal;            // keeps the text that Command returned
     std::vector<std::string> m_Lines; // of the pass that runs
-    Refusal m_PollRefusal;            // why the last look at the capture failed
-    bool m_StateKnown = false;
-    uint32_t m_LastState = 0; // the answer that the journal showed last
 };
 
-class HostTraceClient final : public JournalledObject<IOrnTraceClient> {
+class HostTraceClient final : public RecordedObject<IOrnTraceClient> {
 public:
-    HostTraceClient(const Symbols& symbols, Journal& journal);
+    HostTraceClient(const Symbols& symbols, record::EventStream& events);
 
     OrnBool Action(const char* action, const char* argument) override;
 
@@ -84,9 +104,10 @@ private:
     const Symbols& m_Symbols;
 };
 
-class HostXTraceClient final : public JournalledObject<IOrnXTraceClient> {
+class HostXTraceClient final : public RecordedObject<IOrnXTraceClient> {
 public:
-    HostXTraceClient(NamedSettings& settings, const Transaction& transaction, Journal& journal);
+    HostXTraceClient(NamedSettings& settings, const Transaction& transaction,
+                     record::EventStream& events);
 
     OrnBool HasCommand(const char* name) override;
     OrnBool WriteSetting(const char* section, const char* key, const char* value) override;
@@ -100,10 +121,13 @@ private:
 /// A debugger host with one target. The interfaces borrow its members and live as long as it.
 class SimulatedHost {
 public:
-    /// With a simulated chip as its target, or with a real one behind `bus`.
-    SimulatedHost(const Chip& chip, Symbols symbols, Journal journal);
+    /// With a simulated chip as its target, or with a real one behind `bus`. `events` hears of each
+    /// call of the module, and must outlive the host; what a real target does beside what it was
+    /// asked for goes to `tell`.
+    explicit SimulatedHost(const Chip& chip, Symbols symbols = {},
+                           record::EventStream& events = Unheard());
     SimulatedHost(std::unique_ptr<RegisterBus> bus, const TraceHardware& hardware, Symbols symbols,
-                  Journal journal);
+                  record::EventStream& events, Tell tell);
     SimulatedHost(const SimulatedHost&) = delete;
     SimulatedHost& operator=(const SimulatedHost&) = delete;
 
@@ -111,7 +135,7 @@ public:
     IOrnInterface* Find(const std::string& name);
 
     const Symbols symbols;
-    Journal journal;
+    record::EventStream& events;
     Target target;
     NamedSettings settings;
 
@@ -120,12 +144,15 @@ public:
     /// the module.
     Transaction transaction = [](const std::function<void()>& change) { change(); };
 
-    JournalledObject<IOrnAPI> api;
+    RecordedObject<IOrnAPI> api;
     HostVETMTrace trace;
     HostTraceClient traceClient;
     HostXTraceClient xTraceClient;
-    JournalledObject<IOrnXTrace> xTrace;
-    JournalledObject<IOrnEmu> emu;
+    RecordedObject<IOrnXTrace> xTrace;
+    RecordedObject<IOrnEmu> emu;
+
+private:
+    static record::EventStream& Unheard(); ///< nobody listens
 };
 
 } // namespace etmhost

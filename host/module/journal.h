@@ -1,39 +1,52 @@
-// The conversation between the host and the module, one line per call; and what the host refused.
+// Writers of the conversation between the host and the module, for people: one line per call; and
+// what the host refused.
 
 #pragma once
 
 #include <ostream>
-#include <string>
-#include <string_view>
+
+#include "host/record/Event.h"
 
 namespace etmhost {
 
-class Journal {
+/// Returns an event as its line of the journal, "call -> answer" or "-- step"; empty for one that
+/// only a machine wants to know. A refusal has its reason behind it.
+std::string JournalLine(const record::Event& event);
+
+/// Says of polls of the capture whether they tell anything new. The dialog polls by its clock: only
+/// news is told, so that it does not depend on how fast the machine and its user are.
+class PollNews {
 public:
-    /// Writes calls and steps to `out` and refusals to `refusals`, which must outlive the journal;
-    /// null: they are not written.
-    explicit Journal(std::ostream* out = nullptr, std::ostream* refusals = nullptr)
-        : m_Out(out), m_Refusals(refusals) {}
-
-    bool enabled() const { return m_Out != nullptr; }
-
-    /// A call of the module to the host with the host's answer: "call -> answer".
-    void Call(const std::string& call, const std::string& answer);
-
-    /// What the host refused, and why: see PrintRefusal.
-    void Refused(std::string_view command, std::string_view reasons);
-
-    /// What the host does beside what it was asked for; it goes where refusals go.
-    void Tell(const std::string& text);
-
-    /// A step of the host itself: "-- text".
-    void Step(const std::string& text);
+    /// Returns true iff `event` is no poll, or one whose state or refusal is not that of the last.
+    bool Has(const record::Event& event);
 
 private:
-    void Write(const std::string& line);
+    std::optional<record::Event> m_Last;
+};
 
-    std::ostream* m_Out;
-    std::ostream* m_Refusals;
+/// Writes the journal. Lines are flushed, so that the dialog and its journal can be watched
+/// together.
+class TextJournal final : public record::EventWriter {
+public:
+    /// `out` must outlive the writer.
+    explicit TextJournal(std::ostream& out) : m_Out(out) {}
+    void Write(const record::Event& event) override;
+
+private:
+    std::ostream& m_Out;
+    PollNews m_News;
+};
+
+/// Writes refusals and notes alone, as PrintRefusal does.
+class RefusalPrinter final : public record::EventWriter {
+public:
+    /// `out` must outlive the writer.
+    explicit RefusalPrinter(std::ostream& out) : m_Out(out) {}
+    void Write(const record::Event& event) override;
+
+private:
+    std::ostream& m_Out;
+    PollNews m_News; // a target that does not answer says so once, not with each look
 };
 
 } // namespace etmhost

@@ -30,7 +30,15 @@ private:
     IOrnAPIBase* m_Object;
 };
 
+/// What the support component says of the board file.
+struct BoardFileAnswer {
+    bool settled = false;
+    int32_t mode = ORN_MODE_NONE;
+    std::string value, error;
+};
+
 /// One control component of a module, from its creation to its destruction, attached to a host.
+/// Each call of the module is an event of the host's.
 class ModuleSession {
 public:
     /// Goes through the steps that a host owes the module, up to a successful Init. Both `module`
@@ -44,17 +52,39 @@ public:
     ModuleSession(const ModuleSession&) = delete;
     ModuleSession& operator=(const ModuleSession&) = delete;
 
-    IOrnKVETMCtrl& control() { return *m_Control; }
+    /// Operations of the control component.
+    bool Open();
+    bool Apply();
 
     /// Returns the text of the last failure of the control component.
     std::string LastError();
 
-    /// Returns the support component. Throws HostError if the module does not offer it.
-    IOrnKVETMSupp& support();
+    /// Has the support component settle the board file. Throws HostError if the module does not
+    /// offer it.
+    BoardFileAnswer InitBoardFile(const std::string& directory);
 
 private:
+    /// Makes a call of the module, and tells of it ahead and behind. `make` returns the results.
+    void Call(const char* object, const char* operation, record::Fields arguments,
+              const std::function<record::Fields()>& make);
+
+    /// The same for one that has nothing but what it returns.
+    template <class Make> auto Ask(const char* object, const char* operation,
+                                   record::Fields arguments, const Make& make) {
+        decltype(make()) answer{};
+        Call(object, operation, std::move(arguments), [&] {
+            answer = make();
+            return record::Fields{{"return", answer}};
+        });
+        return answer;
+    }
+
+    void SetAPI(IOrnInterface* api);
+    void FindRow();
+    std::vector<std::string> Required();
     void Attach();
     void TearDown();
+    template <class Component> std::string LastErrorOf(Component& component, const char* name);
 
     IOrnAPIBase& m_Module;
     SimulatedHost& m_Host;

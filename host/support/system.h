@@ -19,9 +19,12 @@ const char* LibraryExtension();
 std::optional<std::filesystem::path> NativePath(const std::string& text);
 std::string PathText(const std::filesystem::path& path);
 
-/// Returns how many characters a line of the terminal has that the standard output is; 0 if it is
-/// none.
-size_t TerminalWidth();
+enum class Output { Standard, Errors };
+
+/// Returns whether `output` is a terminal, and how many characters its lines have; 0 if it is none,
+/// or one that does not know.
+bool IsTerminal(Output output);
+size_t TerminalWidth(Output output = Output::Standard);
 
 /// Has writes to a pipe that nobody reads fail, where they would end the program.
 void OutliveReaders();

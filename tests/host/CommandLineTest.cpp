@@ -8,7 +8,8 @@
 #include <sstream>
 
 #include "host/commandline/actions.h"
-
+#include "host/module/journal.h"
+#include "host/record/json_lines.h"
 #include "testkit/TemporaryDirectory.h"
 
 using ::testing::HasSubstr;
@@ -39,6 +40,15 @@ protected:
         std::string text = directory.Read(file);
         if (onWindows) std::erase(text, '\r');
         return text;
+    }
+
+    /// The events of a journal for programs.
+    std::vector<record::Event> ReadRecord(const char* file) const {
+        std::vector<record::Event> events;
+        std::istringstream lines(directory.Read(file));
+        for (std::string line; std::getline(lines, line);)
+            events.push_back(record::FromJsonLine(line));
+        return events;
     }
 
     const TemporaryDirectory directory;
@@ -109,7 +119,7 @@ TEST_F(CommandLine, HelpIsOneAndFitsTheScreen) {
 }
 
 TEST_F(CommandLine, JsonHoldsWhateverTheTargetHolds) {
-    SimulatedHost host(*FindChip("cortex-m3"), {}, Journal());
+    SimulatedHost host(*FindChip("cortex-m3"));
     host.settings["a \"b\""]["\n\xFF"] = "\xC3\xA4\x01\xFF";
     host.trace.Command("etm pc=start 0", nullptr);
     host.trace.Command("macro \xFF\\\"", nullptr);
@@ -231,8 +241,14 @@ TEST_F(CommandLine, AnInterruptedDialogKeepsTheState) {
         "interrupt", "QT_QPA_PLATFORM=offscreen \"$@\" & cd \"$(dirname \"$0\")\"\n"
                      "for time in $(seq 300); do cmp -s before s.json || break; sleep 0.1; done\n"
                      "kill -TERM $!; wait $!\n");
-    EXPECT_EQ(Run("open" + state, "sh \"" + script + "\" ").status, 128 + 15) << "killed";
+    const std::string record = directory.PathOf("record");
+    EXPECT_EQ(
+        Run("open --journal-file \"" + record + "\"" + state, "sh \"" + script + "\" ").status,
+        128 + 15)
+        << "killed";
     EXPECT_NE(directory.Read("s.json"), before) << "the capture went on";
+    const auto isOpen = [](const record::Event& event) { return event.operation == "Open"; };
+    EXPECT_EQ(std::ranges::count_if(ReadRecord("record"), isOpen), 1) << "all lines are whole";
     EXPECT_EQ(Run("show" + state).status, 0);
 }
 
@@ -282,6 +298,140 @@ TEST_F(CommandLine, AScriptDrivesTheDialog) {
     EXPECT_THAT(Run("show" + state).output, HasSubstr("ETM PC = from 0x10\n  ETM PC = to 0x20\n"));
     EXPECT_EQ(Run("drive \"" + file + ".no\"").errors,
               "etmhost: cannot read script \"" + file + ".no\"\n");
+}
+
+// A person who sets trace up, with a board file and an address that is refused.
+const char* const kSession = R"(
+if unchecked 1000
+    click 1000
+    if window "ETM Configuration"
+        ok
+    end
+end
+tab 2
+if enabled 1017
+    click 1017
+    type 1018 "0x10"
+    type 1019 "0x20"
+end
+ok
+)";
+
+// What was echoed does on a fresh target what was done in the dialog.
+TEST_F(CommandLine, EchoedLinesDoTheSame) {
+    const std::string offScreen = onWindows ? "" : " --off-screen";
+    const std::string script = "\"" + directory.Write("script", kSession) + "\"" + offScreen;
+    for (const std::string name : {"arm926", "cortex-m4-etb"}) {
+        SCOPED_TRACE(name);
+        const auto with = [&](const char* file) {
+            return " --chip " + name + " --state \"" + directory.PathOf(name + file) + "\" ";
+        };
+        const Outcome dry = Run("drive --dry-run " + script + with("1"));
+        EXPECT_EQ(directory.Read(name + "1"), "") << "no state of a dry run";
+        const Outcome echoed = Run("drive --echo " + script + with("1"));
+        EXPECT_EQ(dry.status + echoed.status, 0) << dry.errors << echoed.errors;
+        const size_t end = echoed.output.find("# What has changed on the target:\n");
+        ASSERT_NE(end, std::string::npos) << echoed.output;
+        const size_t begin = dry.output.find("macro");
+        EXPECT_EQ(dry.output.substr(begin, end), echoed.output.substr(0, end));
+        EXPECT_THAT(echoed.output, AllOf(StartsWith("macro"), HasSubstr("\nset control=0x1\n"),
+                                         HasSubstr("\n#   after:  trace is enabled\n")));
+        directory.Write("lines", echoed.output);
+        const Outcome again = Run("run -" + with("2") + "<\"" + directory.PathOf("lines") + "\" ");
+        EXPECT_EQ(again.status, 0) << again.errors;
+        const auto shown = [&](const char* file) { // but for what the clock makes of it
+            const std::string text = Run("show" + with(file)).output;
+            return text.substr(0, text.find("\nCapture")) + text.substr(text.find("\nBoard"));
+        };
+        EXPECT_EQ(shown("2"), shown("1"));
+        EXPECT_THAT(Run("drive --echo " + script + with("2")).output,
+                    StartsWith("# Nothing has changed on the target.\n"));
+    }
+}
+
+TEST_F(CommandLine, ADryRunWritesNothingButABoardFile) {
+    if (onWindows) GTEST_SKIP() << "its save dialog takes no path of this system";
+    for (const std::string name : {"KVETMControl.so", "KVETMControlQt.so"}) // board files lie there
+        std::filesystem::copy_file(std::filesystem::path(ETMHOST_PATH).replace_filename(name),
+                                   directory.PathOf(name));
+    const std::string board = directory.PathOf("my board.mac");
+    const std::string script = directory.Write(
+        "script", "click 1000\nchoose 1078 1\ntype 1080 \"Title=My Board\\nmem_init 1\\n\"\n"
+                  "click \"Create New Board File\"\nsave \"" +
+                      board + "\"\nok\nok\n");
+    Run("run 'setting a/b=c'" + state);
+    const std::string before = directory.Read("s.json");
+    const Outcome outcome =
+        Run("drive --dry-run --off-screen --module \"" + directory.PathOf("KVETMControl.so") +
+            "\" \"" + script + "\"" + state);
+    EXPECT_EQ(outcome.errors, "");
+    EXPECT_THAT(outcome.output,
+                AllOf(HasSubstr("\nmacro " + board + "\n"),
+                      HasSubstr("\n# the board file \"" + board + "\" has been written\n")));
+    EXPECT_THAT(directory.Read("my board.mac"), HasSubstr("mem_init 1"));
+    EXPECT_EQ(directory.Read("s.json"), before);
+}
+
+// The journal for programs holds all that the one for people does, and whatever else goes to and
+// fro: each call of the module ends inside the one from which it was made.
+TEST_F(CommandLine, TheJournalFileHoldsTheJournal) {
+    const std::string offScreen = onWindows ? "" : " --off-screen";
+    const std::string script = " drive \"" + directory.Write("script", kSession) + "\"" + offScreen;
+    const auto file = [this](const std::string& path) { return "--journal-file \"" + path + "\""; };
+    const Outcome outcome = Run(file(directory.PathOf("record")) + " --journal" + script);
+    EXPECT_EQ(outcome.status, 0) << outcome.errors;
+    std::ostringstream journal;
+    TextJournal rebuilt(journal);
+    std::vector<std::string> running, calls;
+    for (const record::Event& event : ReadRecord("record")) {
+        rebuilt.Write(event);
+        const std::string call = event.object + "." + event.operation;
+        if (event.phase == record::Event::Phase::Call) {
+            running.push_back(call);
+            calls.push_back(event.operation);
+        } else if (event.phase == record::Event::Phase::Return) {
+            ASSERT_EQ(running.back(), call);
+            running.pop_back();
+        }
+    }
+    EXPECT_EQ(journal.str(), outcome.output);
+    EXPECT_THAT(running, testing::IsEmpty());
+    for (const char* name : {"SetModulePath", "SetAPI", "GetRowCount", "GetRowInterfaceName",
+                             "CreateRowObject", "GetRequiredName", "AttachInterface", "Init",
+                             "Open", "DetachInterface", "DestroyRowObject"})
+        EXPECT_THAT(calls, testing::Contains(name));
+    EXPECT_EQ(Run(file(directory.Path()) + " show").status, 2);
+    if (onWindows) return;
+    const Outcome full = Run(file("/dev/full") + script);
+    EXPECT_EQ(full.status, 2);
+    EXPECT_EQ(full.errors,
+              "etmhost: cannot write journal file \"/dev/full\"; it ends ahead of begin\n");
+}
+
+// On a terminal of 60 columns: one line that overwrites itself, and nothing that a terminal would
+// have to interpret. Elsewhere lines.
+TEST_F(CommandLine, WatchKeepsOneLine) {
+    if (onWindows) GTEST_SKIP() << "there is no pseudo terminal";
+    const std::string script = directory.Write(
+        "script", "click 1000\nif box\nok\nend\nif window \"ETM Configuration\"\nok\nend\n"
+                  "click 1030\nwait until enabled 1031\ntab 3\nwait 2500\ntab 2\nclick 1017\n"
+                  "type 1018 \"0x10\"\ntype 1019 \"0x20\"\nok\n");
+    const std::string terminal = directory.Write(
+        "terminal", "stty -echo -opost cols 60; exec \"$@\" drive --off-screen --watch --echo \"" +
+                        script + "\"\n");
+    const std::string outside = directory.Write("outside", "script -qefc \"sh '" + terminal +
+                                                               "' '$1'\" /dev/null </dev/null\n");
+    const Outcome outcome = Run("", "sh \"" + outside + "\" ");
+    EXPECT_EQ(outcome.status, 0) << outcome.errors;
+    const std::string& text = outcome.output;
+    EXPECT_EQ(text.find('\x1B'), std::string::npos);
+    EXPECT_THAT(text,
+                AllOf(HasSubstr("\retm pc=from 0x10\n"),
+                      HasSubstr("\rrunning, 12 % of 524288 words, trigger off | sent: start")));
+    std::istringstream lines(text);
+    for (std::string line, part; std::getline(lines, line);)
+        for (std::istringstream parts(line); std::getline(parts, part, '\r');)
+            EXPECT_LT(part.size(), line.starts_with('#') ? 80 : 60) << part;
 }
 
 TEST_F(CommandLine, TourGoesThroughTheDialog) {

@@ -5,15 +5,35 @@
 
 #include <sstream>
 
+#include "host/module/journal.h"
 #include "host/module/module_session.h"
+#include "host/record/json_lines.h"
 #include "host/support/host_error.h"
 
 namespace etmhost {
 namespace {
 
+// Keeps events as a program would get them.
+struct JsonLines final : record::EventWriter {
+    void Write(const record::Event& event) override {
+        const std::string line = record::ToJsonLine(event);
+        EXPECT_EQ(line.find('\n'), std::string::npos);
+        read.push_back(record::FromJsonLine(line));
+        EXPECT_EQ(read.back(), event) << line;
+    }
+    std::vector<record::Event> read;
+};
+
 TEST(HostInterfaces, JournalHoldsEveryCallWithItsAnswer) {
     std::ostringstream out, report, refusals;
-    SimulatedHost host(*FindChip("arm926"), {{"main", 0x8000}}, Journal(&out, &refusals));
+    record::EventStream events;
+    TextJournal journal(out);
+    RefusalPrinter printer(refusals);
+    events.Add(journal);
+    events.Add(printer);
+    JsonLines lines;
+    events.Add(lines);
+    SimulatedHost host(*FindChip("arm926"), {{"main", 0x8000}}, events);
     IOrnVETMTrace& trace = host.trace;
     uint32_t word = 0;
     EXPECT_TRUE(trace.GetValue(0x1000004, &word));
@@ -37,11 +57,16 @@ TEST(HostInterfaces, JournalHoldsEveryCallWithItsAnswer) {
     EXPECT_FALSE(client.WriteSetting("KVETM", nullptr, "x"));
     EXPECT_TRUE(client.WriteSetting("KVETM", "BoardFile", "/startup"));
     EXPECT_TRUE(client.ReadSetting("KVETM", "BoardFile", 8, buffer)) << "cut, and terminated";
+    trace.Command("\xFFx", nullptr);
+    host.emu.GetComponentVersion();
+    host.emu.GetInterface("x");
+    events.Step("click OK");
+    events.Note("a note");
     EXPECT_EQ(out.str(), R"(GetValue 0x1000004 -> 0x30194824
-GetValue 0x10001E4 -> refused
+GetValue 0x10001E4 -> refused: There is no such value to read
 Command "capability" -> ok
 Command "etm\n\"x\"" -> "Unknown command: etm\\n\"x\""
-SetValue 0x2 0x4C4B40 -> refused
+SetValue 0x2 0x4C4B40 -> refused: The trace buffer has only 524288 words
 SetValue 0x0 0x3 -> ok
 Command "start" -> ok
 GetTraceState -> 0x4
@@ -52,40 +77,68 @@ GetSettingsLine 1 -> "ETM DATA = none"
 GetSettingsLine 0 -> "ETM PC = from 5"
 Action "CheckAction" "Eval" -> yes
 Action "Eval main + 4" null -> yes
-Action "Eval main + mian" null -> no
+Action "Eval main + mian" null -> no: unknown symbol "mian"
 HasCommand "ExecuteCmd" -> yes
-WriteSetting "KVETM" null "x" -> refused
+WriteSetting "KVETM" null "x" -> refused: A section, a key and a value are needed
 WriteSetting "KVETM" "BoardFile" "/startup" -> ok
 ReadSetting "KVETM" "BoardFile" 8 -> "/startu"
+)"
+                         "Command \"\xFFx\" -> \"Unknown command: \xFFx\"\n"
+                         R"(IOrnEmu.GetComponentVersion -> 100
+IOrnEmu.GetInterface "x" -> null
+-- click OK
 )");
     EXPECT_EQ(refusals.str(), R"(GetValue 0x10001E4: There is no such value to read
 etm\n"x": Unknown command: etm\n"x"
 SetValue 0x2 0x4C4B40: The trace buffer has only 524288 words
 main + mian: unknown symbol "mian"
 WriteSetting "KVETM" null "x": A section, a key and a value are needed
-)");
+)"
+                              "\xFFx: Unknown command: \xFFx\netmhost: a note\n");
+    std::ostringstream again;
+    TextJournal rebuilt(again);
+    for (const record::Event& event : lines.read) rebuilt.Write(event);
+    EXPECT_EQ(again.str(), out.str());
+    EXPECT_EQ(record::TextOf(lines.read[2].results, "report"), report.str());
+    const auto isPoll = [](const record::Event& event) {
+        return event.operation == "GetTraceState";
+    };
+    EXPECT_EQ(std::ranges::count_if(lines.read, isPoll), 20) << "the polls without news too";
     EXPECT_TRUE(report.str().ends_with(std::string("Demultiplexed format supported: no\n") + '\0'));
 }
 
-// A journal that has room up to the first questions of Init; then it throws.
-struct ShortBuffer : std::streambuf {
-    ShortBuffer() { setp(text, text + sizeof text); }
-    char text[100];
+TEST(Record, ALineThatIsNoEventIsRefused) {
+    const std::string head = R"({"direction":"toHost","operation":"x","results":{"return":)";
+    EXPECT_EQ(record::FromJsonLine(head + "-2}}").results,
+              (record::Fields{{"return", int64_t{-2}}}));
+    for (const std::string& line :
+         {std::string(), std::string("7"), std::string("{}"), head, head + "1.5}}",
+          head + "18446744073709551615}}", head + "[256]}}", head + "[\"a\"]}}",
+          std::string(R"({"direction":"up","operation":"x"})"),
+          std::string(R"({"direction":"host","operation":7})"), std::string(100000, '[')})
+        EXPECT_THROW(record::FromJsonLine(line), std::runtime_error) << line.substr(0, 100);
+}
+
+// Fails at the first question of Init.
+struct FailingWriter final : record::EventWriter {
+    void Write(const record::Event& event) override {
+        if (event.operation == "GetValue") throw std::runtime_error("no more");
+    }
 };
 
 TEST(ModuleSession, EndsCleanlyBehindAFailedInit) {
     LoadedModule module(std::filesystem::path(ETMHOST_PATH)
                             .replace_filename(std::string("KVETMControl") + LibraryExtension()));
-    ShortBuffer buffer;
-    std::ostream out(&buffer);
-    out.exceptions(std::ios::badbit);
-    SimulatedHost failing(*FindChip("arm7"), {}, Journal(&out));
+    FailingWriter writer;
+    record::EventStream events;
+    events.Add(writer);
+    SimulatedHost failing(*FindChip("arm7"), {}, events);
     EXPECT_THAT(
         [&] { ModuleSession(module.object(), module.path(), failing); },
         testing::ThrowsMessage<HostError>(testing::StartsWith("the module failed in Init: ")));
-    SimulatedHost working(*FindChip("arm7"), {}, Journal());
+    SimulatedHost working(*FindChip("arm7"));
     ModuleSession session(module.object(), module.path(), working);
-    EXPECT_TRUE(session.control().Apply()) << session.LastError();
+    EXPECT_TRUE(session.Apply()) << session.LastError();
 }
 
 } // namespace

@@ -238,6 +238,28 @@ ok
     EXPECT_EQ(chip.Word(0xE000EDFC), "0x1000000");
 }
 
+// What OK would send, on a copy: the chip keeps every word.
+TEST_F(Road, ADryRunWritesNothing) {
+    ServedChip chip;
+    const std::string server = TclServer(chip), script = directory.Write("script", kSetUp);
+    const std::string state = directory.PathOf("state.json");
+    const std::vector<std::string> words = {"drive", "--dry-run", script, "--state", state};
+    chip.Ask("mww 0xE000EDFC 0");
+    EXPECT_THAT(Run(server, words), AllOf(HasSubstr("a dry run does not switch trace power on"),
+                                          HasSubstr("status 2")));
+    EXPECT_EQ(chip.Word(0xE000EDFC), "0x0");
+    Run(server, {"show"});
+    std::vector<std::string> before, after;
+    for (const auto& word : kWanted) before.push_back(chip.Word(word.address));
+    const std::string output = Run(server, words);
+    EXPECT_THAT(output, AllOf(HasSubstr("\netm pc=stop 3\n"), HasSubstr("status 0"),
+                              HasSubstr("dry run: the debug server prepares"),
+                              HasSubstr("#   after:  ETM PC = stop 3\n")));
+    for (const auto& word : kWanted) after.push_back(chip.Word(word.address));
+    EXPECT_EQ(after, before);
+    EXPECT_FALSE(std::filesystem::exists(state));
+}
+
 TEST_F(Road, AMachineWithoutTraceIsRefusedAndGoesOn) {
     QemuMachine machine;
     for (const char* command : {"show", "open"}) {

@@ -17,7 +17,7 @@ namespace {
 // A host, with what `path` says of it.
 struct LoadedHost {
     LoadedHost(const char* chip, const std::string& file_path)
-        : path(file_path), host(*FindChip(chip), {}, Journal()), file(path) {
+        : path(file_path), host(*FindChip(chip)), file(path) {
         file.Load(host);
     }
 

@@ -7,6 +7,7 @@
 #include <random>
 
 #include "frame/slots.h"
+#include "host/commandline/echo.h"
 #include "host/module/module_session.h"
 #include "testkit/TemporaryDirectory.h"
 #include "toolkit/CWinApp.h"
@@ -123,16 +124,35 @@ protected:
     std::mt19937 random{20261122};
 };
 
+// Another host, to which every line of the echo is sent.
+struct Mirror final : record::EventWriter {
+    explicit Mirror(const etmhost::Chip& chip) : host(chip) {}
+    void Write(const record::Event& event) override {
+        const std::string line = etmhost::EchoLine(event);
+        if (!line.empty()) host.trace.Command(line.c_str(), nullptr);
+    }
+    static auto Held(etmhost::SimulatedHost& host) {
+        etmhost::Target& target = host.target;
+        return std::tuple(target.SettingsLines(), target.Control(), target.TriggerCount(),
+                          target.state.macro, target.state.pinsReady, host.settings);
+    }
+    etmhost::SimulatedHost host;
+};
+
 TEST_P(RoundTrip, AFreshDialogShowsWhatWasSet) {
     TemporaryDirectory directory;
     for (const std::string title : {"First", "Second"})
         directory.Write(title + ".mac",
                         ";[OrnithalWorksTraceInitFile]\n;Title=" + title + "\nmem_init 1\n");
-    etmhost::SimulatedHost host(*etmhost::FindChip(GetParam()), {}, etmhost::Journal());
+    const etmhost::Chip& chip = *etmhost::FindChip(GetParam());
+    Mirror mirror(chip);
+    record::EventStream events;
+    events.Add(mirror);
+    etmhost::SimulatedHost host(chip, {}, events);
     const auto open = [&](HeadlessDisplay::Script script) {
         etmhost::ModuleSession session(*OrnDLL(), directory.PathOf("KVETMControl.so"), host);
         display.OnNextDialog(std::move(script));
-        ASSERT_TRUE(session.control().Open());
+        ASSERT_TRUE(session.Open());
     };
     display.AnswerOtherBoxes([&](const std::string&, unsigned flags) {
         return (flags & MB_YESNO) == 0 ? IDOK : Coin() ? IDYES : IDNO;
@@ -163,6 +183,7 @@ TEST_P(RoundTrip, AFreshDialogShowsWhatWasSet) {
             display.Click(IDOK);
             EXPECT_TRUE(display.Front()->HasEnded()) << "the sheet refused to close";
         });
+        EXPECT_EQ(Mirror::Held(mirror.host), Mirror::Held(host));
         open([&] { shown = DescribeAll(); });
         EXPECT_EQ(shown, set) << ::testing::PrintToString(display.Log());
     }

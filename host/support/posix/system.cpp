@@ -34,9 +34,21 @@ std::string PathText(const std::filesystem::path& path) {
     return path.string();
 }
 
-size_t TerminalWidth() {
+namespace {
+
+int HandleOf(Output output) {
+    return output == Output::Errors ? STDERR_FILENO : STDOUT_FILENO;
+}
+
+} // namespace
+
+bool IsTerminal(Output output) {
+    return isatty(HandleOf(output)) != 0;
+}
+
+size_t TerminalWidth(Output output) {
     winsize size{};
-    return ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 ? size.ws_col : 0;
+    return ioctl(HandleOf(output), TIOCGWINSZ, &size) == 0 ? size.ws_col : 0;
 }
 
 void OutliveReaders() {

@@ -42,9 +42,22 @@ std::string PathText(const std::filesystem::path& path) {
     return text;
 }
 
-size_t TerminalWidth() {
+namespace {
+
+HANDLE HandleOf(Output output) {
+    return GetStdHandle(output == Output::Errors ? STD_ERROR_HANDLE : STD_OUTPUT_HANDLE);
+}
+
+} // namespace
+
+bool IsTerminal(Output output) {
+    DWORD mode = 0;
+    return GetConsoleMode(HandleOf(output), &mode) != FALSE;
+}
+
+size_t TerminalWidth(Output output) {
     CONSOLE_SCREEN_BUFFER_INFO info{};
-    const BOOL known = GetConsoleScreenBufferInfo(GetStdHandle(STD_OUTPUT_HANDLE), &info);
+    const BOOL known = GetConsoleScreenBufferInfo(HandleOf(output), &info);
     return known ? static_cast<size_t>(info.srWindow.Right - info.srWindow.Left) + 1 : 0;
 }
 
