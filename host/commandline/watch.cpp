@@ -59,7 +59,8 @@ void Watch::Drawer::Write(const record::Event& event) {
     m_Watch.m_Seen = m_Watch.m_Host.target.state.capture;
     if (event.refusal && m_Watch.m_News.Has(event)) m_Watch.m_Refused = Escape(*event.refusal);
     m_Watch.Draw();
-    if (event.phase == record::Event::Phase::Return && event.operation == "Open") m_Watch.Leave();
+    const bool shows = event.operation == "Open" || event.operation == "InitBoardFile";
+    if (shows && event.phase == record::Event::Phase::Return) m_Watch.Leave();
 }
 
 // The dialog looks at the capture on one of its pages only. Behind the others this does, and keeps
