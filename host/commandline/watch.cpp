@@ -57,7 +57,8 @@ void Watch::Drawer::Write(const record::Event& event) {
     else if (const std::string line = EchoLine(event); !line.empty())
         m_Watch.m_Sent = line;
     m_Watch.m_Seen = m_Watch.m_Host.target.state.capture;
-    if (event.refusal && m_Watch.m_News.Has(event)) m_Watch.m_Refused = Escape(*event.refusal);
+    if (event.refusal && m_Watch.m_News.Has(event))
+        m_Watch.m_Refused = Escape(RefusedPart(event) + ": " + *event.refusal);
     m_Watch.Draw();
     const bool shows = event.operation == "Open" || event.operation == "InitBoardFile";
     if (shows && event.phase == record::Event::Phase::Return) m_Watch.Leave();

@@ -83,17 +83,6 @@ std::string StepOf(const Event& event) {
     return done && event.operation != "Open" ? "" : event.operation + " gave " + YesNo(done);
 }
 
-// What a refusal is about: a command as it is, and of an action what it works on.
-std::string RefusedPart(const Event& event) {
-    if (event.operation == "Command") return record::TextOf(event.arguments, "text");
-    if (event.operation != "Action") return CallOf(event);
-    const std::string action = record::TextOf(event.arguments, "action");
-    std::string_view expression = action;
-    TakeWord(expression);
-    const std::string_view rest = Trim(expression);
-    return rest.empty() ? action : std::string(rest);
-}
-
 } // namespace
 
 std::string JournalLine(const Event& event) {
@@ -102,6 +91,16 @@ std::string JournalLine(const Event& event) {
                              : event.operation == "step" ? record::TextOf(event.arguments, "text")
                                                          : "";
     return step.empty() ? "" : "-- " + step;
+}
+
+std::string RefusedPart(const Event& event) {
+    if (event.operation == "Command") return record::TextOf(event.arguments, "text");
+    if (event.operation != "Action") return CallOf(event);
+    const std::string action = record::TextOf(event.arguments, "action");
+    std::string_view expression = action;
+    TakeWord(expression);
+    const std::string_view rest = Trim(expression);
+    return rest.empty() ? action : std::string(rest);
 }
 
 bool PollNews::Has(const Event& event) {

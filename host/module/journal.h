@@ -13,6 +13,9 @@ namespace etmhost {
 /// only a machine wants to know. A refusal has its reason behind it.
 std::string JournalLine(const record::Event& event);
 
+/// Returns what a refusal is about: a command as it is, of an action what it works on, or the call.
+std::string RefusedPart(const record::Event& event);
+
 /// Says of polls of the capture whether they tell anything new. The dialog polls by its clock: only
 /// news is told, so that it does not depend on how fast the machine and its user are.
 class PollNews {
