@@ -10,6 +10,7 @@ namespace {
 
 using OrderedJson = nlohmann::ordered_json;
 
+constexpr int kDeepest = 4; // a text of bytes in the arguments has 3
 constexpr const char* kDirections[] = {"toHost", "toModule", "host"};
 constexpr const char* kPhases[] = {"whole", "call", "return"};
 
@@ -65,7 +66,11 @@ std::string ToJsonLine(const Event& event) {
 
 Event FromJsonLine(std::string_view line) {
     try {
-        const OrderedJson json = OrderedJson::parse(line);
+        const OrderedJson json =
+            OrderedJson::parse(line, [](int depth, OrderedJson::parse_event_t, const OrderedJson&) {
+                if (depth > kDeepest) throw std::runtime_error("an event is not nested so deep");
+                return true;
+            });
         if (!json.is_object()) throw std::runtime_error("an event is a JSON object");
         Event event;
         event.direction =

@@ -414,7 +414,7 @@ TEST_F(CommandLine, WatchKeepsOneLine) {
     if (onWindows) GTEST_SKIP() << "there is no pseudo terminal";
     const std::string script = directory.Write(
         "script", "click 1000\nif box\nok\nend\nif window \"ETM Configuration\"\nok\nend\n"
-                  "click 1030\nwait until enabled 1031\ntab 3\nwait 2500\ntab 2\nclick 1017\n"
+                  "click 1030\nwait until enabled 1031\ntab 3\nwait 1500\ntab 2\nclick 1017\n"
                   "type 1018 \"0x10\"\ntype 1019 \"0x20\"\nok\n");
     const std::string terminal = directory.Write(
         "terminal", "stty -echo -opost cols 60; exec \"$@\" drive --off-screen --watch --echo \"" +

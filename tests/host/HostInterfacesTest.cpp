@@ -115,7 +115,8 @@ TEST(Record, ALineThatIsNoEventIsRefused) {
          {std::string(), std::string("7"), std::string("{}"), head, head + "1.5}}",
           head + "18446744073709551615}}", head + "[256]}}", head + "[\"a\"]}}",
           std::string(R"({"direction":"up","operation":"x"})"),
-          std::string(R"({"direction":"host","operation":7})"), std::string(100000, '[')})
+          std::string(R"({"direction":"host","operation":7})"),
+          head + std::string(1000000, '[') + std::string(1000000, ']') + "}}"})
         EXPECT_THROW(record::FromJsonLine(line), std::runtime_error) << line.substr(0, 100);
 }
 
