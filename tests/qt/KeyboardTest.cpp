@@ -1,5 +1,6 @@
 // The keyboard alone is enough.
 
+#include <QPushButton>
 #include <QTimer>
 
 #include "tests/qt/QtTest.h"
@@ -83,6 +84,28 @@ TEST_F(Keyboard, StaysOnAControlThatComesBackBeforeTheHandlerEnds) {
             EXPECT_FALSE(dialog.HasEnded());
         });
     }
+}
+
+/// The number of the button that has the look of a default one; 0: none.
+int DefaultLook() {
+    int found = 0;
+    for (const auto* button : QtPerson::Window()->findChildren<QPushButton*>())
+        if (button->isDefault()) found = button->objectName().toInt();
+    return found;
+}
+
+TEST_F(Keyboard, TheDefaultLookIsThatOfTheButtonWhichReturnPressesAndTheFocusShows) {
+    Run([&] {
+        for (const auto& [id, button] :
+             {std::pair(11, 1), {40, 40}, {30, 1}, {12, 0}, {13, 1}, {2, 2}, {32, 1}, {1, 1}}) {
+            QWidget* window = QtPerson::Window();
+            const QRect place(user.Find(id)->mapTo(window, QPoint()), user.Find(id)->size());
+            const QImage without = window->grab(place).toImage();
+            user.Find(id)->setFocus();
+            EXPECT_EQ(DefaultLook(), button) << id;
+            EXPECT_TRUE(id == 11 || window->grab(place).toImage() != without) << id;
+        }
+    });
 }
 
 /// Holds the keys that end a window; they were pressed before it came up.

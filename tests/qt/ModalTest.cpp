@@ -1,5 +1,6 @@
 // Windows inside windows: dialogs, boxes, the save dialog and timers.
 
+#include <QLabel>
 #include <QListView>
 #include <QMessageBox>
 #include <QScreen>
@@ -50,6 +51,35 @@ TEST_F(Modal, ABoxShowsPlainTextOnTheScreenAndItsCloseIsTheRefusal) {
         });
         EXPECT_EQ(MessageBoxWithoutOwner(text.c_str(), "", flags), answer);
     }
+}
+
+/// What is wrong with a message box that is shown.
+std::string BoxFaults(const QMessageBox& box) {
+    std::string faults;
+    QFont bold = box.font();
+    bold.setBold(true);
+    if (box.width() < QFontMetrics(bold).horizontalAdvance(box.windowTitle()) + 60)
+        faults += " narrow";
+    if (!box.screen()->availableGeometry().contains(box.frameGeometry())) faults += " too large";
+    for (const QAbstractButton* button : box.buttons())
+        if (!button->icon().isNull()) faults += " an icon on a button";
+    const QPixmap sign = box.findChild<QLabel*>("qt_msgboxex_icon_label")->pixmap();
+    if (box.icon() != QMessageBox::NoIcon && sign.width() < 40 * box.devicePixelRatio())
+        faults += " a sign of " + std::to_string(sign.width());
+    return faults;
+}
+
+TEST_F(Modal, ABoxIsAsWideAsItsTitleFitsAndHasASharpSignAndNoIconsOnButtons) {
+    const std::string path = "/a" + std::string(250, 'b') + "/c " + std::string(1500, 'd');
+    for (const char* text : {"Short", path.c_str()})
+        for (const unsigned icon : {0U, MB_ICONHAND, MB_ICONQUESTION, MB_ICONEXCLAMATION}) {
+            QTimer::singleShot(0, qApp, [&] {
+                auto& box = dynamic_cast<QMessageBox&>(*QtPerson::Window());
+                EXPECT_EQ(BoxFaults(box), "") << text << icon;
+                box.reject();
+            });
+            MessageBoxWithoutOwner(text, "Conflicting Settings Used", MB_YESNO | icon);
+        }
 }
 
 constexpr char kOneFilter[] = "Board init files (*.MAC)\0*.mac\0";

@@ -5,6 +5,8 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSignalBlocker>
+#include <QStyleOptionFocusRect>
+#include <QStylePainter>
 #include <algorithm>
 #include <functional>
 
@@ -29,6 +31,18 @@ protected:
             click();
         else
             QPushButton::keyPressEvent(event);
+    }
+
+    /// Not every style tells a button with the focus from a default one.
+    void paintEvent(QPaintEvent* event) override {
+        QPushButton::paintEvent(event);
+        if (!hasFocus() || !window()->testAttribute(Qt::WA_KeyboardFocusChange)) return;
+        QStyleOptionButton button;
+        initStyleOption(&button);
+        QStyleOptionFocusRect option;
+        option.QStyleOption::operator=(button);
+        option.rect = style()->subElementRect(QStyle::SE_PushButtonFocusRect, &button, this);
+        QStylePainter(this).drawPrimitive(QStyle::PE_FrameFocusRect, option);
     }
 };
 

@@ -58,7 +58,10 @@ void QtDisplay::RunModal(CDialog& dialog) {
     auto* peer = static_cast<qt::WindowPeer*>(qt::PeerOf(dialog));
     qt::TopWindow* window = peer != nullptr ? peer->Top() : nullptr;
     if (window == nullptr || dialog.HasEnded()) return;
-    if (QWidget* first = peer->FocusWidget()) first->setFocus(Qt::TabFocusReason);
+    if (QWidget* first = peer->FocusWidget()) {
+        first->setFocus(Qt::TabFocusReason);
+        window->ShowDefault(first);
+    }
     const qt::ModalRun run(m_Modal, *window);
     if (window->testAttribute(Qt::WA_Moved)) qt::MoveOntoScreen(*window);
     window->exec();

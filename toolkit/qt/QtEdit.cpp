@@ -2,6 +2,7 @@
 
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QPainter>
 #include <QPlainTextEdit>
 #include <QSignalBlocker>
 #include <QTextBlock>
@@ -14,6 +15,7 @@
 #include "toolkit/guarded.h"
 #include "toolkit/input.h"
 #include "toolkit/qt/QtPeer.h"
+#include "toolkit/qt/modal.h"
 #include "toolkit/qt/on_screen.h"
 #include "toolkit/qt/qt_text.h"
 #include "toolkit/qt/readable.h"
@@ -86,8 +88,8 @@ public:
     TextEdit(uint32_t styles, QWidget* parent) : QPlainTextEdit(parent), m_Styles(styles) {
         setTabChangesFocus(true);
         SetTabStops();
-        if ((styles & style::ReadOnly) == 0) return;
-        ShowReadOnly(true);
+        ShowReadOnly((styles & style::ReadOnly) != 0);
+        if (!isReadOnly()) return;
         setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
         setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     }
@@ -95,6 +97,7 @@ public:
     /// Read with the caret or the wheel; told from the others by its background.
     void ShowReadOnly(bool readOnly) {
         setReadOnly(readOnly);
+        setProperty(kTakesReturn, !readOnly && (m_Styles & style::WantReturn) != 0);
         if (readOnly)
             setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
         MakeReadable(*this);
@@ -116,6 +119,28 @@ protected:
             event->ignore(); // the dialog's default button
         else
             QPlainTextEdit::keyPressEvent(event);
+    }
+
+    /// Other controls have a frame that shows the focus.
+    bool event(QEvent* event) override {
+        const bool taken = QPlainTextEdit::event(event);
+        if (event->type() == QEvent::Paint && hasFocus() &&
+            window()->testAttribute(Qt::WA_KeyboardFocusChange)) {
+            QPainter painter(this);
+            painter.setPen(palette().color(QPalette::Highlight));
+            painter.drawRect(rect().adjusted(0, 0, -1, -1));
+        }
+        return taken;
+    }
+
+    void focusInEvent(QFocusEvent* event) override {
+        QPlainTextEdit::focusInEvent(event);
+        update();
+    }
+
+    void focusOutEvent(QFocusEvent* event) override {
+        QPlainTextEdit::focusOutEvent(event);
+        update();
     }
 
     void wheelEvent(QWheelEvent* event) override {

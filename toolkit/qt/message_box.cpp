@@ -1,5 +1,4 @@
 #include <QMessageBox>
-#include <QRegularExpression>
 
 #include "toolkit/constants.h"
 #include "toolkit/qt/boxes.h"
@@ -21,14 +20,10 @@ QMessageBox::Icon IconOf(unsigned flags) {
     }
 }
 
-/// Keeps a box on the screen whatever a host may say: cuts what is very long, and
-/// lets a word break that would be wider than a window.
-QString Bounded(QString text) {
+/// Cuts what is very long, whatever a host may say: a box has to fit the screen.
+QString Bounded(const QString& text) {
     constexpr int kMostCharacters = 2000;
-    constexpr int kLongestWord = 260; // a path may stand as one word
-    if (text.size() > kMostCharacters) text = text.left(kMostCharacters) + QChar(0x2026);
-    static const QRegularExpression longWord(QString("(\\S{%1})(?=\\S)").arg(kLongestWord));
-    return text.replace(longWord, "\\1\n");
+    return text.size() > kMostCharacters ? text.left(kMostCharacters) + QChar(0x2026) : text;
 }
 
 } // namespace

@@ -35,6 +35,20 @@ TopWindow::TopWindow(CDialog& model, const ModalStack& stack, QWidget* owner)
     : QDialog(owner), m_Model(model), m_Stack(stack), m_HelpTip(model) {
     setWindowFlags(Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
                    Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint);
+    connect(qApp, &QApplication::focusChanged, this,
+            [this](QWidget*, QWidget* focus) { ShowDefault(focus); });
+}
+
+void TopWindow::ShowDefault(const QWidget* focus) {
+    if (focus == nullptr || focus->window() != this) return; // looks as it did
+    const QList<QPushButton*> buttons = findChildren<QPushButton*>();
+    if (m_Default == nullptr)
+        for (QPushButton* button : buttons)
+            if (button->isDefault()) m_Default = button;
+    const QPushButton* pressed = qobject_cast<const QPushButton*>(focus);
+    if (pressed == nullptr && !focus->property(kTakesReturn).toBool()) pressed = m_Default;
+    for (QPushButton* button : buttons)
+        if (button->isDefault() != (button == pressed)) button->setDefault(button == pressed);
 }
 
 void TopWindow::WantEnd() {
@@ -91,7 +105,8 @@ void ModalStack::CancelBoxes() const {
     }
 }
 
-ModalRun::ModalRun(ModalStack& stack, QDialog& window) : m_Stack(stack), m_HeldKeys(window) {
+ModalRun::ModalRun(ModalStack& stack, QDialog& window)
+    : m_Stack(stack), m_HeldKeys(window), m_Look(window) {
     Adapt(window);
     m_Stack.m_Windows.push_back(&window);
 }

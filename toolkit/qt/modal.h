@@ -3,8 +3,11 @@
 #pragma once
 
 #include <QDialog>
+#include <QPointer>
+#include <QPushButton>
 #include <vector>
 
+#include "toolkit/qt/DialogLook.h"
 #include "toolkit/qt/HeldKeys.h"
 #include "toolkit/qt/HelpTip.h"
 #include "toolkit/qt/QtApplication.h"
@@ -14,6 +17,9 @@ class CDialog;
 namespace qt {
 
 class ModalStack;
+
+/// The property of a widget that makes something of Return itself.
+inline constexpr char kTakesReturn[] = "takesReturn";
 
 /// The top-level window of a dialog.
 class TopWindow : public QDialog {
@@ -25,6 +31,9 @@ public:
     void WantEnd();
     /// This window is the innermost one again.
     void EndIfWanted();
+
+    /// Gives the look of a default button to the one that Return will press now, if any.
+    void ShowDefault(const QWidget* focus);
 
     /// Escape, or the frame's close button.
     void reject() override;
@@ -39,6 +48,7 @@ private:
     const ModalStack& m_Stack;
     HelpTip m_HelpTip;
     bool m_WantsEnd = false;
+    QPointer<QPushButton> m_Default; // that of the template
 };
 
 /// The modal windows that run, the innermost last.
@@ -65,6 +75,7 @@ private:
     ModalStack& m_Stack;
     KeepLocale m_Locale;
     HeldKeys m_HeldKeys;
+    DialogLook m_Look;
 };
 
 } // namespace qt
