@@ -1,10 +1,13 @@
 // Windows inside windows: dialogs, boxes, the save dialog and timers.
 
+#include <QFileDialog>
+#include <QHeaderView>
 #include <QLabel>
 #include <QListView>
 #include <QMessageBox>
 #include <QScreen>
 #include <QTimer>
+#include <QTreeView>
 
 #include "testkit/TemporaryDirectory.h"
 #include "tests/qt/QtTest.h"
@@ -120,6 +123,30 @@ TEST_F(SaveDialog, ShowsBoardsAndRefusesAPathThatDoesNotFit) {
     EXPECT_EQ(Ask(kTwoFilters, directory.PathOf("new").size()), ""); // no room for the NUL
     EXPECT_THAT(user.Boxes(), ElementsAre(HasSubstr("too long")));
     user.AnswerSave(nullptr);
+    EXPECT_EQ(Ask(kTwoFilters), "");
+}
+
+TEST_F(SaveDialog, HasColumnsThatFitAndFitsTheScreen) {
+    directory.Write("a file with a rather long name, as people like to give them.mac", "");
+    QTimer::singleShot(0, qApp, [&] {
+        auto& dialog = dynamic_cast<QFileDialog&>(*QtPerson::Window());
+        dialog.setViewMode(QFileDialog::Detail);
+        auto& list = *dialog.findChild<QTreeView*>("treeView");
+        const auto shown = [&] { return list.model()->rowCount(list.rootIndex()) == 3; };
+        EXPECT_TRUE(QTest::qWaitFor(shown));
+        QtPerson::Wait(50);
+        EXPECT_TRUE(dialog.screen()->availableGeometry().contains(dialog.frameGeometry()));
+        for (int column = 0; column < list.header()->count(); ++column)
+            EXPECT_GE(list.columnWidth(column),
+                      static_cast<QAbstractItemView&>(list)
+                          .sizeHintForIndex(list.model()->index(0, column, list.rootIndex()))
+                          .width())
+                << column;
+        const auto& places = *dialog.findChild<QListView*>("sidebar");
+        EXPECT_GE(places.viewport()->width(),
+                  places.sizeHintForIndex(places.model()->index(0, 0)).width());
+        dialog.reject();
+    });
     EXPECT_EQ(Ask(kTwoFilters), "");
 }
 

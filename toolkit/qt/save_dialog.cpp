@@ -2,12 +2,17 @@
 #include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QHeaderView>
 #include <QListView>
+#include <QTreeView>
+#include <algorithm>
 #include <cstring>
 
 #include "toolkit/constants.h"
 #include "toolkit/qt/boxes.h"
+#include "toolkit/qt/on_screen.h"
 #include "toolkit/qt/qt_text.h"
+#include "toolkit/qt/readable.h"
 
 namespace qt {
 
@@ -68,12 +73,52 @@ void SetUp(QFileDialog& dialog, const SaveFileRecord& record, const QStringList&
     if (auto* places = dialog.findChild<QListView*>("sidebar")) places->setVisible(placesBar);
 }
 
+/// While one lives, the columns of a dialog's list are as wide as what stands in them. Qt keeps
+/// what it finds at the end for all programs of the person's.
+class ColumnsFitted {
+public:
+    explicit ColumnsFitted(const QFileDialog& dialog) {
+        if (const auto* list = dialog.findChild<QTreeView*>("treeView")) m_Header = list->header();
+        if (m_Header == nullptr) return;
+        m_Before = m_Header->saveState();
+        m_Header->setStretchLastSection(false);
+        m_Header->setSectionResizeMode(QHeaderView::ResizeToContents);
+    }
+    ~ColumnsFitted() {
+        if (m_Header != nullptr) m_Header->restoreState(m_Before);
+    }
+    ColumnsFitted(const ColumnsFitted&) = delete;
+    ColumnsFitted& operator=(const ColumnsFitted&) = delete;
+
+private:
+    QHeaderView* m_Header = nullptr;
+    QByteArray m_Before;
+};
+
+/// As large as all columns of usual files need, if the screen has that room.
+void FitScreen(QFileDialog& dialog) {
+    auto* places = dialog.findChild<QListView*>("sidebar");
+    FitFont(dialog, [&] {
+        if (places != nullptr)
+            places->setMinimumWidth(
+                std::min(places->sizeHintForColumn(0) + 2 * places->frameWidth(),
+                         RoomFor(dialog).width() / 4));
+        return dialog.minimumSizeHint();
+    });
+    const QFontMetrics metrics = dialog.fontMetrics();
+    const QSize wanted(metrics.averageCharWidth() * 130, metrics.height() * 28);
+    dialog.resize(wanted.expandedTo(dialog.sizeHint()).boundedTo(RoomFor(dialog)));
+}
+
 } // namespace
 
 bool ShowSaveDialog(ModalStack& stack, QWidget* owner, SaveFileRecord& record) {
     const QStringList filters = Filters(record.filter);
     QFileDialog dialog(owner);
     SetUp(dialog, record, filters);
+    const ColumnsFitted columns(dialog);
+    FitScreen(dialog);
+    MakeReadable(dialog);
     const ModalRun run(stack, dialog);
     if (dialog.exec() != QDialog::Accepted) return false;
 
