@@ -1,13 +1,11 @@
 #include "host/commandline/drive.h"
 
-#include <condition_variable>
 #include <cstdlib>
 #include <fstream>
 #include <iostream>
-#include <mutex>
 #include <sstream>
-#include <thread>
 
+#include "host/drive/Watchdog.h"
 #include "host/drive/windows.h"
 #include "host/support/host_error.h"
 
@@ -16,38 +14,6 @@ namespace etmhost {
 namespace {
 
 constexpr const char* kTour = "tour"; // the name of its script, which nobody has as a file
-
-/// Ends the process if the windows never let the interpreter work for too long: then something
-/// blocks their thread, and nothing else would come to an end either.
-class Watchdog {
-public:
-    Watchdog(const Interpreter& interpreter, std::function<void()> bite)
-        : m_Thread([this, &interpreter, bite = std::move(bite)] { Watch(interpreter, bite); }) {}
-    ~Watchdog() {
-        {
-            const std::lock_guard lock(m_Mutex);
-            m_Over = true;
-        }
-        m_Changed.notify_one();
-        m_Thread.join();
-    }
-
-private:
-    static constexpr std::chrono::seconds kBusy{30};
-
-    void Watch(const Interpreter& interpreter, const std::function<void()>& bite) {
-        std::unique_lock lock(m_Mutex);
-        for (unsigned ticks = interpreter.ticks();; ticks = interpreter.ticks()) {
-            if (m_Changed.wait_for(lock, kBusy, [this] { return m_Over; })) return;
-            if (interpreter.ticks() == ticks) bite();
-        }
-    }
-
-    std::mutex m_Mutex;
-    std::condition_variable m_Changed;
-    bool m_Over = false;
-    std::thread m_Thread; // the last: it uses the others
-};
 
 std::filesystem::path ToPath(const std::string& text) {
     if (const auto path = NativePath(text)) return *path;
@@ -82,6 +48,8 @@ std::optional<Script> ReadScript(const std::string& file, std::ostream& errors) 
         text = ReadText(in, file);
     }
     Script script = ParseScript(file, text);
+    if (script.steps.empty() && script.errors.empty())
+        script.errors.push_back({1, "there is no step in this script"});
     if (!TakesPictures())
         for (const Step& step : script.steps)
             if (step.verb == Step::Picture)

@@ -318,8 +318,10 @@ void Describe(CLI::App& app, Options& options) {
     command("open", "Show the dialog");
     CLI::App* serve = command(
         "serve", "Offer the simulated chip to OpenOCD, as an adapter of the kind remote_bitbang");
-    serve->add_option("--port", options.port, "The port to listen at; 0: any that is free")
-        ->type_name("NUMBER");
+    serve
+        ->add_option("--port", options.port,
+                     "The port to listen at, up to 65535; 0: any that is free")
+        ->type_name("PORT");
     serve->add_flag("--once", options.once, "End behind the first caller");
     command("apply", "Send the module's settings to the target");
     command("init-board", "Settle the board file, and ask for it if need be")

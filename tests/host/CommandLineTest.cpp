@@ -78,7 +78,7 @@ TEST_F(CommandLine, BadInputEndsWithStatus2AndAMessage) {
         {"show --dark=5", "--dark takes no value"},
         {"show --base etm=1", "--base needs --remote"},
         {"show --remote gdb:1 --chip arm7", "--chip cannot stand beside --remote"},
-        {"serve --port 65536", "--port: a NUMBER is expected, not \"65536\""},
+        {"serve --port 65536", "--port: a PORT is expected, not \"65536\""},
         {"show --state \"\"", "--state: a FILE is expected, not \"\""},
         {"show --chip z80", "there is no chip \"z80\"; \"etmhost chips\" lists"},
         {"show --chip cortex-m33", "there is no chip \"cortex-m33\"; did you mean \"cortex-m3\"?"},
@@ -277,6 +277,8 @@ TEST_F(CommandLine, AScriptDrivesTheDialog) {
          "@:15: the name of a picture ends with .png\n@:17: there is no if to this end\n"
          "@:18: an entry is a number from 1 to 65535, not 0\n@:20: this if has no end\n"
          "@:21: a control character\n"},
+        {"# nothing\n", 2, "@:1: there is no step in this script\n"},
+        {"quietly quietly ok", 2, "@:1: there is no step quietly\n"},
     };
     Run("run enable" + state);
     if (!onWindows) {
