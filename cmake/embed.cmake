@@ -12,3 +12,14 @@ function(embed_texts TARGET NAME)
   file(CONFIGURE OUTPUT ${folder}/${NAME} CONTENT "@rows@" @ONLY)
   target_include_directories(${TARGET} PRIVATE ${folder})
 endfunction()
+
+# embed_bytes(TARGET NAME FILE): the sources of TARGET can include NAME, which holds the bytes of
+# the file as the elements of an array.
+function(embed_bytes TARGET NAME FILE)
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${FILE})
+  file(READ ${FILE} bytes HEX)
+  string(REGEX REPLACE "(..)" "0x\\1," bytes "${bytes}")
+  set(folder ${CMAKE_CURRENT_BINARY_DIR}/${TARGET}_texts)
+  file(CONFIGURE OUTPUT ${folder}/${NAME} CONTENT "@bytes@" @ONLY)
+  target_include_directories(${TARGET} PRIVATE ${folder})
+endfunction()

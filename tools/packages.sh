@@ -17,5 +17,8 @@ TEST_PACKAGES=(clang libclang-rt-14-dev lld llvm clang-format clang-tidy shellch
 # To measure them, beside a generated scanner.
 BENCH_PACKAGES=(libbenchmark-dev re2c python3)
 
+# To make the icon's bitmaps of its drawing, after a change of that.
+ICON_PACKAGES=(librsvg2-bin python3)
+
 # To build the Windows module and to run it.
 WINDOWS_PACKAGES=(g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix googletest wine64 fonts-wine)

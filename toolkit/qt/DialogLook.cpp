@@ -15,7 +15,7 @@
 
 #include "toolkit/qt/on_screen.h"
 #include "toolkit/qt/qt_text.h"
-#include "toolkit/qt/readable.h"
+#include "toolkit/qt/window_icon.h"
 
 namespace qt {
 
@@ -131,6 +131,7 @@ void DressBox(QMessageBox& box) {
 
 void Dress(QDialog& dialog) {
     dialog.setAttribute(Qt::WA_KeyboardFocusChange);
+    if (dialog.parentWidget() == nullptr) dialog.setWindowIcon(WindowIcon()); // others inherit it
     for (const auto* buttons : dialog.findChildren<QDialogButtonBox*>())
         for (QAbstractButton* button : buttons->buttons()) button->setIcon({});
     if (auto* box = qobject_cast<QMessageBox*>(&dialog)) DressBox(*box);

@@ -7,8 +7,8 @@
 namespace qt {
 
 /// Cares for a dialog, and those inside it, when they are shown, as long as it lives: the
-/// focus shows, and buttons have no icons. A message box is as wide as its title, fits the
-/// screen and has a sharp sign.
+/// focus shows, the icon is ours, and buttons have none. A message box is as wide as its title,
+/// fits the screen and has a sharp sign.
 class DialogLook : public QObject {
 public:
     explicit DialogLook(QDialog& dialog);
