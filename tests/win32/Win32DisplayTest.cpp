@@ -291,6 +291,30 @@ TEST_F(OnNativeWindows, TheHostWaitsForTheDialogWhichGoesWithIt) {
     EXPECT_EQ(message.wParam, 7u);
 }
 
+/// Run at several resolutions of the screen.
+TEST_F(OnNativeWindows, EachDialogFitsTheScreenAndHasTheIcon) {
+    const auto height = [this] {
+        MONITORINFO monitor{};
+        monitor.cbSize = sizeof monitor;
+        GetMonitorInfoA(MonitorFromWindow(user.Window(), MONITOR_DEFAULTTOPRIMARY), &monitor);
+        RECT own;
+        GetWindowRect(user.Window(), &own);
+        EXPECT_TRUE(own.top >= monitor.rcWork.top && own.bottom <= monitor.rcWork.bottom)
+            << own.top << " to " << own.bottom;
+        EXPECT_NE(SendMessageA(user.Window(), WM_GETICON, ICON_SMALL, 0), 0);
+        return double(own.bottom - own.top) / double(monitor.rcWork.bottom - monitor.rcWork.top);
+    };
+    Open([&](Win32Person& person) {
+        const HDC screen = GetDC(nullptr);
+        const bool sharp = GetDeviceCaps(screen, LOGPIXELSY) > 96;
+        ReleaseDC(nullptr, screen);
+        // No smaller than it has to be.
+        EXPECT_GT(height(), sharp ? 0.75 : 0.5);
+        user.OnNextDialog([&](Win32Person&) { height(); });
+        person.Click(1029);
+    });
+}
+
 TEST(AHostThatDestroysTheComponent, EndsWhateverRuns) {
     const TemporaryDirectory directory;
     const std::string old = directory.Write("board.mac", "");
@@ -339,7 +363,12 @@ TEST(TheDll, CanBeLoadedAnewAndBearsVersionAndManifest) {
         LoadedModule loaded;
         ASSERT_TRUE(loaded.control->Init(0));
         Win32Person user;
-        user.OnNextDialog([](Win32Person& person) {
+        user.OnNextDialog([&](Win32Person& person) {
+            RECT place;
+            GetWindowRect(user.Window(), &place);
+            EXPECT_EQ(place.left == 31 && place.top == 47, round > 0); // where it was left
+            SetWindowPos(user.Window(), nullptr, 31, 47, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
+            EXPECT_EQ(person.TabInFront(), 0);
             person.Tab(2);
             person.Click(IDOK);
         });

@@ -9,7 +9,6 @@ namespace {
 // The outline face with the metrics of MS Sans Serif, so that it scales with the
 // screen's resolution.
 constexpr char kFace[] = "MS Shell Dlg";
-constexpr unsigned kPoints = 8;
 
 constexpr int kTwoLines = 16; // dialog units
 
@@ -75,14 +74,14 @@ std::wstring Wide(std::string_view text) {
 
 } // namespace
 
-DialogBytes::DialogBytes(const CDialog& dialog) {
-    AddFrame(dialog);
+DialogBytes::DialogBytes(const CDialog& dialog, int points) {
+    AddFrame(dialog, points);
     for (const auto& control : dialog.GetControls()) AddControl(*control);
     m_Bytes[m_CountPlace] = static_cast<uint8_t>(m_Count);
     m_Bytes[m_CountPlace + 1] = static_cast<uint8_t>(m_Count >> 8);
 }
 
-void DialogBytes::AddFrame(const CDialog& dialog) {
+void DialogBytes::AddFrame(const CDialog& dialog, int points) {
     const bool page = dynamic_cast<const CPropertyPage*>(&dialog) != nullptr;
     const DialogTemplate& place = *dialog.GetDialogTemplate();
     Word(1);      // version
@@ -100,7 +99,7 @@ void DialogBytes::AddFrame(const CDialog& dialog) {
     Word(0); // no menu
     Word(0); // the usual class
     Text(page ? std::string_view() : dialog.GetWindowText());
-    Word(kPoints);
+    Word(static_cast<unsigned>(points));
     Word(FW_NORMAL);
     Word(DEFAULT_CHARSET << 8); // not italic
     Text(kFace);

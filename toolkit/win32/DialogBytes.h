@@ -12,7 +12,11 @@
 /// captioned window, or for a page a child without a frame.
 class DialogBytes {
 public:
-    explicit DialogBytes(const CDialog& dialog);
+    /// The size of the usual font.
+    static constexpr int kPoints = 8;
+
+    /// `points` is the size of the font.
+    DialogBytes(const CDialog& dialog, int points);
     LPCDLGTEMPLATEA Get() const { return reinterpret_cast<LPCDLGTEMPLATEA>(m_Bytes.data()); }
 
 private:
@@ -23,7 +27,7 @@ private:
         DWORD exStyle;
         int id;
     };
-    void AddFrame(const CDialog& dialog);
+    void AddFrame(const CDialog& dialog, int points);
     void AddControl(const CWnd& control);
     void AddItem(const Item& item, const ControlTemplate& place);
 

@@ -2,10 +2,13 @@
 
 #include <uxtheme.h>
 
+#include <algorithm>
 #include <string>
 
+#include "toolkit/fit.h"
 #include "toolkit/win32/DialogBytes.h"
 #include "toolkit/win32/NativeLook.h"
+#include "toolkit/win32/OnScreen.h"
 #include "toolkit/win32/ShowModel.h"
 #include "toolkit/win32/WindowTable.h"
 #include "toolkit/win32/help.h"
@@ -148,6 +151,40 @@ void BindControls(CDialog& dialog, HWND window) {
     }
 }
 
+/// The icon that lies beside the manifest.
+constexpr int kIconId = 3;
+
+void SetIcons(HWND window) {
+    const struct {
+        WPARAM which;
+        int width, height;
+    } rows[] = {{ICON_BIG, SM_CXICON, SM_CYICON}, {ICON_SMALL, SM_CXSMICON, SM_CYSMICON}};
+    for (const auto& row : rows) {
+        HANDLE icon =
+            LoadImageA(ModuleInstance(), MAKEINTRESOURCEA(kIconId), IMAGE_ICON,
+                       GetSystemMetrics(row.width), GetSystemMetrics(row.height), LR_SHARED);
+        SendMessageA(window, WM_SETICON, row.which, reinterpret_cast<LPARAM>(icon));
+    }
+}
+
+/// Makes the window in the largest font in which it fits on its screen; a page in that of its
+/// sheet. Gives the size of the font back; null without a window.
+HWND MakeInFont(const CDialog& dialog, HWND parent, bool page, int& points) {
+    constexpr int kLeast = 3;
+    HWND window = nullptr;
+    const auto make = [&](int size) {
+        if (window != nullptr) DestroyWindow(window);
+        const DialogBytes bytes(dialog, size);
+        window =
+            CreateDialogIndirectParamA(ModuleInstance(), bytes.Get(), parent, DialogProcedure, 0);
+        return window == nullptr || page || FitsScreen(window);
+    };
+    const WindowPeer* sheet = page ? PeerOf(*dialog.GetParent()) : nullptr;
+    points = sheet != nullptr ? sheet->m_Points : DialogBytes::kPoints;
+    points = LargestThatFits(std::min(kLeast, points), points, make);
+    return window;
+}
+
 } // namespace
 
 bool MakeDialogWindow(CDialog& dialog, HWND owner) {
@@ -156,11 +193,12 @@ bool MakeDialogWindow(CDialog& dialog, HWND owner) {
     const HWND parent =
         page && dialog.GetParent() != nullptr ? WindowOf(*dialog.GetParent()) : owner;
     if (page && parent == nullptr) return false;
-    const DialogBytes bytes(dialog);
-    const HWND window =
-        CreateDialogIndirectParamA(ModuleInstance(), bytes.Get(), parent, DialogProcedure, 0);
+    int points = 0;
+    const HWND window = MakeInFont(dialog, parent, page, points);
     if (window == nullptr) return false;
     dialog.SetPeer(std::make_unique<WindowPeer>(dialog, window));
+    PeerOf(dialog)->m_Points = points;
+    if (!page) SetIcons(window);
     BindControls(dialog, window);
     DescribeControls(dialog);
     if (page) FitIntoTab(window, parent);

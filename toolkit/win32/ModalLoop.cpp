@@ -1,9 +1,6 @@
 #include "toolkit/win32/ModalLoop.h"
 
-#include <algorithm>
-
 #include "toolkit/win32/DialogWindow.h"
-#include "toolkit/win32/NativeLook.h"
 #include "toolkit/win32/help.h"
 #include "toolkit/win32/keyboard.h"
 
@@ -61,28 +58,6 @@ OthersDisabled::~OthersDisabled() {
     for (const HWND other : m_Disabled)
         if (IsWindow(other)) EnableWindow(other, TRUE);
     if (GetActiveWindow() == m_Window && IsWindow(m_ActiveBefore)) SetActiveWindow(m_ActiveBefore);
-}
-
-void PlaceOverOwner(HWND window) {
-    const NativeLook look; // measures all windows alike
-    const HWND owner = GetWindow(window, GW_OWNER);
-    MONITORINFO monitor{};
-    monitor.cbSize = sizeof monitor;
-    GetMonitorInfoA(MonitorFromWindow(owner != nullptr ? owner : window, MONITOR_DEFAULTTOPRIMARY),
-                    &monitor);
-    const RECT& screen = monitor.rcWork;
-    RECT around = screen;
-    if (owner != nullptr && IsWindowVisible(owner) && !IsIconic(owner))
-        GetWindowRect(owner, &around);
-    RECT own;
-    GetWindowRect(window, &own);
-    const LONG width = own.right - own.left;
-    const LONG height = own.bottom - own.top;
-    const LONG x = (around.left + around.right - width) / 2;
-    const LONG y = (around.top + around.bottom - height) / 2;
-    SetWindowPos(window, nullptr, std::max(screen.left, std::min(x, screen.right - width)),
-                 std::max(screen.top, std::min(y, screen.bottom - height)), 0, 0,
-                 SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 void RunLoop(CDialog& dialog, HWND window) {

@@ -22,9 +22,6 @@ private:
     std::vector<HWND> m_Disabled;
 };
 
-/// Puts a window into the middle of its owner, or else of the screen.
-void PlaceOverOwner(HWND window);
-
 /// Delivers the thread's messages until the dialog has ended or lost its window.
 /// Should the thread be asked to quit, the dialog is closed and the wish passed on.
 void RunLoop(CDialog& dialog, HWND window);

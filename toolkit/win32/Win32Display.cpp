@@ -5,6 +5,7 @@
 #include "toolkit/win32/DialogWindow.h"
 #include "toolkit/win32/ModalLoop.h"
 #include "toolkit/win32/NativeLook.h"
+#include "toolkit/win32/OnScreen.h"
 #include "toolkit/win32/ShowModel.h"
 #include "toolkit/win32/WindowTable.h"
 #include "toolkit/win32/boxes.h"
@@ -70,12 +71,14 @@ void Win32Display::RunModal(CDialog& dialog) {
     m_Running.push_back(&dialog);
     const Run run{m_Running};
     m_Thread = GetCurrentThreadId();
-    PlaceOverOwner(window);
+    const bool sheet = dialog.AsSheet() != nullptr;
+    if (!sheet || !PutWhereItWas(window)) PlaceOverOwner(window);
     const OthersDisabled others(window);
     SetWindowPos(window, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_SHOWWINDOW);
     if (GetWindow(window, GW_OWNER) == nullptr) SetForegroundWindow(window); // of a console
     FocusFirst(dialog);
     RunLoop(dialog, window);
+    if (sheet && IsWindow(window)) KeepPlace(window);
 }
 
 void Win32Display::EndModal(CDialog& dialog) {

@@ -21,6 +21,7 @@ public:
     // Of a top-level dialog: the tip that F1 brings up, and whose help it shows; null: hidden.
     HWND m_HelpTip = nullptr;
     const CWnd* m_Helped = nullptr;
+    int m_Points = 0; // the size of its font
     HWND m_LastFocus = nullptr;
     HWND m_FocusToCome = nullptr;
 };
