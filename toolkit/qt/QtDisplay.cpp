@@ -20,7 +20,8 @@ bool QtDisplay::Prepare(std::string& reason) {
 
 QWidget* QtDisplay::OwnerWindow(const CWnd* model) const {
     for (; model != nullptr; model = model->GetParent())
-        if (const qt::QtPeer* peer = qt::PeerOf(*model); peer != nullptr && peer->Widget())
+        if (const qt::QtPeer* peer = qt::PeerOf(*model);
+            peer != nullptr && peer->Widget() != nullptr)
             return peer->Widget()->window();
     return m_Modal.Innermost();
 }

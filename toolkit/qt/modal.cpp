@@ -99,7 +99,7 @@ void ModalStack::CancelBoxes() const {
         QMetaObject::invokeMethod(popup, &QWidget::close, Qt::QueuedConnection);
     QDrag::cancel();
     for (QDialog* window : m_Windows) {
-        if (dynamic_cast<TopWindow*>(window) != nullptr) continue;
+        if (window == nullptr || dynamic_cast<TopWindow*>(window) != nullptr) continue;
         for (QDialog* question : window->findChildren<QDialog*>()) reject(question);
         reject(window);
     }
