@@ -86,6 +86,7 @@ Status RunCommands(SimulatedHost& host, const std::vector<std::string>& commands
                    std::ostream& out) {
     Status status = kDone;
     for (const std::string& command : commands) {
+        if (SkipBlanks(command).starts_with('#')) continue;
         std::ostringstream stream;
         out.flush(); // ahead of a refusal, which goes elsewhere
         if (host.trace.Command(command.c_str(), &stream) != nullptr) {

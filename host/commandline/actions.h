@@ -40,8 +40,8 @@ Status ShowTarget(SimulatedHost& host, std::ostream& out);
 Status ShowChipsJson(std::ostream& out);
 Status ShowTargetJson(SimulatedHost& host, std::ostream& out);
 
-/// Carries out `commands` in order, and prints those that were. A refused one is a matter of the
-/// host's journal.
+/// Carries out `commands` in order but for remarks, which begin with "#", and prints those that
+/// were. A refused one is a matter of the host's journal.
 Status RunCommands(SimulatedHost& host, const std::vector<std::string>& commands,
                    std::ostream& out);
 

@@ -78,14 +78,12 @@ Status RunWithModule(const std::string& command, const Options& options,
     return status;
 }
 
-// The lines that `run` gets from a person or another program: commands, and what passes as a
-// remark or as nothing at all.
+// The lines that `run` gets from a person or another program.
 std::vector<std::string> ReadCommands(std::istream& in) {
     std::vector<std::string> commands;
     for (std::string line; std::getline(in, line);) {
         if (line.ends_with('\r')) line.pop_back();
-        const std::string_view text = SkipBlanks(line);
-        if (!text.empty() && text.front() != '#') commands.push_back(line);
+        if (!SkipBlanks(line).empty()) commands.push_back(line);
     }
     if (in.bad()) throw HostError("run: cannot read the standard input");
     return commands;
@@ -312,7 +310,7 @@ void Describe(CLI::App& app, Options& options) {
     command("run", "Carry out commands of the host's language on the target")
         ->add_option("COMMAND", options.commands,
                      "Commands such as 'etm pc=all', each an argument of its own; -: those on the "
-                     "lines of the standard input, where # begins a remark")
+                     "lines of the standard input. # begins a remark")
         ->required()
         ->type_name("LANGUAGE");
     command("open", "Show the dialog");
