@@ -379,7 +379,7 @@ TEST_F(CommandLine, ADryRunWritesNothingButABoardFile) {
 TEST_F(CommandLine, TheJournalFileHoldsTheJournal) {
     const std::string offScreen = onWindows ? "" : " --off-screen";
     const std::string script = " drive \"" + directory.Write("script", kSession) + "\"" + offScreen;
-    const auto file = [this](const std::string& path) { return "--journal-file \"" + path + "\""; };
+    const auto file = [](const std::string& path) { return "--journal-file \"" + path + "\""; };
     const Outcome outcome = Run(file(directory.PathOf("record")) + " --journal" + script);
     EXPECT_EQ(outcome.status, 0) << outcome.errors;
     std::ostringstream journal;
