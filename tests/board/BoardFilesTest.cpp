@@ -119,3 +119,12 @@ TEST_F(BoardTest, SelectionForTheStoredValue) {
         EXPECT_EQ(host.TakeCalls().size(), version == 111 ? 1u : 0u) << "HasCommand";
     }
 }
+
+TEST(BoardFiles, HavePathsThatTheSettingHolds) {
+    for (const size_t size : {259, 260})
+        for (const bool separated : {true, false}) {
+            const std::string directory = std::string(99, 'd') + (separated ? "/" : "");
+            const std::string name = std::string(size - 100 - 4, 'n') + ".mac";
+            EXPECT_EQ(CanBeBoardFile(directory, name), size == 259) << size << separated;
+        }
+}

@@ -55,6 +55,8 @@ TEST_F(Applying, SendsWhatDiffers) {
         {"", "BranchOutput=1", on},
         {"NormalFormatSupported=0", "CycleAccurate=1", off},
         {"NormalFormatSupported=0 DemultiplexedFormatSupported=1", "CycleAccurate=1", on},
+        {"DemultiplexedFormatSupported=1", "PortModeIndex=1", off},
+        {"DemultiplexedFormatSupported=1", "PortModeIndex=2", on},
         {"DemultiplexedFormatSupported=1", "PortModeIndex=3", off},
         {"DemultiplexedFormatSupported=1 HalfRateSupported=0", "PortModeIndex=1", off},
         {"", "BoardFile=/B.mac",

@@ -95,6 +95,7 @@ TEST(Files, AreFoundByPattern) {
         {"*.mac", true, true, {"a.mac", "B.MAC", "sub/d.mac"}},
         {"E.TXT", true, true, {"sub/e.txt"}},
         {"*.zip", true, true, {}}, // the list was not empty before
+        {"*.zip", false, false, {}},
     };
     for (const auto& row : rows) {
         jString list, item;
@@ -121,6 +122,7 @@ TEST(TextTools, CutWhatIsShown) {
         {"abcdef", 5, 2, "ab..."},
         {"\xE2\x82\xACx", 3, 9, "\xE2\x82\xAC..."}, // a character is not divided
         {"\xE2\x82\xACx", 9, 2, "..."},
+        {"\xF0\x9F\x98\x80x", 3, 9, "..."},
         {"\xFC\xFC\xFC", 2, 9, "\xFC\xFC..."}, // in another encoding each byte is one
         {"\x81\x82\x83\x84\x85", 4, 9, "\x81\x82\x83\x84..."},
     };
