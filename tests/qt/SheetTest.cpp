@@ -74,13 +74,15 @@ bool IsCut(const QWidget& widget) {
            edit->horizontalScrollBar()->maximum() > 0;
 }
 
-/// Names the texts of a page that are cut off, and the controls that overlap.
+/// Names the texts of a page or group that are cut off, and the controls that overlap.
 std::string Faults(const QWidget& page) {
     std::string faults;
     QList<QWidget*> shown;
     for (QWidget* widget : page.findChildren<QWidget*>(Qt::FindDirectChildrenOnly))
-        if (widget->isVisibleTo(&page) && page.rect().intersects(widget->geometry()))
+        if (widget->isVisibleTo(&page) && page.rect().intersects(widget->geometry())) {
+            if (widget->inherits("QGroupBox")) faults += Faults(*widget);
             shown << widget;
+        }
     for (const QWidget* widget : shown) {
         const std::string name = widget->objectName().toStdString();
         if (NeededWidth(*widget) > widget->width() || IsCut(*widget)) faults += " cut:" + name;

@@ -50,6 +50,14 @@ std::string HelpText(const CWnd& control) {
     return g_Toolkit->helpText(control);
 }
 
+const CWnd* GroupAround(const CWnd& control) {
+    return g_Toolkit->groupAround(control);
+}
+
+std::vector<Label> LabelsOf(const CDialog& dialog) {
+    return g_Toolkit->labelsOf(dialog);
+}
+
 void ReportException(const char* what) noexcept {
     g_Toolkit->reportException(what);
 }

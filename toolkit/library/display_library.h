@@ -15,6 +15,7 @@
 #include "toolkit/guarded.h"
 #include "toolkit/help.h"
 #include "toolkit/input.h"
+#include "toolkit/labels.h"
 
 namespace display_library {
 
@@ -36,6 +37,8 @@ struct Toolkit {
     decltype(&IsInSight) isInSight;
     decltype(&NextHelp) nextHelp;
     decltype(&HelpText) helpText;
+    decltype(&GroupAround) groupAround;
+    decltype(&LabelsOf) labelsOf;
     decltype(&ReportException) reportException;
     decltype(&input::Click) click;
     decltype(&input::Type) type;

@@ -58,6 +58,8 @@ constexpr Toolkit kToolkit = {
     IsInSight,
     NextHelp,
     HelpText,
+    GroupAround,
+    LabelsOf,
     ReportException,
     input::Click,
     input::Type,

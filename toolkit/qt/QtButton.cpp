@@ -1,5 +1,6 @@
 // Push buttons, check boxes and radio buttons.
 
+#include <QButtonGroup>
 #include <QCheckBox>
 #include <QKeyEvent>
 #include <QPushButton>
@@ -73,6 +74,9 @@ protected:
         else
             MarkedButton::keyPressEvent(event);
     }
+
+    /// Which button of the group the Tab key finds does not depend on the focus.
+    void focusInEvent(QFocusEvent* event) override { QWidget::focusInEvent(event); }
 };
 
 class ButtonPeer : public QtPeer {
@@ -126,7 +130,11 @@ class RadioPeer : public MarkedPeer {
 public:
     RadioPeer(CWnd& model, RadioButton* radio, QObject* reports)
         : MarkedPeer(model, radio, reports) {
-        radio->setAutoExclusive(false); // which one is checked the model decides
+        // Which one is checked the model decides. A button that is not exclusive by itself would
+        // be a check box for screen readers.
+        auto* const free = new QButtonGroup(radio);
+        free->setExclusive(false);
+        free->addButton(radio);
         radio->move = [this](int step) { Move(step); };
     }
 

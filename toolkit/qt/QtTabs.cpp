@@ -9,6 +9,7 @@
 #include "toolkit/controls.h"
 #include "toolkit/guarded.h"
 #include "toolkit/input.h"
+#include "toolkit/qt/accessible_tabs.h"
 #include "toolkit/qt/layout.h"
 #include "toolkit/qt/qt_text.h"
 
@@ -16,7 +17,13 @@ namespace qt {
 
 class TabWidget : public QTabWidget {
 public:
-    using QTabWidget::QTabWidget;
+    explicit TabWidget(QWidget* parent) : QTabWidget(parent) {
+        auto* const bar = new AccessibleTabBar(this);
+        bar->setDrawBase(false); // the frame around the pages is its line
+        setTabBar(bar);
+        setFocusProxy(nullptr); // only the row of tabs takes the keyboard
+        setFocusPolicy(Qt::NoFocus);
+    }
 
     /// What stands around a page: the tabs and the frame.
     QSize Overhead() const {

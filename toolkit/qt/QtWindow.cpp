@@ -1,10 +1,12 @@
 #include "toolkit/qt/QtWindow.h"
 
 #include <QDialog>
+#include <QLabel>
 #include <algorithm>
 
 #include "toolkit/CPropertySheet.h"
 #include "toolkit/focus.h"
+#include "toolkit/labels.h"
 #include "toolkit/qt/QtTabs.h"
 #include "toolkit/qt/layout.h"
 #include "toolkit/qt/on_screen.h"
@@ -26,42 +28,54 @@ QWidget* RoomOf(const CDialog& page) {
     return tabs->Room(static_cast<int>(found - pages.begin()));
 }
 
-/// What a screen reader says for a control without a text of its own.
-QString AccessibleName(const CDialog& dialog, size_t index) {
-    const auto& controls = dialog.GetControls();
-    const CWnd& control = *controls[index];
+/// What a screen reader says for a control without a caption of its own. Empty: the title of
+/// the group around it.
+QString AccessibleName(const CWnd& control, const std::vector<Label>& labels) {
     if (control.GetTemplate()->accessibleName != nullptr)
         return FromModel(control.GetTemplate()->accessibleName);
-    const ControlKind kind = control.GetKind();
-    const bool silent =
-        kind == ControlKind::Edit || kind == ControlKind::ComboBox || kind == ControlKind::Slider;
-    if (!silent || index == 0 || controls[index - 1]->GetKind() != ControlKind::Static) return {};
-    QString caption = FromModel(controls[index - 1]->GetWindowText()).trimmed();
+    const auto label = std::ranges::find(labels, &control, &Label::second);
+    if (label == labels.end()) return {};
+    QString caption = FromModel(label->first->GetWindowText()).trimmed();
     while (caption.endsWith(u':') || caption.endsWith(u' ')) caption.chop(1);
     return caption;
 }
 
+/// The widget that holds a control: that of its group, so that screen readers tell the
+/// group, or the dialog's.
+QWidget* HolderOf(const CWnd& control, QWidget* window) {
+    const CWnd* group = GroupAround(control);
+    return group != nullptr && PeerOf(*group) != nullptr ? PeerOf(*group)->Widget() : window;
+}
+
 void MakeControls(CDialog& dialog, const Surroundings& in) {
     const auto& controls = dialog.GetControls();
-    for (size_t i = 0; i < controls.size(); ++i) {
-        CWnd& control = *controls[i];
-        if (!IsInSight(control)) continue; // no widget: screen readers would find it
-        std::unique_ptr<QtPeer> made = MakeControlPeer(control, in);
+    const std::vector<Label> labels = LabelsOf(dialog);
+    const auto make = [&](CWnd& control) {
+        if (!IsInSight(control)) return; // no widget: screen readers would find it
+        std::unique_ptr<QtPeer> made =
+            MakeControlPeer(control, {HolderOf(control, in.parent), in.reports});
         QtPeer& peer = *made;
         control.SetPeer(std::move(made));
         peer.Widget()->setObjectName(QString::number(control.GetDlgCtrlID()));
-        peer.Widget()->setAccessibleName(AccessibleName(dialog, i));
+        peer.Widget()->setAccessibleName(AccessibleName(control, labels));
         if (control.GetHelp() != nullptr) {
             peer.Widget()->setAccessibleDescription(control.GetHelp());
             peer.Widget()->setWhatsThis(control.GetHelp());
         }
         peer.RefreshAll();
-    }
+    };
+    // Groups hold the others, and lie below them.
+    for (const bool groups : {true, false})
+        for (const auto& control : controls)
+            if ((control->GetKind() == ControlKind::GroupBox) == groups) make(*control);
     // What takes no input must not cover what does; frames lie below all.
     for (const ControlKind kind : {ControlKind::Static, ControlKind::GroupBox})
-        for (const auto& control : controls)
-            if (control->GetKind() == kind && PeerOf(*control) != nullptr)
-                PeerOf(*control)->Widget()->lower();
+        for (auto control = controls.rbegin(); control != controls.rend(); ++control)
+            if ((*control)->GetKind() == kind && PeerOf(**control) != nullptr)
+                PeerOf(**control)->Widget()->lower();
+    for (const auto& [text, control] : labels)
+        if (PeerOf(*text) != nullptr && PeerOf(*control) != nullptr)
+            static_cast<QLabel*>(PeerOf(*text)->Widget())->setBuddy(PeerOf(*control)->Widget());
 }
 
 /// The Tab key follows the order of the templates; a page comes right behind the

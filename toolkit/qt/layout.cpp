@@ -1,6 +1,7 @@
 #include "toolkit/qt/layout.h"
 
 #include "toolkit/CPropertySheet.h"
+#include "toolkit/labels.h"
 #include "toolkit/qt/DialogUnits.h"
 #include "toolkit/qt/QtTabs.h"
 #include "toolkit/qt/QtWindow.h"
@@ -62,6 +63,8 @@ void LayOut(CDialog& dialog) {
         QRect place = units.Place(row);
         if (control->GetKind() == ControlKind::Tab)
             place.setSize(place.size() + growth);
+        else if (const CWnd* group = GroupAround(*control)) // which holds it
+            place.translate(-units.Place(*group->GetTemplate()).topLeft());
         else
             place.translate(growth.width(), growth.height());
         controlPeer->Place(place);

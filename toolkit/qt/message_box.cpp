@@ -39,6 +39,7 @@ int ShowMessageBox(ModalStack& stack, QWidget* owner, const QString& text, const
     box.setWindowTitle(title);
     box.setTextFormat(Qt::PlainText);
     box.setText(Bounded(text));
+    box.setAccessibleDescription(box.text());
     if ((flags & MB_YESNO) != 0) {
         box.setStandardButtons(QMessageBox::Yes | QMessageBox::No);
         box.setDefaultButton(QMessageBox::Yes);
