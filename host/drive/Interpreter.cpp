@@ -13,9 +13,11 @@ namespace {
 
 constexpr size_t kNone = static_cast<size_t>(-1);
 
-/// Whether a step is about boxes and save dialogs too.
-bool MindsNoBox(const Step& step) {
+/// Whether a step is about boxes and save dialogs too; `expected`: the box in front was.
+bool MindsNoBox(const Step& step, bool expected) {
     switch (step.verb) {
+    case Step::Key:
+        return expected;
     case Step::AnswerBox:
     case Step::Pause:
     case Step::Picture:
@@ -48,7 +50,8 @@ bool Interpreter::Tick(uint64_t now) {
         if (!m_Failure.empty()) return CloseOne(front, now);
         const bool arrived = m_Next == m_Script.steps.size();
         if (front.kind == FrontWindow::None) return WaitFor(line, "a window", "none there", now);
-        if (front.kind == FrontWindow::Box && (arrived || !MindsNoBox(m_Script.steps[m_Next]))) {
+        if (front.kind == FrontWindow::Box &&
+            (arrived || !MindsNoBox(m_Script.steps[m_Next], m_BoxExpected))) {
             Fail(line, "a box " + Quote(front.title) + " came up: " + front.text);
             return true;
         }
@@ -112,12 +115,16 @@ bool Interpreter::TryAct(const Step& step, const FrontWindow& front, uint64_t no
              [&] { m_User.SaveAs(step.text); });
         return true;
     }
+    if (step.verb == Step::Key) {
+        const bool one = step.text.empty();
+        Make(step, "key " + (one ? Described(step.key) : Quote(step.text)),
+             [&] { one ? m_User.Press(step.key) : m_User.Write(step.text); });
+        return true;
+    }
     if (front.kind != FrontWindow::Dialog)
         return WaitFor(step.line, "a dialog", Described(front), now);
-    if (step.verb == Step::Close || step.verb == Step::Key) {
-        const bool key = step.verb == Step::Key;
-        Make(step, key ? "key " + Described(step.key) : "close",
-             [&] { key ? m_User.Press(step.key) : m_User.CloseFrame(); });
+    if (step.verb == Step::Close) {
+        Make(step, "close", [&] { m_User.CloseFrame(); });
         return true;
     }
     return TryControl(step, front, now);
@@ -165,6 +172,8 @@ bool Interpreter::TryControl(const Step& step, const FrontWindow& front, uint64_
 bool Interpreter::Judge(const Step& step, const FrontWindow& front, uint64_t now) {
     const Finding finding = Look(step.condition, front);
     if (finding.holds) {
+        m_BoxExpected = front.kind == FrontWindow::Box && step.condition.holds &&
+                        step.condition.what >= Condition::Window;
         ++m_Next;
         SkipJumps();
     } else if (step.verb == Step::WaitUntil) {
@@ -178,6 +187,7 @@ bool Interpreter::Judge(const Step& step, const FrontWindow& front, uint64_t now
 /// Goes on ahead of the act, which may not return before later steps are made.
 void Interpreter::Make(const Step& step, const std::string& what,
                        const std::function<void()>& act) {
+    if (step.verb != Step::Remark) m_BoxExpected = false;
     if (!step.quietly && m_Told) m_Told(Escape(what));
     ++m_Next;
     SkipJumps();

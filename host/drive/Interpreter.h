@@ -76,8 +76,9 @@ private:
     std::filesystem::path m_Pictures;
     std::function<void()> m_Stuck;
     size_t m_Next = 0;
-    size_t m_Seen;        // the step that was next at the last Tick
-    uint64_t m_Since = 0; // when it became that
+    bool m_BoxExpected = false; // the box in front, by the step before
+    size_t m_Seen;              // the step that was next at the last Tick
+    uint64_t m_Since = 0;       // when it became that
     std::string m_Failure;
     int m_FailureLine = 0;
     std::set<std::string> m_Taken; // pictures

@@ -85,6 +85,7 @@ public:
     explicit Words(std::vector<Token> tokens) : m_Tokens(std::move(tokens)) {}
 
     bool empty() const { return m_Next == m_Tokens.size(); }
+    bool NextIsQuoted() const { return !empty() && m_Tokens[m_Next].quoted; }
 
     /// Takes the next word if it is `word`.
     bool Took(const char* word) {
@@ -123,12 +124,12 @@ public:
         for (const auto& [word, number] :
              {std::pair("ok", 1), {"cancel", 2}, {"apply", kApplyButton}})
             if (Took(word)) return {number, {}};
-        if (!empty() && m_Tokens[m_Next].quoted) return {0, TakeFilled("a caption")};
+        if (NextIsQuoted()) return {0, TakeFilled("a caption")};
         return {TakeNumber("a control", 1, 0xFFFF), {}};
     }
 
     EntryName TakeEntry(const char* what) {
-        if (!empty() && m_Tokens[m_Next].quoted) return {0, Take(what).text};
+        if (NextIsQuoted()) return {0, Take(what).text};
         return {TakeNumber(what, 1, 0xFFFF), {}};
     }
 
@@ -268,7 +269,10 @@ bool TakeArguments(const std::string& verb, Words& words, Step& step) {
         step.number = words.TakeNumber("a position", 0, 0xFFFF);
     } else if (verb == "key") {
         step.verb = Step::Key;
-        step.key = TakeKey(words);
+        if (words.NextIsQuoted())
+            step.text = words.TakeFilled("a text");
+        else
+            step.key = TakeKey(words);
     } else if (verb == "close") {
         step.verb = Step::Close;
     } else if (verb == "answer") {

@@ -80,7 +80,8 @@ struct Step {
     KeyName key;
     Condition condition;
     Answer answer = Answer::Ok;
-    std::string text;  ///< typed, the name of a file, a remark; of Save: empty to cancel
+    std::string text;  ///< typed, the name of a file, a remark; of Save: empty to cancel; of Key:
+                       ///< keys in place of the one
     int number = 0;    ///< a position, or milliseconds
     size_t target = 0; ///< the index of a step, or the number of steps
 };

@@ -44,6 +44,7 @@ public:
     virtual void Tab(int index) = 0;                        ///< the first is 0
     virtual void Drag(int id, int position) = 0;            ///< and lets go
     virtual void Press(const KeyName& key) = 0;             ///< where the keyboard is
+    virtual void Write(const std::string& text) = 0;        ///< there too, key by key
     /// Closes the window by its frame; a box is refused so.
     virtual void CloseFrame() = 0;
     /// Presses a button of the box in front; throws without that button.

@@ -74,6 +74,7 @@ public:
         m_Helped =
             NextHelp(*HeadlessDisplay::Front(), Focus() != 0 ? &Control(Focus()) : nullptr, shown);
     }
+    void Write(const std::string&) override { throw std::runtime_error("no keyboard"); }
     void CloseFrame() override {
         if (!m_Box) return HeadlessDisplay::CloseFrame();
         m_Answer = m_Buttons.empty() ? 0 : m_Buttons.back();

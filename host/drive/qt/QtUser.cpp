@@ -122,6 +122,11 @@ std::vector<int> QtUser::WithCaption(const std::string& caption) {
     return found;
 }
 
+QWidget* QtUser::FocusWidget() {
+    QWidget* const window = Window();
+    return window->focusWidget() != nullptr ? window->focusWidget() : window;
+}
+
 // --- Acts --------------------------------------------------------------------------
 
 void QtUser::Click(int id) {
@@ -137,13 +142,18 @@ void QtUser::Type(int id, const std::string& text) {
     edit->setFocus();
     SendKey(edit, Qt::Key_A, Qt::ControlModifier);
     if (!edit.isNull()) SendKey(edit, Qt::Key_Delete);
+    if (!edit.isNull()) Write(text);
+}
+
+void QtUser::Write(const std::string& text) {
+    const QPointer<QWidget> widget = FocusWidget();
     const QString typed = QString::fromStdString(text).remove('\r');
     for (const char32_t character : typed.toUcs4()) {
-        if (edit.isNull()) return;
+        if (widget.isNull()) return;
         if (character == U'\n')
-            SendKey(edit, Qt::Key_Return, {}, "\r");
+            SendKey(widget, Qt::Key_Return, {}, "\r");
         else
-            SendKey(edit, 0, {}, QString::fromUcs4(&character, 1));
+            SendKey(widget, 0, {}, QString::fromUcs4(&character, 1));
     }
 }
 
@@ -168,8 +178,7 @@ void QtUser::Drag(int id, int position) {
 }
 
 void QtUser::Press(const KeyName& key) {
-    QWidget* window = Window();
-    QWidget* widget = window->focusWidget() != nullptr ? window->focusWidget() : window;
+    QWidget* const widget = FocusWidget();
     const Qt::KeyboardModifiers modifiers = (key.control ? Qt::ControlModifier : Qt::NoModifier) |
                                             (key.shift ? Qt::ShiftModifier : Qt::NoModifier) |
                                             (key.alt ? Qt::AltModifier : Qt::NoModifier);

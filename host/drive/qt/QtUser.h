@@ -24,6 +24,7 @@ public:
     void Tab(int index) override;
     void Drag(int id, int position) override;
     void Press(const KeyName& key) override;
+    void Write(const std::string& text) override;
     void CloseFrame() override;
     void AnswerBox(Answer answer) override;
     void SaveAs(const std::string& path) override;
@@ -45,6 +46,8 @@ public:
 
 private:
     static QWidget* Look(int id);
+    /// What gets a key in the window in front.
+    static QWidget* FocusWidget();
 };
 
 } // namespace etmhost

@@ -198,6 +198,11 @@ void Win32User::Type(int id, const std::string& text) {
     GoTo(edit);
     SendMessageA(edit, EM_SETSEL, 0, -1);
     Post(edit, WM_KEYDOWN, VK_DELETE, 0);
+    Write(text);
+}
+
+void Win32User::Write(const std::string& text) {
+    const HWND edit = FocusWindow();
     for (const char c : text) // the key for a new line is Return
         if (c != '\r') Post(edit, WM_CHAR, c == '\n' ? '\r' : static_cast<unsigned char>(c), 0);
     Settle();

@@ -31,6 +31,7 @@ public:
     void Tab(int index) override;
     void Drag(int id, int position) override;
     void Press(const KeyName& key) override;
+    void Write(const std::string& text) override;
     void CloseFrame() override;
     void AnswerBox(Answer answer) override;
     void SaveAs(const std::string& path) override;
