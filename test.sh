@@ -69,6 +69,9 @@ test_dev() {
   # A server that starts anew with each last client refuses the next one meanwhile.
   QT_QPA_PLATFORM=xcb QT_LOGGING_RULES=default.warning=false timeout 300 \
     xvfb-run -a -s "-screen 0 1280x1024x24 -noreset" build/dev/bin/module_tests --gtest_brief=1
+  echo "The jobs there, by the keyboard alone:"
+  QT_QPA_PLATFORM=xcb QT_LOGGING_RULES=default.warning=false timeout 300 \
+    xvfb-run -a -s "-screen 0 1280x1024x24 -noreset" tools/jobs
 }
 begin "g++: tests" test_dev
 
