@@ -106,6 +106,7 @@ TEST_F(ScreenReader, LearnsTheNameTheLabelAndTheGroupOfEachControl) {
             *QAccessible::queryAccessibleInterface(QtPerson::Window()->findChild<QTabBar*>());
         EXPECT_EQ(tabs.role(), Kind::PageTabList);
         tabs.child(2)->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+        QtPerson::Wait(1);
         EXPECT_EQ(user.TabInFront(), 2);
         for (int i = 0; i < 3; ++i) {
             EXPECT_EQ(tabs.child(i)->role(), Kind::PageTab);

@@ -101,13 +101,15 @@ class MarkedPeer : public ButtonPeer {
 public:
     MarkedPeer(CWnd& model, QAbstractButton* button, QObject* reports)
         : ButtonPeer(model, button, reports) {
-        // Assistive programs set the mark itself.
-        QObject::connect(button, &QAbstractButton::toggled, reports, [this] {
+        // Assistive programs set the mark itself, and wait until that has been done: a window that
+        // comes of it must not keep them.
+        const auto click = [this] {
             Guarded([this] {
                 input::Click(m_Model);
                 Refresh(Change::Checked);
             });
-        });
+        };
+        QObject::connect(button, &QAbstractButton::toggled, reports, click, Qt::QueuedConnection);
     }
 
     void Refresh(Change what) override {

@@ -57,7 +57,11 @@ public:
 
     QStringList actionNames() const override { return {pressAction()}; }
     void doAction(const QString& name) override {
-        if (name == pressAction() && m_Bar.isEnabled()) m_Bar.setCurrentIndex(m_Index);
+        if (name != pressAction() || !m_Bar.isEnabled()) return;
+        // Later: who asks for it waits, and a tab that cannot be left raises a box.
+        QMetaObject::invokeMethod(
+            &m_Bar, [&bar = m_Bar, index = m_Index] { bar.setCurrentIndex(index); },
+            Qt::QueuedConnection);
     }
     QStringList keyBindingsForAction(const QString&) const override { return {}; }
 
