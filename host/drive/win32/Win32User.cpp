@@ -10,6 +10,7 @@ namespace {
 constexpr DWORD kAnswerTime = 10'000; // in ms
 constexpr int kSaveNames[] = {0x47c, 0x480};
 constexpr LPARAM kAltHeld = 0x20000000;
+constexpr LPARAM kReleased = static_cast<LPARAM>(0xC0000001U);
 
 std::string ClassOf(HWND window) {
     char name[64];
@@ -235,7 +236,11 @@ void Win32User::Drag(int id, int position) {
 }
 
 void Win32User::Press(WPARAM key, LPARAM details) {
-    Post(FocusWindow(), (details & kAltHeld) != 0 ? WM_SYSKEYDOWN : WM_KEYDOWN, key, details);
+    const HWND window = FocusWindow();
+    const bool system = (details & kAltHeld) != 0;
+    Post(window, system ? WM_SYSKEYDOWN : WM_KEYDOWN, key, details);
+    // A button is pressed by Space when the key comes up.
+    if (key == VK_SPACE) Post(window, system ? WM_SYSKEYUP : WM_KEYUP, key, details | kReleased);
     Settle();
 }
 
@@ -245,9 +250,12 @@ void Win32User::Press(const KeyName& key) {
     if (key.control) keys[VK_CONTROL] = down;
     if (key.shift) keys[VK_SHIFT] = down;
     if (key.alt) keys[VK_MENU] = down;
+    const WPARAM code = CodeOf(key.name);
+    // Radio buttons look whether an arrow brought the keyboard to them.
+    if (code >= VK_LEFT && code <= VK_DOWN) keys[code] = down;
     AttachThreadInput(GetCurrentThreadId(), m_WindowThread, TRUE);
     SetKeyboardState(keys);
-    Press(CodeOf(key.name), key.alt ? kAltHeld : 0);
+    Press(code, key.alt ? kAltHeld : 0);
     std::ranges::fill(keys, BYTE{0});
     SetKeyboardState(keys);
     AttachThreadInput(GetCurrentThreadId(), m_WindowThread, FALSE);
