@@ -95,6 +95,27 @@ TEST_F(OnNativeWindows, AHeldKeyPressesNothing) {
     });
 }
 
+/// Names the edits, lists and sliders of a window, and of the windows in it, that no static text
+/// stands right before: that one is what screen readers call them.
+std::string Nameless(HWND window) {
+    std::string nameless;
+    for (HWND child = GetWindow(window, GW_CHILD); child != nullptr;
+         child = GetWindow(child, GW_HWNDNEXT)) {
+        char kind[64] = "", before[64] = "", name[64] = "";
+        GetClassNameA(child, kind, sizeof kind);
+        const bool silent = !lstrcmpiA(kind, "Edit") || !lstrcmpiA(kind, "ComboBox") ||
+                            !lstrcmpiA(kind, TRACKBAR_CLASSA);
+        if (const HWND previous = GetWindow(child, GW_HWNDPREV)) {
+            GetClassNameA(previous, before, sizeof before);
+            GetWindowTextA(previous, name, sizeof name);
+        }
+        if (silent && (lstrcmpiA(before, "Static") != 0 || *name == '\0'))
+            nameless += " " + std::to_string(GetDlgCtrlID(child));
+        if (!silent) nameless += Nameless(child);
+    }
+    return nameless;
+}
+
 TEST_F(OnNativeWindows, TabChangesNothingAndTheStatusStandsInOneColumn) {
     std::vector<int> visited;
     Open([&](Win32Person& person) {
@@ -103,6 +124,9 @@ TEST_F(OnNativeWindows, TabChangesNothingAndTheStatusStandsInOneColumn) {
             user.Press(VK_TAB);
         } while (user.Focus() != 1000 && visited.size() < 40);
         EXPECT_TRUE(person.Checked(1061));
+        user.OnNextDialog(
+            [](Win32Person&) { EXPECT_EQ(Nameless(Win32Person::FrontHandle()), ""); });
+        person.Click(1029);
         // Neither does the way back through a group whose checked button can't be used.
         person.Tab(1);
         EXPECT_FALSE(person.Enabled(IDC_APPLY_NOW));
@@ -114,6 +138,7 @@ TEST_F(OnNativeWindows, TabChangesNothingAndTheStatusStandsInOneColumn) {
         for (size_t tab = text.find('\t'); tab != std::string::npos; tab = text.find('\t', tab + 1))
             if (text[tab + 1] != '\t')
                 columns.insert(LOWORD(SendMessageA(user.Find(1063), EM_POSFROMCHAR, tab + 1, 0)));
+        EXPECT_EQ(Nameless(user.Window()), ""); // all three pages have been created
         EXPECT_EQ(columns.size(), 1u) << *columns.begin() << ' ' << *columns.rbegin();
     });
     EXPECT_THAT(visited, ElementsAre(1000, 1029, 1061, 1006, 1007, 1008, 1002, 1009, 1030, IDOK,
