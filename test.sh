@@ -72,6 +72,8 @@ test_dev() {
   echo "The jobs there, by the keyboard alone:"
   QT_QPA_PLATFORM=xcb QT_LOGGING_RULES=default.warning=false timeout 300 \
     xvfb-run -a -s "-screen 0 1280x1024x24 -noreset" tools/jobs
+  echo "And over the accessibility bus:"
+  tools/screen-reader
 }
 begin "g++: tests" test_dev
 
