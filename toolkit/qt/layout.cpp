@@ -69,6 +69,8 @@ void LayOut(CDialog& dialog) {
             place.translate(growth.width(), growth.height());
         controlPeer->Place(place);
     }
+    if (dialog.AsSheet() != nullptr)
+        for (CPropertyPage* page : dialog.AsSheet()->GetPages()) LayOut(*page);
 }
 
 } // namespace qt
