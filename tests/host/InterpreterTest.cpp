@@ -27,6 +27,7 @@ public:
     void Tab(int) override {}
     void Drag(int, int) override {}
     void Press(const KeyName&) override {}
+    void Write(const std::string&) override {}
     void CloseFrame() override { ++closed; }
     void AnswerBox(Answer) override {}
     void SaveAs(const std::string&) override {}

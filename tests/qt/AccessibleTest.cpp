@@ -2,6 +2,7 @@
 
 #include <QAccessible>
 #include <QMessageBox>
+#include <QTabBar>
 
 #include "tests/qt/QtTest.h"
 
