@@ -121,8 +121,9 @@ printf '%s\n' build/asan/bin/fuzz_* | nice xargs -P "$(nproc)" -I{} bash -euo pi
 stage "clang-tidy"
 tools/tidy "${tidy[@]}"
 
-stage "the documents' listings"
+stage "the documents' listings and pictures"
 tools/check-listings
+tools/pictures --check
 finish "Windows: tests"
 
 stage "done"

@@ -8,6 +8,7 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QPainter>
 #include <QPixmap>
 #include <QPlainTextEdit>
 #include <QPointer>
@@ -70,6 +71,25 @@ int KeyOf(const std::string& name) {
 template <class Widget> Widget& As(QWidget* widget, const char* what) {
     if (auto* wanted = qobject_cast<Widget*>(widget)) return *wanted;
     throw std::runtime_error(widget->objectName().toStdString() + " is no " + what);
+}
+
+/// The window, and the help over it, which may reach beyond its edges.
+QPixmap WithTip(QWidget& window) {
+    const QPixmap picture = window.grab();
+    for (QWidget* tip : QApplication::topLevelWidgets()) {
+        if (!tip->inherits("QTipLabel") || !tip->isVisible()) continue;
+        const QRect place(tip->pos() - window.mapToGlobal(QPoint()), tip->size());
+        const QRect all = window.rect().united(place);
+        const double scale = picture.devicePixelRatio();
+        QPixmap both(all.size() * scale);
+        both.setDevicePixelRatio(scale);
+        both.fill(Qt::transparent);
+        QPainter painter(&both);
+        painter.drawPixmap(-all.topLeft(), picture);
+        painter.drawPixmap(place.topLeft() - all.topLeft(), tip->grab());
+        return both;
+    }
+    return picture;
 }
 
 QString Caption(const QAbstractButton& button) {
@@ -219,7 +239,7 @@ void QtUser::SaveAs(const std::string& path) {
 }
 
 void QtUser::TakePicture(const std::filesystem::path& file) {
-    if (!Window()->grab().save(QFile::decodeName(file.c_str())))
+    if (!WithTip(*Window()).save(QFile::decodeName(file.c_str())))
         throw std::runtime_error("cannot write the picture " + file.string());
 }
 
