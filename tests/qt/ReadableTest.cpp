@@ -118,6 +118,7 @@ TEST_F(Readable, DisabledTextsStandOutAndNotesLookUnlikeFieldsInAnyPalette) {
                     CDialog& shown = number > 900    ? configuration
                                      : number == 900 ? static_cast<CDialog&>(dialog)
                                                      : page;
+                    const QPalette& own = palette; // clang 14 captures no structured binding
                     Run(number < 900 ? sheet : shown, [&] {
                         for (const auto& control : shown.GetControls()) {
                             if (control->GetKind() == ControlKind::Edit)
@@ -138,7 +139,7 @@ TEST_F(Readable, DisabledTextsStandOutAndNotesLookUnlikeFieldsInAnyPalette) {
                         if (number != 107) return;
                         QApplication::setPalette(palettes[1].second); // while it is open
                         EXPECT_EQ(TooFaint(shown, window), "");
-                        QApplication::setPalette(palette);
+                        QApplication::setPalette(own);
                     });
                 }
             }

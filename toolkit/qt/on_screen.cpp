@@ -72,6 +72,10 @@ QSize RoomFor(const QWidget& window) {
 void ShrinkFont(QWidget& widget, const std::function<bool()>& fits) {
     widget.setFont({});
     const double own = QFontInfo(widget.font()).pointSizeF();
+    if (own <= 0) { // an application's font that says nothing of its size
+        fits();
+        return;
+    }
     const int most = static_cast<int>(own * kSteps);
     LargestThatFits(std::min(most, kLeastPoints * kSteps), most, [&](int size) {
         QFont font; // sets what is set here, and leaves the rest to the application
