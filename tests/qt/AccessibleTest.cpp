@@ -64,10 +64,9 @@ std::string Faults(CDialog& dialog, QtPerson& user) {
         auto& seen = *QAccessible::queryAccessibleInterface(user.Find(id));
         const QAccessible::State state = seen.state();
         const bool marked = seen.role() == Kind::RadioButton || seen.role() == Kind::CheckBox;
-        const bool group = seen.role() == Kind::Grouping; // only looks disabled
         if (seen.role() != roles.at(control->GetKind()) ||
             state.invisible == control->IsWindowVisible() ||
-            (!group && state.disabled == control->IsWindowEnabled()) ||
+            state.disabled == control->IsWindowEnabled() ||
             (marked && bool(state.checked) != static_cast<CButton&>(*control).GetCheck()))
             faults += " " + std::to_string(id);
     }
@@ -93,7 +92,10 @@ TEST_F(ScreenReader, LearnsTheNameTheLabelAndTheGroupOfEachControl) {
     };
     Run(sheet, [&] {
         control.GetDlgItem(1009)->EnableWindow(false);
-        control.GetDlgItem(1003)->EnableWindow(false); // but not what stands in the group
+        for (const bool comesBack : {false, true}) { // in a disabled group, which stays so
+            control.GetDlgItem(1003)->EnableWindow(false);
+            control.GetDlgItem(1077)->EnableWindow(comesBack);
+        }
         control.GetDlgItem(1029)->ShowWindow(SW_HIDE);
         control.CheckRadioButton(static_cast<CButton&>(*control.GetDlgItem(1034)));
         look(control, 18);

@@ -1,14 +1,24 @@
 #include "toolkit/qt/QtPeer.h"
 
+#include <QGroupBox>
 #include <algorithm>
 
 namespace qt {
 
 void QtPeer::Refresh(Change what) {
     s_HoldsFocus = m_Model.GetTemplate() != nullptr && HasFocus();
-    if (what == Change::Enabled) m_Widget->setEnabled(m_Model.IsWindowEnabled());
+    if (what == Change::Enabled) ShowEnabled();
     if (what == Change::Visible) m_Widget->setVisible(m_Model.IsWindowVisible());
     s_HoldsFocus = false;
+}
+
+/// Qt enables nothing in what is disabled; but a disabled group does not disable its controls.
+void QtPeer::ShowEnabled() {
+    auto* const group = qobject_cast<QGroupBox*>(m_Widget->parentWidget());
+    const bool alone = group != nullptr && !group->isEnabled();
+    if (alone) group->setAttribute(Qt::WA_Disabled, false);
+    m_Widget->setEnabled(m_Model.IsWindowEnabled());
+    if (alone) group->setAttribute(Qt::WA_Disabled);
 }
 
 void QtPeer::RefreshAll() {

@@ -48,6 +48,8 @@ protected:
     CWnd& m_Model;
 
 private:
+    void ShowEnabled();
+
     QPointer<QWidget> m_Widget;
     static inline bool s_HoldsFocus = false;
 };

@@ -42,13 +42,14 @@ private:
 
 /// A frame whose title interrupts the upper edge, on half of the title's height.
 /// Styles draw the title above the frame, where templates have other controls. It holds the
-/// controls of the group, which have a state of their own: a disabled group only looks so.
+/// controls of the group, which have a state of their own.
 class GroupBox : public QGroupBox {
 public:
     using QGroupBox::QGroupBox;
 
-    void LookEnabled(bool enabled) {
-        m_LooksEnabled = enabled;
+    /// By the attribute, since setEnabled would reach the controls too.
+    void EnableAlone(bool enabled) {
+        setAttribute(Qt::WA_Disabled, !enabled);
         update();
     }
 
@@ -64,9 +65,7 @@ protected:
         const QRect place(kIndent, 0, metrics.horizontalAdvance(text), metrics.height());
 
         QStylePainter painter(this);
-        QPalette colors = palette();
-        if (!m_LooksEnabled) colors.setCurrentColorGroup(QPalette::Disabled);
-        QColor line = colors.color(QPalette::WindowText);
+        QColor line = palette().color(QPalette::WindowText);
         line.setAlphaF(kFaint);
         painter.setPen(line);
         painter.setRenderHint(QPainter::Antialiasing);
@@ -76,12 +75,9 @@ protected:
         const QRectF frame = QRectF(rect()).adjusted(0.5, middle + 0.5, -0.5, -0.5);
         painter.drawRoundedRect(frame, kRadius, kRadius);
         painter.setClipping(false);
-        painter.drawItemText(place, Qt::AlignLeft | Qt::AlignVCenter, colors, m_LooksEnabled, text,
+        painter.drawItemText(place, Qt::AlignLeft | Qt::AlignVCenter, palette(), isEnabled(), text,
                              QPalette::WindowText);
     }
-
-private:
-    bool m_LooksEnabled = true;
 };
 
 class GroupBoxPeer : public QtPeer {
@@ -90,7 +86,7 @@ public:
 
     void Refresh(Change what) override {
         if (what == Change::Text) m_Box->setTitle(FromModel(m_Model.GetWindowText()));
-        if (what == Change::Enabled) return m_Box->LookEnabled(m_Model.IsWindowEnabled());
+        if (what == Change::Enabled) return m_Box->EnableAlone(m_Model.IsWindowEnabled());
         QtPeer::Refresh(what);
     }
 
