@@ -53,12 +53,12 @@ constexpr HelpRow kHelp[] = {
      "enabled."},
     {107,
      {1036},
-     "What ends a capture: two bits of the control word that is sent, or the triggers. Available "
-     "while ETM is enabled."},
+     "What ends a capture: bit 1 of the control word that is sent, or its bits 8 and 9, the "
+     "triggers. Available while ETM is enabled."},
     {107,
      {1061},
-     "The capture goes on until the processor stops: neither bit 1 of the control word nor a "
-     "trigger is sent. Available while ETM is enabled."},
+     "The capture goes on until the processor stops: bits 1, 8 and 9 of the control word are sent "
+     "as 0. Available while ETM is enabled."},
     {107,
      {1034},
      "The capture ends when the trace buffer is full: bit 1 of the control word is sent. "
@@ -86,9 +86,10 @@ constexpr HelpRow kHelp[] = {
      "sent. Available while ETM is enabled and the capture ends after the trigger."},
     {107,
      {1077},
-     "The address of the trigger, a number or an expression, sent with \"etm trigger\". Available "
-     "while ETM is enabled, the capture ends after the trigger, and ETM Trigger on Address is "
-     "checked."},
+     "The address of the trigger, sent with \"etm trigger\"; a change of it alone goes with OK, "
+     "not "
+     "with Apply. Available while ETM is enabled, the capture ends after the trigger, and ETM "
+     "Trigger on Address is checked."},
     {107,
      {1004},
      "The external pin raises the trigger: bit 8 of the control word is sent. Available while ETM "
@@ -195,8 +196,9 @@ constexpr HelpRow kHelp[] = {
      "available for the startup macro; a file too long to be shown whole can only be read."},
     {1001,
      {1082},
-     "Asks for a name and writes a board file with the title and the commands above; nothing is "
-     "sent. Not available for the startup macro, nor for a file too long to be shown whole."},
+     "Writes a board file with the title, the trace port and the commands above, and selects it; "
+     "nothing is sent. Not available for the startup macro, nor for a file too long to be shown "
+     "whole."},
     {1001,
      {1056},
      "Sets the trace port and the board file to their defaults, in this dialog alone. Always "
@@ -207,8 +209,8 @@ constexpr HelpRow kHelp[] = {
      "available."},
     {1001,
      {IDCANCEL},
-     "Closes and leaves the settings as they were; a board file that was created stays. Always "
-     "available."},
+     "Closes and leaves the settings as they were, but for those that Create New Board File has "
+     "taken over. Always available."},
 };
 
 constexpr bool Has(const HelpRow& row, int id) {

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "toolkit/win32/WindowTable.h"
+#include "toolkit/win32/help.h"
 #include "toolkit/win32/keyboard.h"
 
 namespace {
@@ -46,6 +47,7 @@ void ShowVisible(HWND window, const CWnd& model) {
     flags |= model.IsWindowVisible() ? SWP_SHOWWINDOW : SWP_HIDEWINDOW;
     SetWindowPos(window, HWND_TOP, 0, 0, 0, 0, flags);
     TakeFocusBack(window);
+    PlaceToolTip(model);
 }
 
 void ShowEnabled(HWND window, const CWnd& model) {

@@ -122,10 +122,23 @@ void AddToolTip(CWnd& control, const char* text, int maxWidth) {
          ToolInfoFor(dialog, TTF_IDISHWND | TTF_SUBCLASS, reinterpret_cast<UINT_PTR>(tool), text));
     if (dynamic_cast<CPropertyPage*>(control.GetParent()) == nullptr) return;
     // A page shows the tips of disabled controls too: it is told of the pointer instead of them.
-    TOOLINFOA behind = ToolInfoFor(dialog, TTF_SUBCLASS, control.GetDlgCtrlID(), text);
-    GetWindowRect(tool, &behind.rect);
-    MapWindowPoints(nullptr, dialog, reinterpret_cast<POINT*>(&behind.rect), 2);
-    Tell(tips, TTM_ADDTOOLA, behind);
+    Tell(tips, TTM_ADDTOOLA,
+         ToolInfoFor(dialog, TTF_SUBCLASS, static_cast<UINT_PTR>(control.GetDlgCtrlID()), text));
+    PlaceToolTip(control);
+}
+
+void PlaceToolTip(const CWnd& control) {
+    const HWND tool = WindowOf(control);
+    const WindowPeer* peer =
+        control.GetParent() != nullptr ? PeerOf(*control.GetParent()) : nullptr;
+    if (tool == nullptr || peer == nullptr || peer->m_ToolTips == nullptr) return;
+    TOOLINFOA behind =
+        ToolInfoFor(peer->m_Window, 0, static_cast<UINT_PTR>(control.GetDlgCtrlID()), nullptr);
+    if (control.IsWindowVisible()) { // else it is nowhere
+        GetWindowRect(tool, &behind.rect);
+        MapWindowPoints(nullptr, peer->m_Window, reinterpret_cast<POINT*>(&behind.rect), 2);
+    }
+    Tell(peer->m_ToolTips, TTM_NEWTOOLRECTA, behind);
 }
 
 bool IsForHelp(CDialog& dialog, HWND window, const MSG& message) {

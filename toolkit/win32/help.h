@@ -9,6 +9,9 @@
 /// pixels wide.
 void AddToolTip(CWnd& control, const char* text, int maxWidth);
 
+/// A control has been shown or hidden, and so has its place for tips.
+void PlaceToolTip(const CWnd& control);
+
 /// F1 shows the next help of the dialog, Escape puts away what is shown, and any other key or
 /// button too. Returns true for a message that needs no more work.
 bool IsForHelp(CDialog& dialog, HWND window, const MSG& message);
