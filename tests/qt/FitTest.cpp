@@ -97,7 +97,7 @@ TEST(Fit, EachWindowFitsItsScreenInTheLargestFontThatDoes) {
 
 TEST(Fit, TheSheetComesBackWhereItWasLeftOnItsFirstTab) {
     {
-        OnScreen on({1280, 1024}, 96, "1", QFont());
+        OnScreen on({1280, 1024}, 96, "1", QFont("DejaVu Sans", 9));
         for (const QPoint place : {QPoint(31, 47), QPoint(800, 400)}) {
             on.RunSheet([&](QWidget& window) {
                 window.move(place);
@@ -109,7 +109,7 @@ TEST(Fit, TheSheetComesBackWhereItWasLeftOnItsFirstTab) {
             });
         }
     }
-    OnScreen on({1024, 768}, 96, "1", QFont()); // on which less of it would be seen
+    OnScreen on({1024, 768}, 96, "1", QFont("DejaVu Sans", 9)); // on which less of it would be seen
     on.RunSheet([&](QWidget& window) {
         EXPECT_TRUE(Available().contains(window.frameGeometry()));
         window.move(5000, 5000);

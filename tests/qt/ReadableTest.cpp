@@ -145,4 +145,16 @@ TEST_F(Readable, DisabledTextsStandOutAndNotesLookUnlikeFieldsInAnyPalette) {
             }
 }
 
+TEST_F(Readable, AStyleSheetOfTheHostKeepsItsColors) {
+    qApp->setStyleSheet("QWidget { background: #202020; color: #e8e8e8; }");
+    CPropertyPage page(107);
+    CPropertySheet sheet("Sheet", nullptr, 0);
+    sheet.AddPage(&page);
+    Run(sheet, [&] {
+        for (const int id : {1036, 1061, 1032, 1029})
+            EXPECT_GT(BestContrast(*user.Find(id)), 4.5) << id;
+    });
+    qApp->setStyleSheet({});
+}
+
 } // namespace

@@ -137,6 +137,8 @@ std::vector<Pair> PairsOf(const QWidget& widget, const QPalette& palette) {
 }
 
 void MakeOneReadable(QWidget& widget) {
+    // An application's style sheet has given its own colours, and draws with no others.
+    if (widget.style()->inherits("QStyleSheetStyle")) return;
     if (widget.testAttribute(Qt::WA_SetPalette)) widget.setPalette({});
     const auto* edit = qobject_cast<const QPlainTextEdit*>(&widget);
     QPalette changes; // holds them alone
