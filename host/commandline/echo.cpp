@@ -46,15 +46,21 @@ std::vector<std::string> Without(const std::vector<std::string>& lines,
     return left;
 }
 
+/// A command as a line for `run`; one that no line can hold as a remark.
+std::string ForRun(const std::string& command) {
+    const std::string line = Escape(command);
+    return line == command ? line : "# no line for run: " + line;
+}
+
 } // namespace
 
 std::string EchoLine(const record::Event& event) {
     if (event.direction != record::Event::Direction::ToHost) return "";
     const record::Fields& given = event.arguments;
     if (event.operation == "Command") // one with a stream asks
-        return record::IsTrue(given, "stream") ? "" : Escape(record::TextOf(given, "text"));
+        return record::IsTrue(given, "stream") ? "" : ForRun(record::TextOf(given, "text"));
     if (event.operation == "WriteSetting") {
-        return Escape("setting " + record::TextOf(given, "section") + "/" +
+        return ForRun("setting " + record::TextOf(given, "section") + "/" +
                       record::TextOf(given, "key") + "=" + record::TextOf(given, "value"));
     }
     if (event.operation != "SetValue") return "";

@@ -85,7 +85,7 @@ std::vector<std::string> ReadCommands(std::istream& in) {
         if (line.ends_with('\r')) line.pop_back();
         if (!SkipBlanks(line).empty()) commands.push_back(line);
     }
-    if (in.bad()) throw HostError("run: cannot read the standard input");
+    if (in.bad() || std::ferror(stdin) != 0) throw HostError("run: cannot read the standard input");
     return commands;
 }
 
@@ -136,18 +136,31 @@ void CheckDirectory(const std::string& directory) {
         throw HostError("cannot read directory \"" + Escape(directory) + "\"");
 }
 
+void CheckChip(const Options& options) {
+    if (options.isRemote || FindChip(options.chip) != nullptr) return;
+    throw HostError(
+        "there is no chip \"" + Escape(options.chip) + "\"" +
+        DidYouMean(options.chip, ChipNames(), "\"etmhost chips\" lists those there are"));
+}
+
+// The file is emptied at the beginning: it must not be one that is read.
+void CheckJournalFile(const Options& options) {
+    const std::string& name = options.output.journalFile;
+    if (name.empty()) return;
+    for (const std::string& read :
+         {options.state, options.symbols, options.module, options.drive.script}) {
+        std::error_code error;
+        if (!read.empty() && std::filesystem::equivalent(ToPath(name), ToPath(read), error))
+            throw HostError("--journal-file \"" + Escape(name) + "\": this file is read");
+    }
+}
+
 std::unique_ptr<SimulatedHost> MakeHost(const Options& options, record::EventStream& events) {
     Symbols symbols = options.symbols.empty() ? Symbols() : ReadSymbols(ToPath(options.symbols));
     if (options.isRemote)
         return MakeRemoteHost(options.remote, options.bases, std::move(symbols), events,
                               options.output.dryRun, std::cerr);
-    const Chip* chip = FindChip(options.chip);
-    if (chip == nullptr) {
-        throw HostError(
-            "there is no chip \"" + Escape(options.chip) + "\"" +
-            DidYouMean(options.chip, ChipNames(), "\"etmhost chips\" lists those there are"));
-    }
-    return std::make_unique<SimulatedHost>(*chip, std::move(symbols), events);
+    return std::make_unique<SimulatedHost>(*FindChip(options.chip), std::move(symbols), events);
 }
 
 std::string ProgramName() {
@@ -165,6 +178,8 @@ Status Run(const std::string& command, const Options& options) {
         if (!script) return kBadInput;
         if (!options.drive.pictures.empty()) PreparePictures(command, options.drive.pictures);
     }
+    CheckChip(options);
+    CheckJournalFile(options);
     OutputOptions output = options.output;
     output.journal |= command == "tour";
     output.echo |= output.dryRun && command != "run"; // which says itself what it has carried out
@@ -191,10 +206,14 @@ Status Run(const std::string& command, const Options& options) {
             }
         };
     }
-    if (command == "show")
-        return options.json ? ShowTargetJson(host, std::cout) : ShowTarget(host, std::cout);
-    if (command == "serve")
-        return ServeChip(host, *FindChip(options.chip), options.port, options.once, std::cout);
+    if (command == "show" ||
+        command == "serve") { // which change nothing that would have to be kept
+        const Status status = command == "serve" ? ServeChip(host, *FindChip(options.chip),
+                                                             options.port, options.once, std::cout)
+                              : options.json     ? ShowTargetJson(host, std::cout)
+                                                 : ShowTarget(host, std::cout);
+        return outputs.Failed() ? kBadInput : status;
+    }
     const Status status = Work(command, options, script, host);
     host.transaction([] {}); // the last try to keep what could not be kept before
     if (!failure.empty() || outputs.Failed()) return kBadInput;

@@ -9,7 +9,7 @@
 namespace etmhost {
 
 Outputs::Outputs(const OutputOptions& options, const std::string& program)
-    : m_Journal(std::cout), m_Echo(std::cout), m_Refusals(std::cerr) {
+    : m_Journal(std::cout, options.ForRun() ? "# " : ""), m_Echo(std::cout), m_Refusals(std::cerr) {
     if (!options.journalFile.empty()) m_Events.Add(m_File.emplace(options.journalFile));
     if (options.journal) m_Events.Add(m_Journal);
     if (options.echo) m_Events.Add(m_Echo);

@@ -121,6 +121,8 @@ std::string Unexpected(const CLI::App& app, const std::string& text, bool litera
         const std::string name = text.substr(0, text.find('='));
         for (const CLI::Option* option : OptionsOf(app))
             for (const std::string& known : option->get_lnames()) names.push_back("--" + known);
+        if (std::ranges::find(names, name) != names.end())
+            return name + " stands behind the command that it is for";
         return "there is no option \"" + Escape(name) + "\"" +
                DidYouMean(name, names, "\"" + help + "\" lists those there are");
     }

@@ -75,7 +75,7 @@ void Watch::LookByClock() {
             try {
                 m_Host.target.Look();
                 m_Seen = capture;
-            } catch (const BusError& error) {
+            } catch (const std::exception& error) {
                 m_Refused = Escape(error.what());
             }
             capture = before;

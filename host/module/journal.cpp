@@ -115,7 +115,7 @@ bool PollNews::Has(const Event& event) {
 
 void TextJournal::Write(const Event& event) {
     const std::string line = m_News.Has(event) ? JournalLine(event) : "";
-    if (!line.empty()) m_Out << line + '\n' << std::flush; // whole lines
+    if (!line.empty()) m_Out << m_Prefix + line + '\n' << std::flush; // whole lines
 }
 
 void RefusalPrinter::Write(const Event& event) {

@@ -31,12 +31,14 @@ private:
 /// together.
 class TextJournal final : public record::EventWriter {
 public:
-    /// `out` must outlive the writer.
-    explicit TextJournal(std::ostream& out) : m_Out(out) {}
+    /// `out` must outlive the writer. Each line has `prefix` ahead of it.
+    explicit TextJournal(std::ostream& out, const char* prefix = "")
+        : m_Out(out), m_Prefix(prefix) {}
     void Write(const record::Event& event) override;
 
 private:
     std::ostream& m_Out;
+    const char* const m_Prefix;
     PollNews m_News;
 };
 

@@ -68,6 +68,7 @@ TEST_F(CommandLine, BadInputEndsWithStatus2AndAMessage) {
         {"help rnu", "there is no command \"rnu\"; did you mean \"run\"?"},
         {"run --josn --", "there is no option \"--josn\"; "},
         {"show --josn=1", "there is no option \"--josn\"; did you mean \"--json\"?"},
+        {"--echo open", "--echo stands behind the command that it is for"},
         {"--ver", "there is no option \"--ver\"; did you mean \"--version\"?"},
         {"show -- --json", "show: \"--json\" is too much; "},
         {"help \"\"", "help: a COMMAND is expected, not \"\""},
@@ -408,6 +409,13 @@ TEST_F(CommandLine, TheJournalFileHoldsTheJournal) {
     EXPECT_EQ(full.status, 2);
     EXPECT_EQ(full.errors,
               "etmhost: cannot write journal file \"/dev/full\"; it ends ahead of begin\n");
+    EXPECT_EQ(Run(file("/dev/full") + " show").status, 2);
+    // What is read is not emptied, nor what was kept for want of a chip.
+    const std::string kept = directory.Write("kept", "click 1000\n");
+    EXPECT_EQ(Run(file(kept) + " drive --off-screen \"" + kept + "\"").errors,
+              "etmhost: --journal-file \"" + kept + "\": this file is read\n");
+    EXPECT_EQ(Run(file(kept) + " --chip z80 show").status, 2);
+    EXPECT_EQ(std::filesystem::file_size(kept), 11u);
 }
 
 // On a terminal of 60 columns: one line that overwrites itself, and nothing that a terminal would
