@@ -95,6 +95,22 @@ TEST(Fit, EachWindowFitsItsScreenInTheLargestFontThatDoes) {
     }
 }
 
+// A host's style sheet has the last word on fonts: the windows grow with it, and are not made
+// smaller in vain.
+TEST(Fit, AStyleSheetsFontMakesLargerWindows) {
+    QSize before;
+    for (const int points : {9, 16, 22}) {
+        OnScreen on({1280, 1024}, 96, "1", QFont("DejaVu Sans", 9));
+        qApp->setStyleSheet("* { font-size: " + QString::number(points) + "pt }");
+        on.RunSheet([&](QWidget& window) {
+            EXPECT_GT(window.width(), 1.2 * before.width()) << points;
+            EXPECT_GT(window.height(), 1.2 * before.height()) << points;
+            before = window.size();
+        });
+        qApp->setStyleSheet({});
+    }
+}
+
 TEST(Fit, TheSheetComesBackWhereItWasLeftOnItsFirstTab) {
     {
         OnScreen on({1280, 1024}, 96, "1", QFont("DejaVu Sans", 9));

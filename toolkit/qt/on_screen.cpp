@@ -61,6 +61,11 @@ QScreen* ScreenOf(const QWidget& window) {
     return screen != nullptr ? screen : QGuiApplication::primaryScreen();
 }
 
+/// False where an application's style sheet gives fonts, which count whatever is set here.
+bool TakesFonts() {
+    return !qApp->styleSheet().contains("font");
+}
+
 } // namespace
 
 QSize RoomFor(const QWidget& window) {
@@ -70,9 +75,13 @@ QSize RoomFor(const QWidget& window) {
 }
 
 void ShrinkFont(QWidget& widget, const std::function<bool()>& fits) {
-    widget.setFont({});
+    const bool takes = TakesFonts();
+    if (takes)
+        widget.setFont({});
+    else
+        widget.ensurePolished(); // which gives it the style sheet's font
     const double own = QFontInfo(widget.font()).pointSizeF();
-    if (own <= 0) { // an application's font that says nothing of its size
+    if (!takes || own <= 0) {
         fits();
         return;
     }
