@@ -81,7 +81,7 @@ TEST(Fit, EachWindowFitsItsScreenInTheLargestFontThatDoes) {
             EXPECT_TRUE(Available().contains(frame)) << frame.width() << " x " << frame.height();
             EXPECT_EQ(window.font().pointSizeF() < row.points, row.smaller);
             const QWidget& last = *window.findChild<QWidget*>("1030"); // on the page in front
-            EXPECT_NEAR(last.geometry().bottom(), last.parentWidget()->height() * 200 / 211, 4);
+            EXPECT_NEAR(last.geometry().bottom(), last.parentWidget()->height() * 200.0 / 211, 4);
             EXPECT_EQ(window.windowIcon().actualSize({48, 48}), QSize(48, 48));
             EXPECT_TRUE(QApplication::windowIcon().isNull()); // the host's
             // Two more rows of pixels for each of its 33 lines would not fit.
