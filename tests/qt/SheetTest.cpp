@@ -44,6 +44,27 @@ TEST_F(Sheet, TurnsByKeyFromAnywhere) {
     });
 }
 
+TEST_F(Sheet, ShowsHelpBesideThePointerWhichWouldTakeItAway) {
+    CPropertySheet sheet("Sheet", nullptr, 0);
+    sheet.AddPage(&control);
+    Run(sheet, [&] {
+        const QWidget& box = *user.Find(1000);
+        for (const QPoint by : {QPoint(3, 5), QPoint(60, 30), QPoint(200, 40)}) {
+            QCursor::setPos(box.mapToGlobal(box.rect().bottomLeft()) + by);
+            QCoreApplication::processEvents(); // or it waits for the next application
+            PressOn(1000, Qt::Key_F1);
+            int tips = 0;
+            for (const QWidget* window : QApplication::topLevelWidgets()) {
+                if (!window->inherits("QTipLabel") || !window->isVisible()) continue;
+                EXPECT_FALSE(window->geometry().contains(QCursor::pos())) << by.x();
+                ++tips;
+            }
+            EXPECT_EQ(tips, 1);
+            Press(Qt::Key_Escape);
+        }
+    });
+}
+
 /// Pixels that the texts of a widget need across, whatever they have.
 int NeededWidth(const QWidget& widget) {
     const auto width = [&widget](const char* property) {

@@ -1,5 +1,8 @@
 #include "toolkit/qt/HelpTip.h"
 
+#include <QApplication>
+#include <QCursor>
+#include <QFontMetrics>
 #include <QTextDocument>
 #include <QToolTip>
 
@@ -29,6 +32,13 @@ CWnd* FocusedIn(const CDialog& dialog) {
     return nullptr;
 }
 
+/// Takes tips down at once. What QToolTip::hideText does comes 300 ms later, and would take
+/// along the same text if that has been shown again meanwhile.
+void HideTips() {
+    for (QWidget* window : QApplication::topLevelWidgets())
+        if (window->inherits("QTipLabel")) window->hide();
+}
+
 } // namespace
 
 QString TipText(const char* text, int maxWidth) {
@@ -47,8 +57,8 @@ bool HelpTip::TakesKey(const QKeyEvent& key) {
         return true;
     }
     if (key.key() != Qt::Key_Escape || !IsShown()) return false;
-    QToolTip::hideText();
-    m_Text.clear(); // it fades: a second Escape means the dialog
+    HideTips();
+    m_Text.clear(); // a second Escape means the dialog
     return true;
 }
 
@@ -59,9 +69,13 @@ void HelpTip::ShowNext() {
     QWidget& widget = *peer->Widget();
     m_Control = control;
     m_Text = TipText(HelpText(*control).c_str(), kTipWidth);
-    QToolTip::hideText(); // or the old one, if it has the same text, stays where it is
+    HideTips();
     // Right below: Qt leaves room for a pointer.
-    const QPoint place = widget.mapToGlobal(widget.rect().bottomLeft()) - QPoint(0, kPointerRoom);
+    QPoint place = widget.mapToGlobal(widget.rect().bottomLeft()) - QPoint(0, kPointerRoom);
+    // A tip that came up over the pointer would go at once: the pointer has left the window.
+    const QSize size = QFontMetrics(QToolTip::font()).size(0, m_Text);
+    const QRect around = QRect(place, size).adjusted(0, 0, 2 * kPointerRoom, 3 * kPointerRoom);
+    if (around.contains(QCursor::pos())) place.setY(QCursor::pos().y());
     QToolTip::showText(place, m_Text, &widget, {}, kTipTime);
 }
 
