@@ -65,8 +65,9 @@ constexpr HelpRow kHelp[] = {
      "Available while ETM is enabled, but not with an ETB."},
     {107,
      {1035},
-     "The capture ends when its share of the buffer behind the trigger is full; Trigger Settings "
-     "say what the trigger is. Available while ETM is enabled, but not with a TPIU."},
+     "The capture ends when its share of the buffer behind the trigger is full: bits 8 and 9 of "
+     "the control word are sent as Trigger Settings say. Available while ETM is enabled, but not "
+     "with a TPIU."},
     {107,
      {1006},
      "Sends what has changed and then \"trigger force\": the trigger comes now. Available while "
@@ -141,11 +142,13 @@ constexpr HelpRow kHelp[] = {
      "Available while ETM is enabled, on an ETM from 1.2 on with address comparators."},
     {108,
      {1028, 1018},
-     "Where PC trace begins: an address, or on a Cortex-M3 the index of a DWT comparator. "
+     "Where PC trace begins, sent with \"etm pc=start\" or \"etm pc=from\": an address, or on a "
+     "Cortex-M3 the index of a DWT comparator. "
      "Available while ETM is enabled and the PC tracing mode has a beginning."},
     {108,
      {1020, 1019},
-     "Where PC trace ends: an address, or on a Cortex-M3 the index of a DWT comparator. Available "
+     "Where PC trace ends, sent with \"etm pc=stop\" or \"etm pc=to\": an address, or on a "
+     "Cortex-M3 the index of a DWT comparator. Available "
      "while ETM is enabled and the PC tracing mode has an end."},
     {108,
      {1025},
@@ -165,11 +168,13 @@ constexpr HelpRow kHelp[] = {
      "Available while ETM is enabled and data are captured, on a chip with address comparators."},
     {108,
      {1029, 1014},
-     "Where the data address range begins, a number or an expression. Available while ETM is "
+     "Where the data address range begins, a number or an expression, sent with \"etm data=from\". "
+     "Available while ETM is "
      "enabled, data are captured, and data tracing is limited to the range."},
     {108,
      {1021, 1016},
-     "Where the data address range ends, a number or an expression. Available while ETM is "
+     "Where the data address range ends, a number or an expression, sent with \"etm data=to\". "
+     "Available while ETM is "
      "enabled, data are captured, and data tracing is limited to the range."},
     {108,
      {1083},
@@ -205,8 +210,8 @@ constexpr HelpRow kHelp[] = {
      "available."},
     {1001,
      {IDOK},
-     "Takes the settings over into ETM Control, which sends them with its own OK or Apply. Always "
-     "available."},
+     "Takes the settings over into ETM Control, which sends them with its own OK or Apply, or at "
+     "once if enabling ETM has asked for them. Always available."},
     {1001,
      {IDCANCEL},
      "Closes and leaves the settings as they were, but for those that Create New Board File has "
