@@ -181,8 +181,7 @@ constexpr HelpRow kHelp[] = {
      "Says what Begin and End take on this target. Shown on a Cortex-M3 while ETM is enabled, and "
      "available while the PC tracing mode has a beginning."},
 
-    // --- ETM Configuration
-    // ------------------------------------------------------------------------
+    // --- ETM Configuration -----------------------------------------------------------------
     {1001,
      {1079, 1078},
      "What prepares the trace pins: a board file or the debugger's startup macro, sent as "
