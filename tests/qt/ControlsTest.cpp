@@ -1,7 +1,9 @@
 // Texts, names and tips between the models and the widgets.
 
+#include <QComboBox>
 #include <QHelpEvent>
 #include <QPlainTextEdit>
+#include <QSlider>
 #include <QToolTip>
 
 #include "tests/qt/QtTest.h"
@@ -61,6 +63,50 @@ TEST_F(Controls, HaveTipsEvenIfDisabled) {
     const QString tip = qt::Wrapped("many words in a row that do not fit\n\nend", QFont(), 100);
     EXPECT_LE(QFontMetrics(QFont()).size(0, tip).width(), 100) << tip.toStdString();
     EXPECT_TRUE(tip.endsWith("fit\n\nend")) << tip.toStdString();
+}
+
+// What a script does is what a person's hand does: only then do signals for a person come.
+TEST_F(Controls, AreChosenAndDraggedByHand) {
+    struct Watched : QSlider {
+        using QSlider::QSlider;
+        void mouseMoveEvent(QMouseEvent* event) override {
+            ++moves;
+            QSlider::mouseMoveEvent(event);
+        }
+        int moves = 0;
+    };
+    QDialog window;
+    QComboBox list(&window);
+    list.setObjectName("5");
+    for (int i = 0; i < 40; ++i) list.addItem(QString::number(i % 3));
+    Watched slider(Qt::Horizontal, &window);
+    slider.setObjectName("6");
+    slider.setFocusPolicy(Qt::StrongFocus);
+    slider.setGeometry(0, 40, 90, 30); // of fewer pixels than positions
+    slider.setRange(-20, 300);
+    window.setModal(true);
+    window.show();
+    std::vector<int> chosen, changed;
+    QObject::connect(
+        &list, &QComboBox::activated, [&](int index) { chosen.push_back(index); });
+    QObject::connect(&list, &QComboBox::currentIndexChanged,
+                     [&](int index) { changed.push_back(index); });
+    int released = 0;
+    QObject::connect(&slider, &QSlider::sliderReleased, [&] { ++released; });
+    for (const int index : {33, 0, 39}) {
+        for (const Qt::UIEffect effect : {Qt::UI_General, Qt::UI_AnimateCombo}) // as desktops do
+            QApplication::setEffectEnabled(effect, index == 0);
+        user.Select(5, index);
+    }
+    EXPECT_EQ(chosen, (std::vector{33, 0, 39}));
+    EXPECT_EQ(changed, chosen) << "nothing on the way";
+    for (const auto& [to, at] : std::initializer_list<std::pair<int, int>>{
+             {0, 0}, {113, 113}, {112, 112}, {300, 300}, {999, 300}, {-20, -20}}) {
+        user.Drag(6, to);
+        EXPECT_EQ(slider.value(), at);
+        EXPECT_FALSE(slider.isSliderDown());
+    }
+    EXPECT_EQ(std::pair(slider.moves, released), std::pair(6, 6));
 }
 
 } // namespace

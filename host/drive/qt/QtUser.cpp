@@ -1,6 +1,7 @@
 #include "host/drive/qt/QtUser.h"
 
 #include <QAbstractButton>
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QComboBox>
 #include <QFile>
@@ -13,6 +14,7 @@
 #include <QPlainTextEdit>
 #include <QPointer>
 #include <QSlider>
+#include <QStyleOptionSlider>
 #include <QTabBar>
 #include <QTabWidget>
 #include <QToolTip>
@@ -36,16 +38,23 @@ QTabWidget* TabsOf(QWidget* window) {
     return window->findChild<QTabWidget*>(QString::number(kTabControl));
 }
 
+/// One event of the left button, which is down but for a release. Null: earlier events have ended
+/// the widget.
+void SendMouse(QWidget* widget, QEvent::Type type, QPoint place) {
+    if (widget == nullptr) return;
+    if (type == QEvent::MouseButtonPress && (widget->focusPolicy() & Qt::ClickFocus) != 0)
+        widget->setFocus(Qt::MouseFocusReason);
+    const bool move = type == QEvent::MouseMove, release = type == QEvent::MouseButtonRelease;
+    QMouseEvent event(type, place, widget->mapToGlobal(QPointF(place)),
+                      move ? Qt::NoButton : Qt::LeftButton, release ? Qt::NoButton : Qt::LeftButton,
+                      Qt::NoModifier);
+    QApplication::sendEvent(widget, &event);
+}
+
 void Mouse(QWidget* widget, QPoint place) {
-    if ((widget->focusPolicy() & Qt::ClickFocus) != 0) widget->setFocus(Qt::MouseFocusReason);
     const QPointer<QWidget> alive = widget;
-    for (const QEvent::Type type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
-        if (alive.isNull()) return;
-        const bool press = type == QEvent::MouseButtonPress;
-        QMouseEvent event(type, place, widget->mapToGlobal(QPointF(place)), Qt::LeftButton,
-                          press ? Qt::LeftButton : Qt::NoButton, Qt::NoModifier);
-        QApplication::sendEvent(widget, &event);
-    }
+    for (const QEvent::Type type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease})
+        SendMouse(alive, type, place);
 }
 
 void SendKey(QWidget* widget, int key, Qt::KeyboardModifiers modifiers = {},
@@ -91,6 +100,28 @@ QPixmap WithTip(QWidget& window) {
     }
     return picture;
 }
+
+/// Where a slider's thumb is, and how far to the right it stands at `position`.
+struct Thumb {
+    QRect now, then;
+
+    Thumb(const QSlider& slider, int position) {
+        struct Opened : QSlider { // any style asks for what the slider alone can tell
+            static void Ask(const QSlider& slider, QStyleOptionSlider& option) {
+                (slider.*&Opened::initStyleOption)(&option);
+            }
+        };
+        QStyleOptionSlider option;
+        Opened::Ask(slider, option);
+        const auto place = [&] {
+            return slider.style()->subControlRect(QStyle::CC_Slider, &option,
+                                                  QStyle::SC_SliderHandle, &slider);
+        };
+        now = place();
+        option.sliderPosition = option.sliderValue = position;
+        then = place();
+    }
+};
 
 QString Caption(const QAbstractButton& button) {
     return QString::fromStdString(WithoutMarks(button.text().toStdString()));
@@ -177,10 +208,17 @@ void QtUser::Write(const std::string& text) {
     }
 }
 
+/// Opens the list by the mouse, as its owner does it: what may be done meanwhile is seen to. The
+/// entry is picked by keys, since a list does not take a click that follows its opening too soon.
 void QtUser::Select(int id, int index) {
-    auto& combo = As<QComboBox>(Find(id), "list");
-    combo.setFocus(Qt::MouseFocusReason);
-    combo.setCurrentIndex(index);
+    const QPointer<QComboBox> combo = &As<QComboBox>(Find(id), "list");
+    Mouse(combo, combo->rect().center());
+    const QPointer<QWidget> list = combo.isNull() ? nullptr : combo->view();
+    if (list.isNull() || !list->isVisible())
+        throw std::runtime_error("the list of " + std::to_string(id) + " does not open");
+    SendKey(list, Qt::Key_Home);
+    for (int row = 0; row < index && !list.isNull(); ++row) SendKey(list, Qt::Key_Down);
+    if (!list.isNull()) SendKey(list, Qt::Key_Return);
 }
 
 void QtUser::Tab(int index) {
@@ -188,13 +226,20 @@ void QtUser::Tab(int index) {
     Mouse(bar, bar->tabRect(index).center());
 }
 
+/// Moves the thumb by the mouse. Where a pixel is more than one step, the arrows do the rest.
 void QtUser::Drag(int id, int position) {
     const QPointer<QSlider> slider = &As<QSlider>(Find(id), "slider");
-    slider->setFocus(Qt::MouseFocusReason);
-    slider->setSliderDown(true);
-    slider->setSliderPosition(position);
+    position = std::clamp(position, slider->minimum(), slider->maximum());
+    const Thumb thumb(*slider, position);
+    const QPoint from = thumb.now.center();
+    SendMouse(slider, QEvent::MouseButtonPress, from);
+    SendMouse(slider, QEvent::MouseMove, from + thumb.then.topLeft() - thumb.now.topLeft());
+    for (int steps = slider.isNull() ? 0 : slider->maximum() - slider->minimum();
+         steps > 0 && !slider.isNull() && slider->sliderPosition() != position; --steps)
+        SendKey(slider, slider->sliderPosition() < position ? Qt::Key_Right : Qt::Key_Left);
     if (!slider.isNull()) slider->repaint(); // what stands beside it follows that
-    if (!slider.isNull()) slider->setSliderDown(false);
+    SendMouse(slider, QEvent::MouseButtonRelease,
+              from + thumb.then.topLeft() - thumb.now.topLeft());
 }
 
 void QtUser::Press(const KeyName& key) {
