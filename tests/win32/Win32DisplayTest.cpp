@@ -179,16 +179,10 @@ TEST_F(OnNativeWindows, TheMouseMovesTheSliderAndTextKeepsItsCodePage) {
     loaded.host.values[ORN_VALUE_CONTROL] = ORN_CONTROL_ENABLE | ORN_CONTROL_TRIGGER_ADDRESS;
     loaded.host.evaluates = true;
     Open([&](Win32Person& person) {
-        const HWND slider = user.Find(1007);
-        RECT thumb;
-        SendMessageA(slider, TBM_GETTHUMBRECT, 0, reinterpret_cast<LPARAM>(&thumb));
-        const LPARAM to = MAKELPARAM(2000, thumb.top + 4);
-        PostMessageA(slider, WM_LBUTTONDOWN, MK_LBUTTON,
-                     MAKELPARAM((thumb.left + thumb.right) / 2, thumb.top + 4));
-        PostMessageA(slider, WM_MOUSEMOVE, MK_LBUTTON, to);
-        PostMessageA(slider, WM_LBUTTONUP, 0, to);
-        user.Settle();
-        EXPECT_EQ(person.Text(1008), "100");
+        for (const int position : {1, 62, 63, 100, 0, 200}) {
+            person.Drag(1007, position);
+            EXPECT_EQ(person.Text(1008), std::to_string(std::min(position, 100)));
+        }
         person.Type(1077, "n\xE4he");
         person.Click(IDOK);
     });

@@ -68,6 +68,10 @@ HWND PageInFront(HWND sheet) {
     return nullptr;
 }
 
+POINT Middle(const RECT& area) {
+    return {(area.left + area.right) / 2, (area.top + area.bottom) / 2};
+}
+
 /// The code of a key by its name.
 WPARAM CodeOf(const std::string& name) {
     constexpr struct {
@@ -183,6 +187,15 @@ std::vector<int> Win32User::WithCaption(const std::string& caption) {
 
 // --- Acts ----------------------------------------------------------------------------
 
+void Win32User::PostMouse(HWND window, UINT message, POINT place) {
+    Post(window, message, message == WM_LBUTTONUP ? 0 : MK_LBUTTON, MAKELPARAM(place.x, place.y));
+}
+
+void Win32User::Press(HWND window, POINT place) {
+    for (const UINT message : {WM_LBUTTONDOWN, WM_LBUTTONUP}) PostMouse(window, message, place);
+    Settle();
+}
+
 /// Gives a control the keyboard, as the mouse does.
 void Win32User::GoTo(HWND control) {
     Post(Window(), WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(control), TRUE);
@@ -209,13 +222,25 @@ void Win32User::Write(const std::string& text) {
     Settle();
 }
 
+/// Opens the list and clicks an entry: keys would choose each entry on the way.
 void Win32User::Select(int id, int index) {
     const HWND combo = FindKind(id, "ComboBox", "list");
-    GoTo(combo);
-    SendMessageA(combo, CB_SETCURSEL, static_cast<WPARAM>(index), 0);
-    Post(GetParent(combo), WM_COMMAND, MAKEWPARAM(id, CBN_SELCHANGE),
-         reinterpret_cast<LPARAM>(combo));
-    Settle();
+    COMBOBOXINFO parts{};
+    parts.cbSize = sizeof parts;
+    SendMessageA(combo, CB_GETCOMBOBOXINFO, 0, reinterpret_cast<LPARAM>(&parts));
+    Press(combo, Middle(parts.rcButton));
+    const HWND list = parts.hwndList;
+    if (SendMessageA(combo, CB_GETDROPPEDSTATE, 0, 0) == FALSE)
+        throw std::runtime_error("the list of " + std::to_string(id) + " does not open");
+    RECT entry, shown;
+    GetClientRect(list, &shown);
+    const auto row = static_cast<WPARAM>(index);
+    SendMessageA(list, LB_GETITEMRECT, row, reinterpret_cast<LPARAM>(&entry));
+    if (entry.top < shown.top || entry.bottom > shown.bottom) { // as the wheel does
+        SendMessageA(list, LB_SETTOPINDEX, row, 0);
+        SendMessageA(list, LB_GETITEMRECT, row, reinterpret_cast<LPARAM>(&entry));
+    }
+    Press(list, Middle(entry));
 }
 
 void Win32User::Tab(int index) {
@@ -223,16 +248,32 @@ void Win32User::Tab(int index) {
     Settle();
 }
 
+/// Moves the thumb by the mouse, to and fro until it is there. Where a pixel is more than one step,
+/// the arrows do the rest.
 void Win32User::Drag(int id, int position) {
     const HWND slider = FindKind(id, TRACKBAR_CLASSA, "slider");
-    GoTo(slider);
-    SendMessageA(slider, TBM_SETPOS, TRUE, position);
-    Post(GetParent(slider), WM_HSCROLL, MAKEWPARAM(TB_THUMBTRACK, position),
-         reinterpret_cast<LPARAM>(slider));
+    const auto ask = [slider](UINT what) {
+        return static_cast<int>(SendMessageA(slider, what, 0, 0));
+    };
+    position = std::clamp(position, ask(TBM_GETRANGEMIN), ask(TBM_GETRANGEMAX));
+    RECT thumb, area;
+    SendMessageA(slider, TBM_GETTHUMBRECT, 0, reinterpret_cast<LPARAM>(&thumb));
+    GetClientRect(slider, &area);
+    const POINT from = Middle(thumb);
+    PostMouse(slider, WM_LBUTTONDOWN, from);
+    POINT at = from;
+    for (int left = area.left, right = area.right; left <= right;) {
+        at.x = (left + right) / 2;
+        PostMouse(slider, WM_MOUSEMOVE, at);
+        Settle();
+        if (ask(TBM_GETPOS) == position) break;
+        (ask(TBM_GETPOS) < position ? left : right) = at.x + (ask(TBM_GETPOS) < position ? 1 : -1);
+    }
+    PostMouse(slider, WM_LBUTTONUP, at);
     Settle();
-    NMHDR header{slider, static_cast<UINT_PTR>(id), NM_RELEASEDCAPTURE};
-    SendMessageA(GetParent(slider), WM_NOTIFY, header.idFrom, reinterpret_cast<LPARAM>(&header));
-    Settle();
+    for (int steps = ask(TBM_GETRANGEMAX) - ask(TBM_GETRANGEMIN);
+         steps > 0 && ask(TBM_GETPOS) != position; --steps)
+        Press(ask(TBM_GETPOS) < position ? VK_RIGHT : VK_LEFT);
 }
 
 void Win32User::Press(WPARAM key, LPARAM details) {

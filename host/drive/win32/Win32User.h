@@ -88,6 +88,8 @@ private:
     };
 
     void GoTo(HWND control);
+    static void PostMouse(HWND window, UINT message, POINT place);
+    void Press(HWND window, POINT place); ///< by the mouse
     HWND Look(int id);
     HWND FindKind(int id, const char* kind, const char* what);
 
