@@ -33,6 +33,7 @@ KnownBases ParseBases(const std::vector<std::string>& texts) {
         const Evaluation address = Evaluate(text.substr(equals + 1), {});
         if (!address.error.empty() || address.value % 0x1000 != 0)
             throw HostError("--base " + text + ": the address of a page of 4 KB is expected");
+        if (*base) throw HostError("--base " + text + ": \"" + name + "\" is given twice");
         *base = address.value;
     }
     return bases;

@@ -315,9 +315,10 @@ Refusal CommandLanguage::Parse(std::string_view text, Address& address) const {
 }
 
 Refusal CommandLanguage::ParseComparator(std::string_view text, Address& address) const {
+    const uint32_t count = m_Target.hardware().IndexLimit();
+    if (count == 0) return "This chip has no DWT comparators that its ETM listens to";
     const Evaluation result = Evaluate(text, m_Symbols);
     address = {std::string(text), result.value};
-    const uint32_t count = std::max(m_Target.etm().watchInputs, 1u);
     if (result.error.empty() && result.value < count) return {};
     return "DWT comparator 0 to " + std::to_string(count - 1) + " expected, not " + Quoted(text);
 }

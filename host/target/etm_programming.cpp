@@ -49,6 +49,15 @@ std::string RegisterName(uint32_t number) {
     }
 }
 
+// On the way back each step is tried, whatever became of the others: it is the first failure that
+// is told.
+void WriteIfTaken(RegisterBus& bus, uint32_t address, uint32_t value) {
+    try {
+        bus.Write(address, value);
+    } catch (const BusError&) { // NOLINT(bugprone-empty-catch)
+    }
+}
+
 // One stay in programming mode. Its end, whichever way, leaves the mode.
 class Session {
 public:
@@ -154,13 +163,8 @@ private:
         TryWrite(ETMCR, before);
     }
 
-    // On the way back each step is tried, whatever became of the others: it is the first failure
-    // that is told.
     void TryWrite(uint32_t number, uint32_t value) {
-        try {
-            m_Bus.Write(m_Hardware.Etm(number), value);
-        } catch (const BusError&) { // NOLINT(bugprone-empty-catch)
-        }
+        WriteIfTaken(m_Bus, m_Hardware.Etm(number), value);
     }
 
     void TryAwaitMode(uint32_t wanted) {
@@ -227,6 +231,18 @@ void WriteChecked(RegisterBus& bus, const char* name, uint32_t address, uint32_t
     if (((read ^ value) & mask) != 0) {
         throw BusError("the chip does not take what is written: " + std::string(name) + " (" +
                        Hex(address) + "): " + Hex(value) + " was written, " + Hex(read) + " read");
+    }
+}
+
+void OrRestore(RegisterBus& bus, const std::vector<std::pair<uint32_t, uint32_t>>& before,
+               const std::function<void()>& work) {
+    try {
+        work();
+    } catch (const BusLost&) {
+        throw;
+    } catch (const BusError&) {
+        for (const auto& [address, value] : before) WriteIfTaken(bus, address, value);
+        throw;
     }
 }
 

@@ -2,6 +2,8 @@
 
 #pragma once
 
+#include <functional>
+#include <utility>
 #include <vector>
 
 #include "host/target/etm_codec.h"
@@ -31,6 +33,11 @@ void ProgramEtm(RegisterBus& bus, const TraceHardware& hardware,
 /// `mask` differ. `name` is that of the register.
 void WriteChecked(RegisterBus& bus, const char* name, uint32_t address, uint32_t value,
                   uint32_t mask = UINT32_MAX);
+
+/// Calls `work`. If it throws, and the chip is still there, writes `before`, addresses and values,
+/// ahead of throwing on.
+void OrRestore(RegisterBus& bus, const std::vector<std::pair<uint32_t, uint32_t>>& before,
+               const std::function<void()>& work);
 
 /// Reads the word at `address` until its bits `mask` are `value`, for half a second at most.
 /// Returns the word that was read last.

@@ -173,27 +173,30 @@ Refusal Target::CheckDwt(std::initializer_list<std::optional<uint32_t>> indexes)
 Refusal Target::SetDwt(uint32_t index, uint32_t address) {
     if (!m_Hardware.etm.TakesIndexes() || !m_Hardware.dwtBase || m_Hardware.dwtComparators == 0)
         return "This chip has no DWT comparators that its ETM listens to";
-    if (index >= std::min(m_Hardware.dwtComparators, m_Hardware.etm.watchInputs)) {
-        return "This chip has DWT comparators 0 to " +
-               std::to_string(std::min(m_Hardware.dwtComparators, m_Hardware.etm.watchInputs) - 1);
-    }
+    if (index >= m_Hardware.IndexLimit())
+        return "This chip has DWT comparators 0 to " + std::to_string(m_Hardware.IndexLimit() - 1);
+    if (address % 2 != 0) return "Address " + Hex(address) + " is odd, which no instruction's is";
     return Try([&]() -> Refusal {
         const uint32_t base = *m_Hardware.dwtBase;
         const std::vector<RegisterWrite> writes = EncodeDwt(index, address);
-        uint32_t function = m_Bus->Read(base + writes.front().offset);
-        if (const DwtState present = DecodeDwt(0, function); present.IsTaken())
+        std::vector<uint32_t> places; // function, address, mask, function
+        for (const RegisterWrite& write : writes) places.push_back(base + write.offset);
+        const std::vector<uint32_t> before = m_Bus->Read(std::span(places).first(3));
+        if (const DwtState present = DecodeDwt(0, before[0]); present.IsTaken())
             return "DWT comparator " + std::to_string(index) + " is in use: its function reads " +
                    Hex(present.function);
         Unlock(*m_Bus, base, "DWT");
-        function = writes.front().Over(function);
-        m_Bus->Write(base + writes.front().offset, function);
-        constexpr const char* kNames[] = {"the DWT's address", "the DWT's mask",
-                                          "the DWT's function"};
-        for (size_t i = 1; i < writes.size(); ++i) {
-            const bool last = writes[i].offset == writes.front().offset;
-            WriteChecked(*m_Bus, kNames[i - 1], base + writes[i].offset,
-                         writes[i].Over(last ? function : 0), writes[i].mask);
-        }
+        const uint32_t off = writes[0].Over(before[0]);
+        const uint32_t held = off | (before[0] & writes[3].mask); // without what is read only
+        const std::pair<uint32_t, uint32_t> back[] = {
+            {places[0], off}, {places[1], before[1]}, {places[2], before[2]}, {places[0], held}};
+        OrRestore(*m_Bus, {std::begin(back), std::end(back)}, [&] {
+            m_Bus->Write(places[0], off);
+            WriteChecked(*m_Bus, "the DWT's address", places[1], writes[1].value);
+            WriteChecked(*m_Bus, "the DWT's mask", places[2], writes[2].value, writes[2].mask);
+            WriteChecked(*m_Bus, "the DWT's function", places[3], writes[3].Over(off),
+                         writes[3].mask);
+        });
         state.dwt[index] = address;
         return {};
     });

@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <algorithm>
 #include <functional>
 #include <optional>
 #include <string>
@@ -32,6 +33,10 @@ struct TraceHardware {
     uint32_t capacity = 0; ///< of the sink, in words of 32 bits; 0: not known
 
     uint32_t Etm(uint32_t number) const { return etmBase + 4 * number; }
+    /// How many comparators the ETM listens to: it may have more inputs than its DWT drives.
+    uint32_t IndexLimit() const {
+        return dwtBase ? std::min(dwtComparators, etm.watchInputs) : etm.watchInputs;
+    }
 };
 
 /// Where components are that no ROM table lists, or a table other than that of a Cortex-M.

@@ -59,10 +59,13 @@ public:
     uint32_t Etm(uint32_t number) { return m_Chip.Read(std::vector{hardware.Etm(number)})[0]; }
     uint32_t Word(uint32_t address) { return m_Chip.Read(std::vector{address})[0]; }
 
-    /// What the ETM holds, and the power of trace.
+    /// What the ETM, comparators and port hold, and the power of trace.
     std::vector<uint32_t> Held() {
         std::vector<uint32_t> words = {Word(DEMCR), Etm(ETMTRACEIDR)};
         for (const uint32_t number : SettingRegisters(hardware.etm)) words.push_back(Etm(number));
+        for (uint32_t offset = 0; offset < 16 * hardware.dwtComparators; offset += 4)
+            words.push_back(Word(*hardware.dwtBase + DWT_COMP + offset));
+        if (hardware.tpiuBase) words.push_back(Word(*hardware.tpiuBase + TPIU_CURRENT));
         return words;
     }
 
@@ -434,6 +437,7 @@ TEST(Target, RefusesAChipThatDoesNotObey) {
          0xE0040004, 0xF, 1},
         {"a comparator that stays", "dwt 2 main",
          "function (0xE0001048): 0x8 was written, 0x0 read", 0xE0001048, 0xF, 0},
+        {"an instruction's address", "dwt 2 main+1", "0x8001 is odd", 1, 0, 0},
         {"a comparator of the debugger", "dwt 2 main", "in use: its function reads 0x5", 0xE0001048,
          0xF, 5},
     };
@@ -451,6 +455,21 @@ TEST(Target, RefusesAChipThatDoesNotObey) {
             // What ETMCR held nobody could know where it is that which lies.
             EXPECT_TRUE(row.address == kEtm || bench.chip->Held() == before) << Hex(start);
             EXPECT_THAT(bench.chip->wrong, IsEmpty());
+        }
+    }
+}
+
+// An ETM has inputs for more comparators than a small DWT has.
+TEST(Target, TakesNoComparatorThatIsNotThere) {
+    for (const uint32_t count : {0u, 1u}) {
+        auto chip = std::make_unique<StrictChip>(*FindChip("cortex-m4"));
+        TraceHardware hardware = chip->hardware;
+        hardware.dwtComparators = count;
+        Target target(std::move(chip), hardware, kMainAlone, [](const std::string&) {});
+        for (const char* command : {"etm pc=start 1", "etm trigger 1", "dwt 1 main"}) {
+            EXPECT_THAT(
+                CommandLanguage(target, kMainAlone).Execute(command, nullptr).value_or("ok"),
+                HasSubstr(count == 0 ? "no DWT comparators" : "comparator 0 to 0"));
         }
     }
 }
