@@ -1,6 +1,8 @@
 #include "host/target/capture.h"
 
 #include <algorithm>
+#include <functional>
+#include <utility>
 
 #include "frame/interfaces/IOrnVETMTrace.h"
 #include "host/support/words.h"
@@ -44,20 +46,25 @@ public:
     Refusal SetTriggerCount(uint32_t count) override {
         if (count > m_Hardware.capacity) return TooMany(m_Hardware.capacity);
         if (IsCapturing()) return "The trigger count of an ETB cannot be changed while it captures";
-        Prepare();
-        Write("the ETB's trigger counter", EncodeTriggerCount(count));
+        OrAsBefore([&] {
+            Prepare();
+            Write("the ETB's trigger counter", EncodeTriggerCount(count));
+        });
         m_Count = count;
         return {};
     }
 
     void Start(uint32_t control) override {
         const uint32_t count = TriggerCount();
-        Prepare();
-        if ((control & ORN_CONTROL_ACCUMULATE) == 0) Empty();
-        m_Bus.Write(m_Base + ETB_TRIGGER, EncodeTriggerCount(count).value);
-        constexpr uint32_t kTriggers = ORN_CONTROL_TRIGGER_ADDRESS | ORN_CONTROL_TRIGGER_PIN;
-        for (const RegisterWrite& write : EncodeCapture((control & kTriggers) != 0))
-            Write(write.offset == ETB_CONTROL ? kControl : "the ETB's formatter control", write);
+        OrAsBefore([&] {
+            Prepare();
+            if ((control & ORN_CONTROL_ACCUMULATE) == 0) Empty();
+            m_Bus.Write(m_Base + ETB_TRIGGER, EncodeTriggerCount(count).value);
+            constexpr uint32_t kTriggers = ORN_CONTROL_TRIGGER_ADDRESS | ORN_CONTROL_TRIGGER_PIN;
+            for (const RegisterWrite& write : EncodeCapture((control & kTriggers) != 0))
+                Write(write.offset == ETB_CONTROL ? kControl : "the ETB's formatter control",
+                      write);
+        });
     }
 
     void Stop() override {
@@ -114,6 +121,18 @@ private:
     // Each register of the buffer is written whole.
     void Write(const char* name, const RegisterWrite& write) {
         WriteChecked(m_Bus, name, m_Base + write.offset, write.value, write.mask);
+    }
+
+    // Calls `work`. If that fails, nothing captures, and the other registers hold what they did: a
+    // capture that a trigger had ended would begin anew if its bit were set again.
+    void OrAsBefore(const std::function<void()>& work) {
+        std::vector<uint32_t> addresses = {m_Base + ETB_FORMATTER, m_Base + ETB_TRIGGER,
+                                           m_Base + ETB_WRITE_POINTER, m_Base + ETB_READ_POINTER};
+        if (m_Hardware.bufferIsController) addresses.push_back(m_Base + ETB_MODE);
+        const std::vector<uint32_t> words = m_Bus.Read(addresses);
+        std::vector<std::pair<uint32_t, uint32_t>> before = {{m_Base + ETB_CONTROL, 0}};
+        for (size_t i = 0; i < words.size(); ++i) before.emplace_back(addresses[i], words[i]);
+        OrRestore(m_Bus, before, work);
     }
 
     bool IsCapturing() {

@@ -277,9 +277,12 @@ Refusal Target::SetPortSize(uint32_t bits) {
         if (m_Hardware.tpiuBase) {
             const RegisterWrite size = EncodePortSize(bits);
             const uint32_t address = *m_Hardware.tpiuBase + size.offset;
-            if (m_Bus->Read(address) != size.value) {
+            const uint32_t before = m_Bus->Read(address);
+            if (before != size.value) {
                 Unlock(*m_Bus, *m_Hardware.tpiuBase, "TPIU");
-                WriteChecked(*m_Bus, "the TPIU's current port size", address, size.value);
+                OrRestore(*m_Bus, {{address, before}}, [&] {
+                    WriteChecked(*m_Bus, "the TPIU's current port size", address, size.value);
+                });
             }
         } else {
             EtmSettings wanted = DecodeSettings(m_Hardware.etm, ReadImage());

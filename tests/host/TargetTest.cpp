@@ -459,6 +459,43 @@ TEST(Target, RefusesAChipThatDoesNotObey) {
     }
 }
 
+TEST(Target, ACaptureThatCannotBeginLeavesTheBufferAsItWas) {
+    constexpr uint32_t kBuffer = 0xE0042000;
+    const struct {
+        const char *command, *text;
+        uint32_t offset, mask = 0, value = 0;
+    } rows[] = {
+        {"start", "control register (0xE0042020): 0x1 was written, 0x0 read", ETB_CONTROL, 1, 0},
+        {"start", "formatter control (0xE0042304): 0x2001 was", ETB_FORMATTER, 1u << 13, 0},
+        {"start", "Refused", ETB_WRITE_POINTER},
+        {"start", "Refused", ETB_TRIGGER},
+        {"set triggercount=2", "Refused", ETB_TRIGGER},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.text);
+        Bench bench("cortex-m4-etb");
+        for (const char* command : {"set triggercount=8", "set control=0x201"})
+            ASSERT_EQ(bench.Run(command), "ok");
+        bench.chip->Write(kBuffer + ETB_WRITE_POINTER, 0x20);
+        const auto held = [&] {
+            std::vector<uint32_t> words = bench.chip->Held();
+            for (const uint32_t offset :
+                 {ETB_CONTROL, ETB_FORMATTER, ETB_TRIGGER, ETB_WRITE_POINTER, ETB_READ_POINTER})
+                words.push_back(bench.chip->Word(kBuffer + offset));
+            return words;
+        };
+        const std::vector<uint32_t> before = held();
+        (row.mask != 0 ? bench.chip->faultAddress : bench.chip->refusedAddress) =
+            kBuffer + row.offset;
+        bench.chip->faultMask = row.mask;
+        bench.chip->faultValue = row.value;
+        EXPECT_THAT(bench.Run(row.command), HasSubstr(row.text));
+        bench.chip->faultAddress = 1;
+        EXPECT_EQ(held(), before);
+        EXPECT_FALSE(bench.target.state.capture.running);
+    }
+}
+
 // An ETM has inputs for more comparators than a small DWT has.
 TEST(Target, TakesNoComparatorThatIsNotThere) {
     for (const uint32_t count : {0u, 1u}) {
