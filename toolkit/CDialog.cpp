@@ -3,6 +3,7 @@
 #include "toolkit/CWinApp.h"
 #include "toolkit/data_exchange.h"
 #include "toolkit/guarded.h"
+#include "toolkit/help.h"
 
 CDialog::CDialog(int dialogNumber, CWnd* parent) {
     m_Id = dialogNumber;
@@ -41,12 +42,11 @@ bool CDialog::CreateDialogWindow() {
 }
 
 void CDialog::ShowHelpAsTips() {
-    constexpr int kTipWidth = 250; // pixels
     // Frames last: the tip of what lies inside goes first.
     for (const bool frames : {false, true})
         for (const auto& control : m_Controls)
             if (control->m_Help != nullptr && (control->m_Kind == ControlKind::GroupBox) == frames)
-                AfxGetApp()->GetDisplay().SetToolTip(*control, control->m_Help, kTipWidth);
+                AfxGetApp()->GetDisplay().SetToolTip(*control, control->m_Help, kHelpTipWidth);
 }
 
 void CDialog::DestroyDialogWindow() {

@@ -1,10 +1,10 @@
 #include "toolkit/help.h"
 
 #include <algorithm>
-#include <string_view>
 
 #include "toolkit/CPropertySheet.h"
 #include "toolkit/focus.h"
+#include "toolkit/labels.h"
 
 namespace {
 
@@ -15,26 +15,14 @@ void AddGreyed(const CDialog& dialog, std::vector<CWnd*>& stops) {
             stops.push_back(control.get());
 }
 
-/// The name of a control that has no text of its own: its template's, or that of its label.
-std::string NameOfSilent(const CWnd& control) {
-    if (control.GetTemplate()->accessibleName != nullptr)
-        return control.GetTemplate()->accessibleName;
-    const auto& all = static_cast<const CDialog&>(*control.GetParent()).GetControls();
-    const auto here = std::ranges::find(all, &control, &std::unique_ptr<CWnd>::get);
-    const bool labelled =
-        here != all.begin() && here != all.end() && here[-1]->GetKind() == ControlKind::Static;
-    return labelled ? here[-1]->GetWindowText() : std::string();
-}
-
 std::string NameOf(const CWnd& control) {
-    const ControlKind kind = control.GetKind();
-    const bool silent =
-        kind == ControlKind::Edit || kind == ControlKind::ComboBox || kind == ControlKind::Slider;
-    std::string name = silent ? NameOfSilent(control) : control.GetWindowText();
+    std::string name =
+        HasNoCaption(control)
+            ? NameWithoutCaption(control,
+                                 LabelsOf(static_cast<const CDialog&>(*control.GetParent())))
+            : control.GetWindowText();
     std::erase(name, '&');
-    while (!name.empty() && std::string_view(" .:").find(name.back()) != std::string_view::npos)
-        name.pop_back();
-    return name;
+    return name.substr(0, name.find_last_not_of(" .:") + 1);
 }
 
 } // namespace

@@ -6,6 +6,8 @@
 
 #include "toolkit/CDialog.h"
 
+inline constexpr int kHelpTipWidth = 250; // pixels
+
 /// The control whose help (CWnd::GetHelp) F1 shows next in the top-level dialog `dialog`: first
 /// that with the keyboard, then one by one those that can't be used, which the keyboard never
 /// comes to, and so on around. `focused` has the keyboard; `shown` is the one whose help is on the

@@ -1,7 +1,5 @@
 #include "toolkit/labels.h"
 
-#include <algorithm>
-
 namespace {
 
 constexpr int kClosedList = 14; // of a list the template has the opened height
@@ -13,12 +11,6 @@ int Bottom(const ControlTemplate& row) {
 bool Contains(const ControlTemplate& group, const ControlTemplate& row) {
     return row.x >= group.x && row.x + row.width <= group.x + group.width && row.y >= group.y &&
            Bottom(row) <= group.y + group.height;
-}
-
-bool HasNoCaption(const CWnd& control) {
-    const ControlKind kind = control.GetKind();
-    return kind == ControlKind::Edit || kind == ControlKind::ComboBox ||
-           kind == ControlKind::Slider;
 }
 
 bool IsBeside(const ControlTemplate& text, const ControlTemplate& row) {

@@ -15,7 +15,6 @@ namespace qt {
 
 namespace {
 
-constexpr int kTipWidth = 250;      // pixels
 constexpr int kPointerRoom = 14;    // pixels
 constexpr int kTipTime = 5 * 60000; // milliseconds: a person who asked reads as long as it takes
 
@@ -68,7 +67,7 @@ void HelpTip::ShowNext() {
     if (peer == nullptr || peer->Widget() == nullptr) return;
     QWidget& widget = *peer->Widget();
     m_Control = control;
-    m_Text = TipText(HelpText(*control).c_str(), kTipWidth);
+    m_Text = TipText(HelpText(*control).c_str(), kHelpTipWidth);
     HideTips();
     // Right below: Qt leaves room for a pointer.
     QPoint place = widget.mapToGlobal(widget.rect().bottomLeft()) - QPoint(0, kPointerRoom);

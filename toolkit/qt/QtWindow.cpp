@@ -28,18 +28,6 @@ QWidget* RoomOf(const CDialog& page) {
     return tabs->Room(static_cast<int>(found - pages.begin()));
 }
 
-/// What a screen reader says for a control without a caption of its own. Empty: the title of
-/// the group around it.
-QString AccessibleName(const CWnd& control, const std::vector<Label>& labels) {
-    if (control.GetTemplate()->accessibleName != nullptr)
-        return FromModel(control.GetTemplate()->accessibleName);
-    const auto label = std::ranges::find(labels, &control, &Label::second);
-    if (label == labels.end()) return {};
-    QString caption = FromModel(label->first->GetWindowText()).trimmed();
-    while (caption.endsWith(u':') || caption.endsWith(u' ')) caption.chop(1);
-    return caption;
-}
-
 /// The widget that holds a control: that of its group, so that screen readers tell the
 /// group, or the dialog's.
 QWidget* HolderOf(const CWnd& control, QWidget* window) {
@@ -57,7 +45,8 @@ void MakeControls(CDialog& dialog, const Surroundings& in) {
         QtPeer& peer = *made;
         control.SetPeer(std::move(made));
         peer.Widget()->setObjectName(QString::number(control.GetDlgCtrlID()));
-        peer.Widget()->setAccessibleName(AccessibleName(control, labels));
+        peer.Widget()->setAccessibleName(
+            FromModel(HasNoCaption(control) ? NameWithoutCaption(control, labels) : ""));
         if (control.GetHelp() != nullptr) {
             peer.Widget()->setAccessibleDescription(control.GetHelp());
             peer.Widget()->setWhatsThis(control.GetHelp());

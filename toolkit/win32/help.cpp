@@ -12,7 +12,6 @@
 namespace {
 
 constexpr int kTipTime = 30000; // milliseconds: some tips are long
-constexpr int kHelpWidth = 250; // pixels
 
 HWND MakeTipWindow(HWND owner) {
     const NativeLook look;
@@ -69,7 +68,7 @@ void ShowNextHelp(CDialog& dialog, HWND window, WindowPeer& peer) {
     if (peer.m_HelpTip == nullptr) {
         peer.m_HelpTip = MakeTipWindow(window);
         Tell(peer.m_HelpTip, TTM_ADDTOOLA, HelpTool(window, ""));
-        SendMessageA(peer.m_HelpTip, TTM_SETMAXTIPWIDTH, 0, kHelpWidth);
+        SendMessageA(peer.m_HelpTip, TTM_SETMAXTIPWIDTH, 0, kHelpTipWidth);
     }
     const std::string text = HelpText(*control);
     RECT area;
