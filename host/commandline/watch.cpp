@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <iostream>
+#include <limits>
+#include <string_view>
 
 #include "host/commandline/echo.h"
 #include "host/support/system.h"
@@ -13,12 +15,14 @@ namespace {
 constexpr std::chrono::milliseconds kPeriod(600); // the dialog's own
 constexpr size_t kUsualWidth = 80;
 
-// Cuts `text` to `width` bytes, and no character of UTF-8 in two.
+// Cuts `text` to `width` bytes, with dots for what is left out, and no character of UTF-8 in two.
 std::string Cut(std::string text, size_t width) {
+    constexpr std::string_view kDots = "...";
     if (text.size() <= width) return text;
+    const std::string_view end = kDots.substr(0, width);
+    width -= end.size();
     while (width > 0 && (static_cast<unsigned char>(text[width]) & 0xC0) == 0x80) --width;
-    text.resize(width);
-    return text;
+    return text.substr(0, width).append(end);
 }
 
 } // namespace
@@ -54,8 +58,10 @@ void Watch::Eraser::Write(const record::Event& event) {
 void Watch::Drawer::Write(const record::Event& event) {
     if (event.operation == "GetTraceState")
         m_Watch.m_Polled = std::chrono::steady_clock::now();
-    else if (const std::string line = EchoLine(event); !line.empty())
+    else if (const std::string line = EchoLine(event); !line.empty()) {
         m_Watch.m_Sent = line;
+        m_Watch.m_SentRefused = event.refusal.has_value(); // which then tells it
+    }
     m_Watch.m_Seen = m_Watch.m_Host.target.state.capture;
     if (event.refusal && m_Watch.m_News.Has(event))
         m_Watch.m_Refused = Escape(RefusedPart(event) + ": " + *event.refusal);
@@ -84,20 +90,31 @@ void Watch::LookByClock() {
     }
 }
 
-std::string Watch::Line(bool withFill) const {
+// The line in `width` bytes. The command and the refusal share what the state leaves; what one of
+// them does not need, the other gets.
+std::string Watch::Line(size_t width) const {
+    std::string line = State(true);
+    std::string sent = m_Sent.empty() || m_SentRefused ? "" : " | sent: " + m_Sent;
+    std::string refused = m_Refused.empty() ? "" : " | refused: " + m_Refused;
+    if (line.size() + sent.size() + refused.size() > width) line = Cut(State(false), width);
+    const size_t room = width - line.size(), half = room / 2;
+    sent = Cut(sent, std::max(half, room - std::min(room, refused.size())));
+    return line + sent + Cut(refused, room - sent.size());
+}
+
+std::string Watch::State(bool withCapacity) const {
     const uint32_t capacity = m_Host.target.hardware().capacity;
     const uint32_t control = m_Host.target.state.control;
     constexpr uint32_t kArmed = ORN_CONTROL_TRIGGER_ADDRESS | ORN_CONTROL_TRIGGER_PIN;
     std::string line = m_Seen.running ? "running" : "stopped";
-    if (withFill && capacity > 0) {
+    if (m_OnTerminal && capacity > 0) {
         const uint64_t percent = uint64_t{m_Seen.captured} * 100 / capacity;
-        line += ", " + std::to_string(percent) + " % of " + std::to_string(capacity) + " words";
+        line += ", " + std::to_string(percent) + " %";
+        if (withCapacity) line += " of " + std::to_string(capacity) + " words";
     }
     line += std::string(", trigger ") + (m_Seen.triggered          ? "occurred"
                                          : (control & kArmed) != 0 ? "armed"
                                                                    : "off");
-    if (!m_Sent.empty()) line += " | sent: " + m_Sent;
-    if (!m_Refused.empty()) line += " | refused: " + m_Refused;
     return line;
 }
 
@@ -109,7 +126,7 @@ size_t Watch::Width() const {
 // No escape sequences: what overwrites is a return and blanks, as far as the line reached.
 void Watch::Draw() {
     if (m_Over) return;
-    const std::string line = m_OnTerminal ? Cut(Line(true), Width()) : Line(false);
+    const std::string line = Line(m_OnTerminal ? Width() : std::numeric_limits<size_t>::max());
     if (line == m_Shown) return;
     if (m_OnTerminal) {
         const size_t rest = std::min(m_Shown.size(), Width());

@@ -37,7 +37,8 @@ private:
     };
 
     void LookByClock();
-    std::string Line(bool withFill) const;
+    std::string Line(size_t width) const;
+    std::string State(bool withCapacity) const;
     void Draw();
     void Erase();
     void Leave();
@@ -53,7 +54,8 @@ private:
     PollNews m_News;
     Capture m_Seen; // at the last look
     std::string m_Sent, m_Refused;
-    std::string m_Shown; // what stands on the line
+    bool m_SentRefused = false; // the last refusal is that of what was sent last
+    std::string m_Shown;        // what stands on the line
     std::chrono::steady_clock::time_point m_Polled;
     bool m_Over = false;
     std::condition_variable_any m_Ended;

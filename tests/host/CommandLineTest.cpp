@@ -428,7 +428,8 @@ TEST_F(CommandLine, WatchKeepsOneLine) {
     const std::string script = directory.Write(
         "script", "click 1000\nif box\nok\nend\nif window \"ETM Configuration\"\nok\nend\n"
                   "click 1030\nwait until enabled 1031\ntab 3\nwait 1500\ntab 2\nclick 1017\n"
-                  "type 1018 \"0x10\"\ntype 1019 \"0x20\"\nok\n");
+                  "type 1018 \"0x10\"\ntype 1019 \"nowhere\"\nok\nanswer ok\n"
+                  "type 1019 \"0x20\"\nok\n");
     const std::string terminal = directory.Write(
         "terminal", "stty -echo -opost cols 60; exec \"$@\" drive --off-screen --watch --echo \"" +
                         script + "\"\n");
@@ -438,9 +439,9 @@ TEST_F(CommandLine, WatchKeepsOneLine) {
     EXPECT_EQ(outcome.status, 0) << outcome.errors;
     const std::string& text = outcome.output;
     EXPECT_EQ(text.find('\x1B'), std::string::npos);
-    EXPECT_THAT(text,
-                AllOf(HasSubstr("\retm pc=from 0x10\n"),
-                      HasSubstr("\rrunning, 12 % of 524288 words, trigger off | sent: start")));
+    EXPECT_THAT(text, AllOf(HasSubstr("\retm pc=from 0x10\n"),
+                            HasSubstr("\rrunning, 12 % of 524288 words, trigger off | sent: start"),
+                            HasSubstr("\rrunning, 12 %, trigger off | sent: start | refused: no")));
     std::istringstream lines(text);
     for (std::string line, part; std::getline(lines, line);)
         for (std::istringstream parts(line); std::getline(parts, part, '\r');)
