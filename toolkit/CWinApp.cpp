@@ -1,5 +1,7 @@
 #include "toolkit/CWinApp.h"
 
+#include <algorithm>
+
 #include "platform/version.h"
 #include "toolkit/CallDepth.h"
 #include "toolkit/guarded.h"
@@ -63,6 +65,19 @@ CWinApp::Running::~Running() {
     if (calls::Stack() == 0 && app.m_Running.empty()) app.ForgetCancel();
 }
 
+CWinApp::Box::Box() {
+    ++AfxGetApp()->m_Boxes;
+}
+
+CWinApp::Box::~Box() {
+    --AfxGetApp()->m_Boxes;
+}
+
+bool CWinApp::IsWaiting(const CDialog& dialog) const {
+    if (std::ranges::find(m_Running, &dialog) == m_Running.end()) return false;
+    return m_Boxes > 0 || m_Running.back() != &dialog;
+}
+
 CWinApp* AfxGetApp() {
     if (g_App == nullptr) {
         static CWinApp plain; // for programs that use the toolkit alone
@@ -89,6 +104,7 @@ void ReportException(const char* what) noexcept {
 
 bool GetSaveFileName(SaveFileRecord& record) {
     if (AfxGetApp()->IsCancelling()) return false;
+    const CWinApp::Box box;
     return AfxGetApp()->GetDisplay().AskSaveFile(record);
 }
 

@@ -53,6 +53,18 @@ public:
         Running& operator=(const Running&) = delete;
     };
 
+    /// A message box or the save dialog is open as long as the object lives.
+    class Box {
+    public:
+        Box();
+        ~Box();
+        Box(const Box&) = delete;
+        Box& operator=(const Box&) = delete;
+    };
+
+    /// Whether a dialog that runs waits for one that was opened later, or for a box.
+    bool IsWaiting(const CDialog& dialog) const;
+
 private:
     std::string m_Title;
     int m_Clients = 0;
@@ -60,6 +72,7 @@ private:
     Display* m_Other = nullptr;
     NoDisplay m_None;
     std::vector<CDialog*> m_Running; // the innermost last
+    int m_Boxes = 0;
     bool m_Cancelling = false;
 };
 

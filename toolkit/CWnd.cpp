@@ -8,6 +8,7 @@ namespace {
 
 int ShowMessage(CWnd* owner, const char* text, const char* title, unsigned flags) {
     if (AfxGetApp()->IsCancelling()) return (flags & MB_YESNO) != 0 ? IDNO : IDOK;
+    const CWinApp::Box box;
     return AfxGetApp()->GetDisplay().ShowMessage(owner, text, title != nullptr ? title : "Error",
                                                  flags);
 }

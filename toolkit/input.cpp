@@ -10,15 +10,19 @@
 namespace {
 
 /// The dialog of a control that can take input now, or null: the control and its
-/// page are enabled and visible, and neither their dialog nor its sheet has ended.
-CDialog* DialogTakingInput(const CWnd& control) {
+/// page are enabled and visible, and neither their dialog nor its sheet has ended. Nor
+/// does that wait for another window, unless the input `letsGo` of something begun
+/// before: there the window system stops a person, but no program that assists one.
+CDialog* DialogTakingInput(const CWnd& control, bool letsGo = false) {
     if (!control.IsCreated()) return nullptr;
     for (const CWnd* window = &control; window != nullptr; window = window->GetParent()) {
         const auto* dialog = dynamic_cast<const CDialog*>(window);
         if (!window->IsWindowVisible() || !window->IsWindowEnabled()) return nullptr;
         if (dialog != nullptr && dialog->HasEnded()) return nullptr;
         // A top-level dialog takes input whatever its owner does.
-        if (dialog != nullptr && dynamic_cast<const CPropertyPage*>(dialog) == nullptr) break;
+        if (dialog == nullptr || dynamic_cast<const CPropertyPage*>(dialog) != nullptr) continue;
+        if (AfxGetApp()->IsWaiting(*dialog) && !letsGo) return nullptr;
+        break;
     }
     return dynamic_cast<CDialog*>(control.GetParent());
 }
@@ -53,7 +57,7 @@ void Report(CWnd& control, Change shown, Event event, unsigned drawStage, Work&&
     Handle(
         control,
         [&] {
-            CDialog* dialog = DialogTakingInput(control);
+            CDialog* dialog = DialogTakingInput(control, event == Event::ReleasedCapture);
             if (dialog == nullptr) return Refresh(control, shown);
             change(*dialog);
             Notification notification{control.GetDlgCtrlID(), event, drawStage};

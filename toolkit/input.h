@@ -2,7 +2,8 @@
 //
 // Each function changes the model first and then lets the dialog react. None
 // throws: what a handler throws becomes a message box. Input for a control that
-// is disabled or hidden is ignored, and the display is refreshed instead.
+// is disabled or hidden, or whose dialog waits for another window, is ignored, and the
+// display is refreshed instead.
 
 #pragma once
 

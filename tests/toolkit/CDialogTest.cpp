@@ -94,6 +94,15 @@ TEST_F(Dialogs, InputForWhatCannotBeUsedIsIgnored) {
             EXPECT_EQ(display.Text(1008), "50");
             EXPECT_EQ(display.Position(1007), 0);
         }
+        for (const auto& control : sample.GetControls())
+            control->EnableWindow(true), control->ShowWindow(SW_SHOW);
+        CWnd &box = display.Control(1000), &radio = display.Control(1034);
+        display.DuringNextBox([&] { input::Click(box); });
+        sample.MessageBox("A program that assists a person reaches below this.", "", MB_OK);
+        Sample inner;
+        display.OnNextDialog([&] { input::Click(radio); });
+        inner.DoModal();
+        EXPECT_TRUE(display.Checked(1000) && display.Checked(1035));
     });
     EXPECT_THAT(sample.notes, IsEmpty());
 }
