@@ -146,14 +146,49 @@ TEST_F(Readable, DisabledTextsStandOutAndNotesLookUnlikeFieldsInAnyPalette) {
 }
 
 TEST_F(Readable, AStyleSheetOfTheHostKeepsItsColors) {
-    qApp->setStyleSheet("QWidget { background: #202020; color: #e8e8e8; }");
-    CPropertyPage page(107);
-    CPropertySheet sheet("Sheet", nullptr, 0);
-    sheet.AddPage(&page);
-    Run(sheet, [&] {
-        for (const int id : {1036, 1061, 1032, 1029})
-            EXPECT_GT(BestContrast(*user.Find(id)), 4.5) << id;
-    });
+    for (const bool whileOpen : {false, true}) {
+        SCOPED_TRACE(whileOpen);
+        const auto dark = [] {
+            qApp->setStyleSheet("QWidget { background: #202020; color: #e8e8e8; }");
+        };
+        if (!whileOpen) dark();
+        CPropertyPage page(107);
+        CPropertySheet sheet("Sheet", nullptr, 0);
+        sheet.AddPage(&page);
+        Run(sheet, [&] {
+            if (whileOpen) dark();
+            for (const int id : {1036, 1061, 1032, 1029})
+                EXPECT_GT(BestContrast(*user.Find(id)), 4.5) << id;
+        });
+        qApp->setStyleSheet({});
+    }
+}
+
+// A host whose style sheet is about other things gets what one without gets.
+TEST_F(Readable, AStyleSheetThatGivesNoColorsChangesNothing) {
+    for (const char* text :
+         {"QTreeView { background: #101010; }", "QPushButton { color: #302010; }",
+          "QLineEdit { padding: 1px; }", "* { font-size: 9pt; }"}) {
+        SCOPED_TRACE(text);
+        qApp->setStyleSheet(text);
+        for (const int number : {107, 108, 900}) {
+            CPropertyPage page(number);
+            CPropertySheet sheet("Sheet", nullptr, 0);
+            sheet.AddPage(&page);
+            CDialog& shown = number == 900 ? static_cast<CDialog&>(dialog) : page;
+            Run(number == 900 ? shown : sheet, [&] {
+                const bool noteIsOne =
+                    number != 900 || Background(*user.Find(12)) != Background(*user.Find(13));
+                EXPECT_TRUE(noteIsOne);
+                for (const auto& control : shown.GetControls()) {
+                    if (control->GetKind() == ControlKind::Edit)
+                        control->SetWindowText("some text");
+                    if (control->GetDlgCtrlID() > 2) control->EnableWindow(false);
+                }
+                EXPECT_EQ(TooFaint(shown, *QtPerson::Window()), "");
+            });
+        }
+    }
     qApp->setStyleSheet({});
 }
 

@@ -18,6 +18,9 @@ constexpr double kMadeOut = 3.8;
 constexpr double kRead = 5.6;
 constexpr double kFieldFromNote = 1.1;
 
+// The property of a widget whose palette comes from here.
+constexpr char kCorrected[] = "correctedColors";
+
 double Luminance(const QColor& color) {
     const auto linear = [](double part) {
         return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
@@ -137,9 +140,10 @@ std::vector<Pair> PairsOf(const QWidget& widget, const QPalette& palette) {
 }
 
 void MakeOneReadable(QWidget& widget) {
-    // An application's style sheet has given its own colours, and draws with no others.
-    if (widget.style()->inherits("QStyleSheetStyle")) return;
-    if (widget.testAttribute(Qt::WA_SetPalette)) widget.setPalette({});
+    const bool hasPalette = widget.testAttribute(Qt::WA_SetPalette);
+    // Colours that an application's style sheet has for it are the application's business.
+    if (hasPalette && !widget.property(kCorrected).toBool()) return;
+    if (hasPalette) widget.setPalette({});
     const auto* edit = qobject_cast<const QPlainTextEdit*>(&widget);
     QPalette changes; // holds them alone
     if (edit != nullptr && edit->isReadOnly()) AddNoteColors(widget, changes);
@@ -152,7 +156,11 @@ void MakeOneReadable(QWidget& widget) {
             changes.setColor(QPalette::Disabled, pair.text,
                              StandingOut(text, full, pair.background, wanted));
     }
-    if (changes.resolveMask() != 0) widget.setPalette(changes);
+    // Where an application has a style sheet, a palette does not reach the widgets inside.
+    if (edit != nullptr) edit->viewport()->setPalette(changes);
+    if (changes.resolveMask() == 0) return;
+    widget.setPalette(changes);
+    widget.setProperty(kCorrected, true);
 }
 
 } // namespace
