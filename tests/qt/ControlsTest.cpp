@@ -1,6 +1,7 @@
 // Texts, names and tips between the models and the widgets.
 
 #include <QComboBox>
+#include <QDialog>
 #include <QHelpEvent>
 #include <QPlainTextEdit>
 #include <QSlider>
