@@ -26,18 +26,21 @@ protected:
     };
     /// `launcher` is what stands ahead of the program on its line.
     Outcome Run(const std::string& arguments, const std::string& launcher = "") const {
+        // Files of its own: a Windows lets go of those of the run before a little later.
+        const std::string number = std::to_string(++m_Runs);
+        const std::string output = "output" + number, errors = "errors" + number;
         const std::string files =
-            " >\"" + directory.PathOf("output") + "\" 2>\"" + directory.PathOf("errors") + "\"";
+            " >\"" + m_Printed.PathOf(output) + "\" 2>\"" + m_Printed.PathOf(errors) + "\"";
         std::string command = launcher + "\"" ETMHOST_PATH "\" " + arguments + files;
         if (onWindows) command = "\"" + command + "\""; // the shell takes the outer pair off
         const int result = std::system(command.c_str());
         // POSIX has the exit status in the second byte, Windows has it as it is.
-        return {result > 255 ? result >> 8 : result, Said("output"), Said("errors")};
+        return {result > 255 ? result >> 8 : result, Said(output), Said(errors)};
     }
 
     /// What the program printed, with line ends as everywhere.
-    std::string Said(const char* file) const {
-        std::string text = directory.Read(file);
+    std::string Said(const std::string& file) const {
+        std::string text = m_Printed.Read(file);
         if (onWindows) std::erase(text, '\r');
         return text;
     }
@@ -54,6 +57,10 @@ protected:
     const TemporaryDirectory directory;
     const std::string state = " --state \"" + directory.PathOf("s.json") + "\" ";
     const bool onWindows = std::string(ETMHOST_PATH).ends_with(".exe");
+
+private:
+    const TemporaryDirectory m_Printed;
+    mutable int m_Runs = 0;
 };
 
 TEST_F(CommandLine, BadInputEndsWithStatus2AndAMessage) {
