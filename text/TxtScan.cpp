@@ -21,8 +21,8 @@ struct ByteClasses {
     uint8_t Of[256] = {};
 
     constexpr ByteClasses() {
-        const auto add = [this](char first, char last, int classes) {
-            for (int ch = first; ch <= last; ++ch) Of[ch] |= static_cast<uint8_t>(classes);
+        const auto add = [this](unsigned char first, unsigned char last, int classes) {
+            for (unsigned ch = first; ch <= last; ++ch) Of[ch] |= static_cast<uint8_t>(classes);
         };
         add('0', '9', kDigit | kHexDigit | kNamePart);
         add('A', 'Z', kLetter | kNamePart);

@@ -1,5 +1,6 @@
 // Windows inside windows: dialogs, boxes, the save dialog and timers.
 
+#include <QAbstractButton>
 #include <QFileDialog>
 #include <QHeaderView>
 #include <QLabel>
