@@ -25,7 +25,7 @@ stage "packages"
 tools/install-packages "${BUILD_PACKAGES[@]}" "${TEST_PACKAGES[@]}" "${BENCH_PACKAGES[@]}"
 
 stage "format and rooms"
-git ls-files '*.cpp' '*.h' | xargs -r clang-format --dry-run -Werror
+git ls-files '*.c' '*.cpp' '*.h' | xargs -r clang-format --dry-run -Werror
 tools/check-rooms
 
 stage "scripts"
@@ -74,6 +74,8 @@ test_dev() {
     xvfb-run -a -s "-screen 0 1280x1024x24 -noreset" tools/jobs
   echo "And over the accessibility bus:"
   tools/screen-reader
+  echo "Hosts in other languages, and with another C++ library:"
+  tests/example_hosts.py build/dev/bin
 }
 begin "g++: tests" test_dev
 
@@ -92,6 +94,9 @@ begin "AddressSanitizer and UBSan: tests" test_asan
 stage "Windows: build"
 [ "$windows" = no ] || nice tools/windows-tests --build
 finish "AddressSanitizer and UBSan: tests"
+
+stage "public headers"
+tools/check-headers
 
 test_windows() {
   if [ "$windows" = yes ]; then

@@ -8,9 +8,9 @@ BUILD_PACKAGES=(g++ cmake ninja-build pkg-config qt6-base-dev libgl-dev fonts-de
 # To offer a simulated chip to a real debug server.
 REMOTE_PACKAGES=(openocd)
 
-# To test them: a second compiler with its sanitizers, a virtual screen, an accessibility bus, other
-# fonts; debug servers and a debugger.
-TEST_PACKAGES=(clang libclang-rt-14-dev lld llvm clang-format clang-tidy shellcheck libgtest-dev
+# To test them: a second compiler with its sanitizers and its C++ library, a virtual screen, an
+# accessibility bus, other fonts; debug servers and a debugger.
+TEST_PACKAGES=(clang libc++-dev libc++abi-dev libclang-rt-14-dev lld llvm clang-format clang-tidy shellcheck libgtest-dev
   libgmock-dev xvfb xauth dbus-daemon at-spi2-core gir1.2-atspi-2.0 python3-gi
   binutils fonts-liberation2 fonts-cantarell python3
   groff-base openocd gdb-multiarch qemu-system-arm libopencsd-bin)

@@ -6,7 +6,8 @@
 // Who owns it    The host; it outlives its attachment.
 // Which thread   The host's one thread (see IOrnInterface.h).
 
-#pragma once
+#ifndef IORNAPI_H
+#define IORNAPI_H
 
 #include "IOrnInterface.h"
 
@@ -16,3 +17,5 @@ class IOrnAPI : public IOrnInterface {
 protected:
     ~IOrnAPI() = default;
 };
+
+#endif

@@ -20,7 +20,8 @@
 //  9. Unload.
 // Steps 2 and 3 may swap; 5 comes before 6, and 6 before 7.
 
-#pragma once
+#ifndef IORNAPIBASE_H
+#define IORNAPIBASE_H
 
 #include "IOrnInterface.h"
 
@@ -82,3 +83,5 @@ protected:
 /// The module's one export. Returns the module object: never null, the same
 /// pointer at each call, without any other effect.
 ORN_EXPORT IOrnAPIBase* OrnDLL();
+
+#endif

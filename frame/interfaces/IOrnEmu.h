@@ -5,7 +5,8 @@
 // Who owns it    The host; it outlives its attachment.
 // Which thread   The host's one thread (see IOrnInterface.h).
 
-#pragma once
+#ifndef IORNEMU_H
+#define IORNEMU_H
 
 #include "IOrnInterface.h"
 
@@ -15,3 +16,5 @@ class IOrnEmu : public IOrnInterface {
 protected:
     ~IOrnEmu() = default;
 };
+
+#endif

@@ -5,7 +5,8 @@
 // Who owns it    It is a base of the component, see IOrnKVETMCtrl.h.
 // Which thread   The host's one thread (see IOrnInterface.h).
 
-#pragma once
+#ifndef IORNIPARAM_H
+#define IORNIPARAM_H
 
 #include "IOrnInterface.h"
 
@@ -26,3 +27,5 @@ public:
 protected:
     ~IOrnIParam() = default;
 };
+
+#endif

@@ -38,7 +38,8 @@
 //    last component is destroyed. A host that means to have its own makes it first.
 //    Once another application object has existed beside it, the module's stays for good.
 
-#pragma once
+#ifndef IORNINTERFACE_H
+#define IORNINTERFACE_H
 
 #include <cstdint>
 
@@ -73,3 +74,5 @@ public:
 protected:
     ~IOrnInterface() = default; // never deleted through an interface
 };
+
+#endif

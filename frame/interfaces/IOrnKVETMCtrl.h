@@ -17,7 +17,8 @@
 // Of the root operations, GetInterface("IOrnKVETMSupp") gives the support component
 // (IOrnKVETMSupp.h), or null if memory is short; any other name gives null.
 
-#pragma once
+#ifndef IORNKVETMCTRL_H
+#define IORNKVETMCTRL_H
 
 #include "IOrnObject.h"
 
@@ -67,3 +68,5 @@ public:
 protected:
     ~IOrnKVETMCtrl() = default;
 };
+
+#endif

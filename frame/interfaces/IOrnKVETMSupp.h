@@ -8,7 +8,8 @@
 // Which thread   The host's one thread (see IOrnInterface.h). InitBoardFile may
 //                show a dialog and then runs a modal message loop.
 
-#pragma once
+#ifndef IORNKVETMSUPP_H
+#define IORNKVETMSUPP_H
 
 #include "IOrnInterface.h"
 
@@ -61,3 +62,5 @@ public:
 protected:
     ~IOrnKVETMSupp() = default;
 };
+
+#endif

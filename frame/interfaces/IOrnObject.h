@@ -7,7 +7,8 @@
 //                root operations when they come or go.
 // Which thread   The host's one thread (see IOrnInterface.h).
 
-#pragma once
+#ifndef IORNOBJECT_H
+#define IORNOBJECT_H
 
 #include "IOrnIParam.h"
 
@@ -53,3 +54,5 @@ public:
 protected:
     ~IOrnObject() = default;
 };
+
+#endif

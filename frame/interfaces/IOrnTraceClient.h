@@ -7,7 +7,8 @@
 // Which thread   The host's one thread (see IOrnInterface.h), also from inside
 //                IOrnKVETMCtrl::Open.
 
-#pragma once
+#ifndef IORNTRACECLIENT_H
+#define IORNTRACECLIENT_H
 
 #include "IOrnInterface.h"
 
@@ -18,10 +19,12 @@ public:
     /// Slot 6. Performs `action`; `argument` may be null. Returns true on success.
     /// The module calls, once each per address entry:
     ///   Action("CheckAction", "Eval")   true iff the host evaluates expressions;
-    ///   Action("Eval <entry>", null)    true iff the entry is a valid expression.
+    ///   Action("Eval ENTRY", null)    true iff the entry is a valid expression.
     /// No other action is called. Without an evaluator, answer 0 to the first.
     virtual OrnBool Action(const char* action, const char* argument) = 0;
 
 protected:
     ~IOrnTraceClient() = default;
 };
+
+#endif

@@ -18,19 +18,19 @@
 // of the chip stays as it was: at first, no comparators and no port sizes.
 //
 // An apply calls, in order, what belongs to the groups that differ, each group whole;
-// <a> is an address as it was typed, of any length:
-//   board file  Command "macro <board file>"
+// ADDRESS is an address as it was typed, of any length; FILE a path; BITS in decimal:
+//   board file  Command "macro FILE"
 //   control     Command "enable" or "disable", if that changes; SetValue 0
 //   position    SetValue 2
-//   port        Command "etm portsize=<bits>", unless the chip offers no such port;
+//   port        Command "etm portsize=BITS", unless the chip offers no such port;
 //               "etm halfrate=on" or "etm halfrate=off";
 //               IOrnXTraceClient::WriteSetting
 //   trace       Command "etm pc=none", "etm pc=all" or "etm complex", or
-//               "etm pc=start <a>", or that and "etm pc=stop <a>", or
-//               "etm pc=from <a>" and "etm pc=to <a>";
+//               "etm pc=start ADDRESS", or that and "etm pc=stop ADDRESS", or
+//               "etm pc=from ADDRESS" and "etm pc=to ADDRESS";
 //               "etm data=none", "etm data=addr", "etm data=value" or "etm data=all";
-//               "etm data=from <a>" and "etm data=to <a>", for a range of data;
-//               "etm trigger <a>", for a trigger on an address
+//               "etm data=from ADDRESS" and "etm data=to ADDRESS", for a range of data;
+//               "etm trigger ADDRESS", for a trigger on an address
 // A new board file is part of the port group too; the switch of the trigger on an
 // address is part of both the control group and the trace group.
 //
@@ -40,7 +40,8 @@
 // behind a refused pc or kind of data, and no trigger behind a refused range. Other
 // failures are not looked at. After a failed apply the next one sends it all again.
 
-#pragma once
+#ifndef IORNVETMTRACE_H
+#define IORNVETMTRACE_H
 
 #include <iosfwd>
 
@@ -174,16 +175,17 @@ public:
     /// Slot 12. Returns line `index`, from 0, of the present settings as text;
     /// null behind the last one. Within one pass an index names one line. Lines
     /// that begin with the word ETM are read, words in any case and blanks between
-    /// them at will; others are passed over. <a> is the rest of the line:
-    ///   ETM PC = none | all | start <a> | stop <a> | from <a> | to <a>
+    /// them at will; others are passed over. ADDRESS is the rest of the line, BITS a number
+    /// of bits in decimal:
+    ///   ETM PC = none | all | start ADDRESS | stop ADDRESS | from ADDRESS | to ADDRESS
     ///   ETM COMPLEX
-    ///   ETM DATA = none | addr | value | all | from <a> | to <a>
-    ///   ETM TRIGGER <a>
-    ///   ETM PORTSIZE = <decimal number of bits>
+    ///   ETM DATA = none | addr | value | all | from ADDRESS | to ADDRESS
+    ///   ETM TRIGGER ADDRESS
+    ///   ETM PORTSIZE = BITS
     ///   ETM HALFRATE = on | off
     /// What no line mentions stays as it was. Of lines about one setting the last
     /// counts; a range without a kind of data before it means all data within it.
-    /// A line is one line: give it without its line end, or <a> has that too and comes
+    /// A line is one line: give it without its line end, or ADDRESS has that too and comes
     /// back with it in the commands of an apply. After 1,000,000 lines the module asks
     /// for no more.
     virtual const char* GetSettingsLine(uint32_t index) = 0;
@@ -191,3 +193,5 @@ public:
 protected:
     ~IOrnVETMTrace() = default;
 };
+
+#endif

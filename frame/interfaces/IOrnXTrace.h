@@ -5,7 +5,8 @@
 // Who owns it    The host; it outlives its attachment.
 // Which thread   The host's one thread (see IOrnInterface.h).
 
-#pragma once
+#ifndef IORNXTRACE_H
+#define IORNXTRACE_H
 
 #include "IOrnInterface.h"
 
@@ -15,3 +16,5 @@ class IOrnXTrace : public IOrnInterface {
 protected:
     ~IOrnXTrace() = default;
 };
+
+#endif

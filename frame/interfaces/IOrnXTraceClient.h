@@ -14,7 +14,8 @@
 // GetInterfaceVersion matters here: HasCommand is called from the version
 // ORN_VERSION_WITH_HAS_COMMAND on.
 
-#pragma once
+#ifndef IORNXTRACECLIENT_H
+#define IORNXTRACECLIENT_H
 
 #include "IOrnInterface.h"
 
@@ -53,3 +54,5 @@ public:
 protected:
     ~IOrnXTraceClient() = default;
 };
+
+#endif
