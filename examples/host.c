@@ -2,7 +2,6 @@
  * for a chip that it makes up, and prints what the module sends to the chip. */
 #define _DEFAULT_SOURCE /* realpath */
 #include "orn.h"
-#include "orn_stream.h"
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
@@ -137,12 +136,20 @@ static OrnBool ORN_CALL ReadSetting(void* self, const char* section, const char*
 }
 static const OrnXTraceClientSlots kSettings = {ROOT_SLOTS, HasCommand, WriteSetting, ReadSetting};
 
+/* --- What judges addresses, if it can -------------------------------------------------------- */
+
+static OrnBool ORN_CALL Action(void* self, const char* action, const char* argument) {
+    (void)self, (void)action, (void)argument;
+    return 0;
+}
+static const OrnTraceClientSlots kClient = {ROOT_SLOTS, Action};
+
 /* --- The module ------------------------------------------------------------------------------ */
 
 static const OrnInterfaceSlots kPlain = {ROOT_SLOTS};
-static Object objects[] = {
-    {&kPlain, ORN_API}, {&kTrace, ORN_VETM_TRACE}, {&kSettings, ORN_XTRACE_CLIENT}};
-
+static Object objects[] = {{&kPlain, ORN_API},           {&kTrace, ORN_VETM_TRACE},
+                           {&kClient, ORN_TRACE_CLIENT}, {&kSettings, ORN_XTRACE_CLIENT},
+                           {&kPlain, ORN_XTRACE},        {&kPlain, ORN_EMU}};
 #define OBJECTS (sizeof objects / sizeof *objects)
 
 int main(int count, char** arguments) {

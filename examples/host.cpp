@@ -1,19 +1,17 @@
 // A first host, in C++11: loads the module that the command line names, shows the "ETM Control"
 // dialog for a chip that it makes up, and prints what the module sends to the chip.
 #include "orn.h"
-#include "orn_stream.h"
 #include <cstdio>
 #include <cstdlib>
 #include <map>
 #include <string>
 #ifdef _WIN32
 #include <windows.h>
-#define FULL_PATH(file) _fullpath(nullptr, file, 0)
-#define FIND(file, name) reinterpret_cast<void*>(GetProcAddress(LoadLibraryA(file), name))
+#define realpath(file, none) _fullpath(none, file, 0)
+#define dlopen(file, mode) LoadLibraryA(file)
+#define dlsym(library, name) reinterpret_cast<void*>(GetProcAddress(library, name))
 #else
 #include <dlfcn.h>
-#define FULL_PATH(file) realpath(file, nullptr)
-#define FIND(file, name) dlsym(dlopen(file, RTLD_NOW), name)
 #endif
 
 static const char kReport[] = // with the NUL at its end
@@ -48,11 +46,12 @@ struct Trace : Object<IOrnVETMTrace, ORN_VETM_TRACE> {
         return std::printf("value %u = 0x%X\n", id, values[id] = value) > 0;
     }
     OrnBool GetValue(uint32_t id, uint32_t* value) override {
-        if (values.count(id) == 0) return 0;
-        *value = values[id];
-        return 1;
+        return values.count(id) != 0 && (*value = values[id], true);
     }
     const char* GetSettingsLine(uint32_t i) override { return i == 0 ? "ETM PC = all" : nullptr; }
+};
+struct Client : Object<IOrnTraceClient, ORN_TRACE_CLIENT> {
+    OrnBool Action(const char*, const char*) override { return 0; } // evaluates nothing
 };
 struct Settings : Object<IOrnXTraceClient, ORN_XTRACE_CLIENT> {
     std::string board = ORN_BOARD_NONE;
@@ -64,26 +63,27 @@ struct Settings : Object<IOrnXTraceClient, ORN_XTRACE_CLIENT> {
         return std::snprintf(buffer, size, "%s", board.c_str()) < size;
     }
 };
-
 int main(int count, char** arguments) {
-    char* const file = count == 2 ? FULL_PATH(arguments[1]) : nullptr;
-    const auto entry = file ? reinterpret_cast<decltype(&OrnDLL)>(FIND(file, "OrnDLL")) : nullptr;
+    char* const file = count == 2 ? realpath(arguments[1], nullptr) : nullptr;
+    auto* entry = reinterpret_cast<decltype(&OrnDLL)>(dlsym(dlopen(file, RTLD_NOW), "OrnDLL"));
     if (entry == nullptr) return std::fputs("usage: host MODULE\n", stderr), 2;
     IOrnAPIBase* const module = entry();
     Object<IOrnAPI, ORN_API> api;
+    Object<IOrnXTrace, ORN_XTRACE> xTrace;
+    Object<IOrnEmu, ORN_EMU> emu;
     Trace trace;
+    Client client;
     Settings settings;
     module->SetModulePath(file);
     module->SetAPI(&api);
     auto* const control = static_cast<IOrnKVETMCtrl*>(module->CreateRowObject(0));
-    IOrnInterface* const objects[] = {&api, &trace, &settings};
+    IOrnInterface* const objects[] = {&api, &trace, &client, &settings, &xTrace, &emu};
     for (IOrnInterface* i : objects) control->AttachInterface(i->GetInterfaceName(), i);
     char error[260] = "";
     if (!control->Init(0) || !control->Open()) control->GetLastError(error, sizeof error);
-    std::fputs(error, stderr);
     for (IOrnInterface* i : objects) control->DetachInterface(i->GetInterfaceName());
     module->DestroyRowObject(0, control);
     module->SetAPI(nullptr);
     std::free(file);
-    return *error == '\0' ? 0 : 1;
+    return *error == '\0' ? 0 : (std::fprintf(stderr, "%s\n", error), 1);
 }

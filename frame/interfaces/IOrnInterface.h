@@ -13,6 +13,7 @@
 //  * Abstract classes without data, without overloads and without a virtual
 //    destructor: an object is its table of operations, in the order in which
 //    the header declares them. "Slot n" is the n-th entry of that table, from 0.
+//    orn.h has the tables for C; on 32-bit Windows operations are __thiscall.
 //  * Text is 8-bit and NUL-terminated. A text that an operation returns belongs
 //    to the object that returned it and remains valid at least until the next
 //    call on the same interface.

@@ -94,7 +94,8 @@ public:
     /// "trigger force" (the buttons Start, Stop and Trigger Now; the result is not
     /// looked at), and "capability" (each read, and once for the Status page), the
     /// one command with a `stream`: the host writes the capability report into it
-    /// and ends it with a NUL. For all others `stream` is null.
+    /// and ends it with a NUL. For all others `stream` is null. It is a stream of the
+    /// module's C++ library: a host with another one writes through orn_stream.h.
     ///
     /// The report is free text, shown on the Status page. The module looks for the
     /// labels below, exactly so, in any order; behind each a colon and a value:

@@ -95,6 +95,7 @@ typedef uint8_t OrnBool; /* 0 is no, all else is yes */
 #define ORN_BOARD_NONE "/none"
 #define ORN_BOARD_STARTUP "/startup"
 #endif
+#include "orn_stream.h"
 
 /* --- Tables --------------------------------------------------------------------------- */
 
