@@ -71,7 +71,7 @@ void HostSide::TellOfMissing(bool hasCommand) const {
         findings.Tell(Rule::MissingOperation, name, "the object has no table of operations");
         return;
     }
-    for (int slot = 0; slot < m_Operations; ++slot)
+    for (int slot = 0; slot < (m_IsAnother ? kIdentityOperations : m_Operations); ++slot)
         if ((m_Missing >> slot & 1) != 0 && (hasCommand || slot != kHasCommand))
             findings.Tell(Rule::MissingOperation, name,
                           "the table has no operation in slot " + std::to_string(slot));
@@ -134,7 +134,8 @@ HostCall::HostCall(HostSide& side, int slot, const char* operation, record::Fiel
     m_Event.object = side.name;
     m_Event.operation = operation;
     m_Event.arguments = std::move(arguments);
-    if (side.m_Table != nullptr && !side.IsThere()) {
+    ++side.m_Calls;
+    if (side.m_Table != nullptr && side.IsThorough() && !side.IsThere()) {
         Tell(Rule::ObjectGone, "the object is not there any more; it is not called");
     } else {
         const std::lock_guard lock(side.m_Mutex);
@@ -188,8 +189,7 @@ OrnBool HostCall::Truth(OrnBool value) {
 const char* HostCall::Text(const char* text) {
     const std::lock_guard lock(m_Side.m_Mutex);
     KeptText& kept = m_Side.m_Text;
-    TellOfText(kept.Take(text, m_Side.m_ThoroughTexts-- > 0), m_Place, kept.Words());
-    m_Side.m_ThoroughTexts = std::max(m_Side.m_ThoroughTexts, 0);
+    TellOfText(kept.Take(text, this, m_Side.IsThorough()), m_Place, kept.Words());
     m_Side.m_TextPlace = m_Place;
     Result("return", record::Text(kept.Copy()));
     return kept.Copy();
@@ -200,8 +200,10 @@ const char* HostCall::Name(const char* text, KeptText& kept) {
     const bool hadOne = kept.Copy() != nullptr;
     const KeptText::State earlier = kept.Release();
     TellOfText(earlier, m_Place, before);
-    TellOfText(kept.Take(text, true), m_Place, kept.Words());
+    const KeptText::State state = kept.Take(text, this, true);
+    TellOfText(state, m_Place, kept.Words());
     Result("return", record::Text(kept.Copy()));
+    if (state == KeptText::State::Bad) return "";
     if (kept.Copy() == nullptr || kept.Words().empty())
         Tell(Rule::NamelessObject,
              text == nullptr ? "it returns null" : "it returns an empty text");

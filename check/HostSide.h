@@ -4,6 +4,7 @@
 
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -41,16 +42,19 @@ protected:
 private:
     friend class HostCall;
 
+    /// Whether the next call is worth the effort to look: each of the first, and a few of those
+    /// behind them. A host may give a million lines.
+    bool IsThorough() const { return m_Calls < 10000 || m_Calls % 64 == 0; }
     bool IsThere() const;
     void ReadTable();
     void TellOfMissing(bool hasCommand) const;
 
     const int m_Operations;
-    void* m_Table = nullptr;    // null: there is none
-    uint32_t m_Missing = 0;     // bit n: operation n
-    bool m_IsAnother = false;   // an object of another interface, with the table of that
-    int m_ThoroughTexts = 1000; // so many more texts are looked at with effort
-    std::mutex m_Mutex;         // for the texts
+    void* m_Table = nullptr;  // null: there is none
+    uint32_t m_Missing = 0;   // bit n: operation n
+    bool m_IsAnother = false; // an object of another interface, with the table of that
+    std::atomic<int> m_Calls = 0;
+    std::mutex m_Mutex; // for the texts
     KeptText m_Text, m_InterfaceName, m_ComponentName;
     std::string m_TextPlace;
 };

@@ -1,6 +1,5 @@
 #include "check/module_proxies.h"
 
-#include <algorithm>
 #include <vector>
 
 #include "check/Checker.h"
@@ -140,6 +139,7 @@ public:
 
     /// The host has given it up.
     void SetDestroyed() { m_IsDestroyed = true; }
+    bool IsDestroyed() const { return m_IsDestroyed; }
 
 protected:
     /// What GetInterface hands out.
@@ -190,8 +190,6 @@ private:
 class SuppProxy final : public ModuleProxy<IOrnKVETMSupp> {
 public:
     explicit SuppProxy(IOrnKVETMSupp* real) : ModuleProxy(ORN_KVETM_SUPP, real) {}
-
-    bool IsOf(const IOrnInterface* real) const { return m_Real == real; }
 
     bool InitBoardFile(const char* directory, char* value, uint32_t size, int32_t* mode) override {
         ModuleCall call(m_Name, "InitBoardFile", [&] {
@@ -449,31 +447,35 @@ public:
     /// Returns what stands in for the support component `real`.
     SuppProxy* Support(IOrnKVETMSupp* real) {
         const std::lock_guard lock(m_Mutex);
-        if (m_Support == nullptr || !m_Support->IsOf(real)) m_Support = new SuppProxy(real);
-        return m_Support;
+        if (m_Supports.empty() || m_Supports.back()->IsDestroyed())
+            m_Supports.push_back(new SuppProxy(real));
+        return m_Supports.back();
     }
 
 private:
-    /// Returns the component that the host gives up, no more one of those that are there, or null.
+    /// Returns the component that the host gives up, or null.
     CtrlProxy* TakeComponent(ModuleCall& call, int32_t row, IOrnInterface* object, bool& last) {
         const std::lock_guard lock(m_Mutex);
-        const auto found =
-            std::ranges::find_if(m_Components, [&](CtrlProxy* made) { return made == object; });
-        if (found == m_Components.end() || (*found)->row != row) {
+        CtrlProxy* taken = nullptr;
+        last = true;
+        for (CtrlProxy* made : m_Components) {
+            if (made->IsDestroyed()) continue;
+            if (made == object)
+                taken = made;
+            else
+                last = false;
+        }
+        if (taken == nullptr || taken->row != row) {
             call.Tell(Rule::WrongDestroy,
-                      found == m_Components.end()
-                          ? "this object is none that CreateRowObject has made, "
-                            "or destroyed already; nothing is done"
-                          : "the row is another than that of CreateRowObject; "
-                            "nothing is done");
+                      taken == nullptr ? "this object is none that CreateRowObject has made, "
+                                         "or destroyed already; nothing is done"
+                                       : "the row is another than that of CreateRowObject; "
+                                         "nothing is done");
             return nullptr;
         }
-        CtrlProxy* const proxy = *found;
-        m_Components.erase(found); // but not deleted: the host may still call it
-        proxy->SetDestroyed();
-        last = m_Components.empty();
-        if (last && m_Support != nullptr) std::exchange(m_Support, nullptr)->SetDestroyed();
-        return proxy;
+        taken->SetDestroyed();
+        if (last && !m_Supports.empty()) m_Supports.back()->SetDestroyed();
+        return taken;
     }
 
     const char* NameOf(const char* operation, int32_t row,
@@ -488,10 +490,10 @@ private:
     }
 
     const std::string m_File;
-    std::string m_Path; // as the host has told it
-    std::mutex m_Mutex; // for these
-    std::vector<CtrlProxy*> m_Components;
-    SuppProxy* m_Support = nullptr;
+    std::string m_Path;                   // as the host has told it
+    std::mutex m_Mutex;                   // for these
+    std::vector<CtrlProxy*> m_Components; // all that there were: a host may still call them
+    std::vector<SuppProxy*> m_Supports;   // the last one may be in use
 };
 
 ApiBaseProxy& Base() {

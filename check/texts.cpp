@@ -1,6 +1,7 @@
 #include "check/texts.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
@@ -15,20 +16,19 @@ namespace {
 
 constexpr size_t kPage = 4096;
 constexpr size_t kLongest = size_t{16} << 20;
-constexpr char kUsedAgain = '\xDD';
-
 // Neither on the stack nor from the heap: what is read may lie where both are free.
 char g_Page[kPage];
 std::mutex g_PageMutex;
 
-/// Writes over the stack below the caller, as the next calls would.
-void UseStackAgain() {
-    volatile char below[kPage * 2];
-    for (size_t i = 0; i < sizeof below; ++i) below[i] = kUsedAgain;
+/// Returns whether `text` lies where the stack of the operation was that has returned.
+bool IsOnDeadStack(const char* text, const void* frame) {
+    constexpr uintptr_t kDepth = 128 * 1024; // further off may lie something else
+    const auto end = reinterpret_cast<uintptr_t>(frame), at = reinterpret_cast<uintptr_t>(text);
+    return at < end && end - at < kDepth;
 }
 
 /// Writes over blocks of the heap that a text of `length` may have had, if they are free.
-void UseHeapAgain(size_t length) {
+void UseHeapAgain(size_t length, char with) {
     constexpr size_t kStep = 16;
     char* blocks[64];
     size_t count = 0;
@@ -36,7 +36,7 @@ void UseHeapAgain(size_t length) {
          size += std::max(kStep, length / 16)) {
         char* const block = static_cast<char*>(std::malloc(size));
         if (block == nullptr) break;
-        std::memset(block, kUsedAgain, size);
+        std::memset(block, with, size);
         blocks[count++] = block;
     }
     volatile char used = 0; // else nobody would see that they were written to
@@ -50,14 +50,14 @@ void UseHeapAgain(size_t length) {
 std::optional<std::string> CopyText(const char* text) {
     std::string copy;
     const std::lock_guard lock(g_PageMutex);
-    while (copy.size() < kLongest) {
+    for (size_t most = 128; copy.size() < kLongest; most = kPage) { // usually it is short
         const char* const at = text + copy.size();
-        const size_t inPage = kPage - reinterpret_cast<uintptr_t>(at) % kPage;
-        const size_t count = ReadMemory(at, g_Page, inPage);
+        const size_t size = std::min(most, kPage - reinterpret_cast<uintptr_t>(at) % kPage);
+        const size_t count = ReadMemory(at, g_Page, size);
         const size_t length = strnlen(g_Page, count);
         copy.append(g_Page, length);
         if (length < count) return copy;
-        if (count < inPage) break;
+        if (count < size) break;
     }
     return std::nullopt;
 }
@@ -80,17 +80,23 @@ std::string Quote(std::string_view text) {
     return quoted + (text.size() > kLine ? "...\"" : "\"");
 }
 
-KeptText::State KeptText::Take(const char* text, bool thorough) {
+KeptText::State KeptText::Take(const char* text, const void* frame, bool thorough) {
     m_Taken = text != nullptr;
     m_At = nullptr;
     if (!m_Taken) return State::Fine;
+    if (!thorough) {
+        m_Copy = text;
+        return State::Fine;
+    }
     std::optional<std::string> copy = CopyText(text);
-    m_Copy = copy.value_or("");
+    m_Copy = copy.value_or("KVETMHostCheck: this text cannot be read");
     if (!copy) return State::Bad;
+    if (IsOnDeadStack(text, frame)) return State::Gone;
     m_At = text;
-    if (!thorough) return State::Fine;
-    UseStackAgain();
-    UseHeapAgain(m_Copy.size());
+    // What the last time left behind may be the text.
+    static std::atomic<char> with('\xDD');
+    UseHeapAgain(m_Copy.size(), with);
+    with = static_cast<char>(with ^ '\xFF');
     if (Compare() == State::Fine) return State::Fine;
     m_At = nullptr;
     return State::Gone;

@@ -19,14 +19,16 @@ class KeptText {
 public:
     enum class State { Fine, Bad, Gone, Changed };
 
-    /// Copies `text`, which may be null. Bad: it is none. Gone: it does not outlive the return; to
-    /// see that, memory that is free is written to, if `thorough`.
-    State Take(const char* text, bool thorough);
+    /// Copies `text`, which may be null. Looks at it, if `thorough`, and keeps it in mind for
+    /// Release. Bad: it is none; the copy says so. Gone: it has not outlived the return. It lies on
+    /// the stack below `frame`, which is in the frame of the caller; or it is not what it was when
+    /// free blocks of the heap have been written to.
+    State Take(const char* text, const void* frame, bool thorough);
 
     /// Compares what was copied with what is there by now, and asks no more.
     State Release();
 
-    /// Returns the copy; null for null. A text that was bad is empty. Valid until the next Take.
+    /// Returns the copy; null for null. Valid until the next Take.
     const char* Copy() const { return m_Taken ? m_Copy.c_str() : nullptr; }
     const std::string& Words() const { return m_Copy; }
 

@@ -1,0 +1,1 @@
+// Of no use but for its name.
