@@ -85,11 +85,12 @@ Status ShowTarget(SimulatedHost& host, std::ostream& out) {
 Status RunCommands(SimulatedHost& host, const std::vector<std::string>& commands,
                    std::ostream& out) {
     Status status = kDone;
+    auto& trace = static_cast<IOrnVETMTrace&>(*host.Find(ORN_VETM_TRACE));
     for (const std::string& command : commands) {
         if (SkipBlanks(command).starts_with('#')) continue;
         std::ostringstream stream;
         out.flush(); // ahead of a refusal, which goes elsewhere
-        if (host.trace.Command(command.c_str(), &stream) != nullptr) {
+        if (trace.Command(command.c_str(), &stream) != nullptr) {
             status = kFailed;
             continue;
         }

@@ -35,6 +35,7 @@ struct Options {
     std::vector<std::string> commands;
     DriveOptions drive;
     bool dark = false;
+    std::vector<std::string> failures, delays;
     OutputOptions output;
     bool json = false;
     std::string topic; // of help
@@ -167,6 +168,10 @@ std::string ProgramName() {
     return std::string(kProgram) + " " ETMHOST_VERSION;
 }
 
+void TellUnmet(const Faults& faults, record::EventStream& events) {
+    for (const std::string& sentence : faults.Unmet()) events.Note(sentence);
+}
+
 Status Run(const std::string& command, const Options& options) {
     if (command == "chips") return options.json ? ShowChipsJson(std::cout) : ShowChips(std::cout);
     CheckDirectory(options.directory);
@@ -184,8 +189,12 @@ Status Run(const std::string& command, const Options& options) {
     output.journal |= command == "tour";
     output.echo |= output.dryRun && command != "run"; // which says itself what it has carried out
     Outputs outputs(output, ProgramName());
+    Faults faults(outputs.events());
+    for (const std::string& text : options.failures) faults.Fail(text);
+    for (const std::string& text : options.delays) faults.Delay(text);
     const std::unique_ptr<SimulatedHost> made = MakeHost(options, outputs.events());
     SimulatedHost& host = *made;
+    if (!options.failures.empty() || !options.delays.empty()) host.PutInFront(faults);
     TellTarget(host, output.dryRun);
     std::optional<StateFile> state;
     std::string failure; // why the last change could not be kept
@@ -212,9 +221,17 @@ Status Run(const std::string& command, const Options& options) {
                                                              options.port, options.once, std::cout)
                               : options.json     ? ShowTargetJson(host, std::cout)
                                                  : ShowTarget(host, std::cout);
+        TellUnmet(faults, host.events);
         return outputs.Failed() ? kBadInput : status;
     }
-    const Status status = Work(command, options, script, host);
+    Status status = kDone;
+    try {
+        status = Work(command, options, script, host);
+    } catch (...) {
+        TellUnmet(faults, host.events);
+        throw;
+    }
+    TellUnmet(faults, host.events);
     host.transaction([] {}); // the last try to keep what could not be kept before
     if (!failure.empty() || outputs.Failed()) return kBadInput;
     // What was set behind that never reached the chip.
@@ -276,6 +293,24 @@ void DescribeEvents(CLI::App& app, OutputOptions& options) {
             "--watch", options.watch,
             "While the dialog is open, keep a line on the terminal: capture, fill, trigger, what "
             "was sent last, what was refused last");
+    }
+}
+
+void DescribeFaults(CLI::App& app, Options& options) {
+    for (const char* name : {"open", "apply", "init-board", "drive", "tour", "run", "show"}) {
+        CLI::App* command = app.get_subcommand(name);
+        command
+            ->add_option("--fail", options.failures,
+                         "Have the host fail in calls such as GetValue, Command:enable=REASON or "
+                         "GetValue:0@3, the third such call; may stand several times")
+            ->type_name("CALLS[=REASON]")
+            ->allow_extra_args(false);
+        command
+            ->add_option("--delay", options.delays,
+                         "Have the host take its time for calls: Command:start=500ms, GetValue=2s; "
+                         "may stand several times")
+            ->type_name("CALLS=TIME")
+            ->allow_extra_args(false);
     }
 }
 
@@ -351,6 +386,7 @@ void Describe(CLI::App& app, Options& options) {
                 "Go through the dialog off-screen, take pictures and print the conversation"),
         options.drive);
     DescribeEvents(app, options.output);
+    DescribeFaults(app, options);
     command("help", "Tell about a command")
         ->add_option("COMMAND", options.topic, "The command; without one, about the program")
         ->type_name("COMMANDS");

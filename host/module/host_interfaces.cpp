@@ -245,7 +245,16 @@ record::EventStream& SimulatedHost::Unheard() {
     return stream;
 }
 
+void SimulatedHost::PutInFront(Faults& faults) {
+    m_Front = std::make_unique<AnsweredHost>(
+        faults, [this](const std::string& name) { return FindOwn(name); });
+}
+
 IOrnInterface* SimulatedHost::Find(const std::string& name) {
+    return m_Front != nullptr ? m_Front->Find(name) : FindOwn(name);
+}
+
+IOrnInterface* SimulatedHost::FindOwn(const std::string& name) {
     const struct {
         const char* name;
         IOrnInterface* object;

@@ -12,6 +12,7 @@
 #include "frame/interfaces/IOrnVETMTrace.h"
 #include "frame/interfaces/IOrnXTrace.h"
 #include "frame/interfaces/IOrnXTraceClient.h"
+#include "host/module/faults.h"
 #include "host/record/Event.h"
 #include "host/support/words.h"
 #include "host/target/command.h"
@@ -131,8 +132,12 @@ public:
     SimulatedHost(const SimulatedHost&) = delete;
     SimulatedHost& operator=(const SimulatedHost&) = delete;
 
-    /// Returns the interface `name`, or null.
+    /// Returns the interface `name`, or null: what stands in front of the object, if there is
+    /// something.
     IOrnInterface* Find(const std::string& name);
+
+    /// Has whoever comes from now on meet `faults` ahead of the objects. It must outlive the host.
+    void PutInFront(Faults& faults);
 
     const Symbols symbols;
     record::EventStream& events;
@@ -152,7 +157,10 @@ public:
     RecordedObject<IOrnEmu> emu;
 
 private:
+    IOrnInterface* FindOwn(const std::string& name);
     static record::EventStream& Unheard(); ///< nobody listens
+
+    std::unique_ptr<AnsweredHost> m_Front;
 };
 
 } // namespace etmhost

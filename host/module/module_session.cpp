@@ -33,7 +33,7 @@ ModuleSession::ModuleSession(IOrnAPIBase& module, const std::string& path, Simul
         m_Module.SetModulePath(path.c_str());
         return record::Fields();
     });
-    SetAPI(&m_Host.api);
+    SetAPI(m_Host.Find(ORN_API));
     FindRow();
     if (m_Control == nullptr) {
         SetAPI(nullptr);

@@ -88,6 +88,7 @@ TEST_F(CommandLine, BadInputEndsWithStatus2AndAMessage) {
         {"show --remote gdb:1 --base etm=zz", "--base etm=zz: the address of a page of 4 KB"},
         {"show --remote gdb:1 --base etm=0 --base etm=0", "--base etm=0: \"etm\" is given twice"},
         {"drive - --pictures \"\"", "--pictures: a DIR is expected, not \"\""},
+        {"run x --fail Comand:x", "--fail \"Comand:x\": the host has no operation \"Comand\"; did"},
         {"show --remote gdb:1 --chip arm7", "--chip cannot stand beside --remote"},
         {"serve --port 65536", "--port: a PORT is expected, not \"65536\""},
         {"show --state \"\"", "--state: a FILE is expected, not \"\""},

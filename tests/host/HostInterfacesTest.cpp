@@ -120,6 +120,94 @@ TEST(Record, ALineThatIsNoEventIsRefused) {
         EXPECT_THROW(record::FromJsonLine(line), std::runtime_error) << line.substr(0, 100);
 }
 
+// What a host with these options answers to the same calls. The first row takes its time.
+TEST(Faults, CallsFailAndWaitAsTheOptionsSay) {
+    const struct {
+        std::vector<std::string> failures, delays;
+        std::string differences; ///< lines of the journal that are not the usual ones
+        std::vector<std::string> unmet;
+    } rows[] = {
+        {{}, {"Command=1ms", "HasFeature=1ms"}, "", {}},
+        {{"Command:enable=no power"},
+         {},
+         "Command \"enable\" -> \"no power\"\nCommand \"enable\" -> \"no power\"\n"
+         "GetValue 0x0 -> 0x0\nGetValue 0x0 -> 0x0\n",
+         {}},
+        {{"Command:enable@2=no", "Command:etm pc=all=no a=b"},
+         {"Command:start=1s"},
+         "Command \"enable\" -> \"no\"\nCommand \"etm pc=all\" -> \"no a=b\"\n",
+         {"--delay \"Command:start=1s\" met no call: there were none such"}},
+        {{"Command:e*=", "Command:enable=other"},
+         {},
+         "Command \"enable\" -> \"\"\nCommand \"enable\" -> \"\"\nCommand \"etm pc=all\" -> "
+         "\"\"\nGetValue 0x0 -> 0x0\nGetValue 0x0 -> 0x0\n",
+         {}},
+        {{"GetValue:0@2", "GetValue:0x10000*@1=off", "GetValue:2@9"},
+         {},
+         "GetValue 0x1000004 -> refused: off\nGetValue 0x0 -> refused: Failed on request\n",
+         {"--fail \"GetValue:2@9\" met no call: there were only 1"}},
+        {{"SetValue:2,7", "WriteSetting:a,b*", "IOrnEmu.GetComponentName=x", "GetSettingsLine",
+          "Action:Eval *=x", "GetInfoText", "GetTraceState", "ReadSetting:a", "HasCommand"},
+         {},
+         "SetValue 0x2 0x7 -> refused: Failed on request\nGetTraceState -> 0x0: Failed on request\n"
+         "GetSettingsLine 0 -> null: Failed on request\nGetInfoText 0 -> null: Failed on request\n"
+         "Action \"Eval 1\" null -> no: x\nWriteSetting \"a\" \"bc\" \"d\" -> refused: Failed on "
+         "request\nReadSetting \"a\" \"b\" 8 -> none: Failed on request\nHasCommand "
+         "\"ExecuteCmd\" -> no: Failed on request\nIOrnEmu.GetComponentName -> \"\": x\n",
+         {}},
+    };
+    std::vector<std::string> usual;
+    for (const auto& [failures, delays, differences, unmet] : rows) {
+        std::ostringstream out;
+        record::EventStream events;
+        TextJournal journal(out);
+        events.Add(journal);
+        SimulatedHost host(*FindChip("arm926"), {}, events);
+        Faults faults(events);
+        for (const std::string& text : failures) faults.Fail(text);
+        for (const std::string& text : delays) faults.Delay(text);
+        host.PutInFront(faults);
+        auto& trace = static_cast<IOrnVETMTrace&>(*host.Find(ORN_VETM_TRACE));
+        auto& client = static_cast<IOrnXTraceClient&>(*host.Find(ORN_XTRACE_CLIENT));
+        uint32_t word = 77;
+        char buffer[8];
+        std::ostringstream report;
+        const auto begin = std::chrono::steady_clock::now();
+        for (const char* text : {"enable", "enable", "etm pc=all"}) trace.Command(text, nullptr);
+        for (const uint32_t id : {0x1000004u, 0u, 0u, 2u}) trace.GetValue(id, &word);
+        trace.SetValue(2, 7);
+        trace.SetValue(2, 8);
+        trace.GetTraceState(nullptr);
+        trace.GetSettingsLine(0);
+        trace.GetInfoText(0);
+        trace.HasFeature(ORN_FEATURE_ETB);
+        static_cast<IOrnTraceClient&>(*host.Find(ORN_TRACE_CLIENT)).Action("Eval 1", nullptr);
+        client.WriteSetting("a", "bc", "d");
+        client.ReadSetting("a", "b", 8, buffer);
+        client.HasCommand("ExecuteCmd");
+        host.Find(ORN_EMU)->GetComponentName();
+        std::istringstream lines(out.str());
+        std::string text;
+        size_t at = 0;
+        for (std::string line; std::getline(lines, line); ++at) {
+            if (at == usual.size()) usual.push_back(line);
+            if (line != usual[at]) text += line + "\n";
+        }
+        const auto time = std::chrono::steady_clock::now() - begin;
+        EXPECT_TRUE(!failures.empty() || time >= std::chrono::milliseconds(4));
+        EXPECT_EQ(text, differences);
+        EXPECT_EQ(faults.Unmet(), unmet);
+    }
+    record::EventStream events;
+    Faults faults(events);
+    for (const char* text : {"", "=x", "Comand", "GetValue:zero", "GetValue:0@0", "GetValue@x=y",
+                             "GetValue:", "GetTraceState:1", "IOrnEmu.Command", "HasFeature:1,2"})
+        EXPECT_THROW(faults.Fail(text), HostError) << text;
+    for (const char* text : {"", "Command", "Command=1", "Command=0ms", "Command=61s", "Command=1m",
+                             "Command=99999999999999999999s", "Comand=1s"})
+        EXPECT_THROW(faults.Delay(text), HostError) << text;
+}
+
 // Fails at the first question of Init.
 struct FailingWriter final : record::EventWriter {
     void Write(const record::Event& event) override {
