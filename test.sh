@@ -126,7 +126,8 @@ printf '%s\n' build/asan/bin/fuzz_* | nice xargs -P "$(nproc)" -I{} bash -euo pi
 stage "clang-tidy"
 tools/tidy "${tidy[@]}"
 
-stage "the documents' listings and pictures"
+stage "the documents' listings and pictures, the reference pages"
+tools/reference
 tools/check-listings
 tools/pictures --check
 finish "Windows: tests"

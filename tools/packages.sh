@@ -13,7 +13,7 @@ REMOTE_PACKAGES=(openocd)
 TEST_PACKAGES=(clang libc++-dev libc++abi-dev libclang-rt-14-dev lld llvm clang-format clang-tidy shellcheck libgtest-dev
   libgmock-dev xvfb xauth dbus-daemon at-spi2-core gir1.2-atspi-2.0 python3-gi
   binutils fonts-liberation2 fonts-cantarell python3
-  groff-base openocd gdb-multiarch qemu-system-arm libopencsd-bin)
+  groff-base doxygen openocd gdb-multiarch qemu-system-arm libopencsd-bin)
 
 # To measure them, beside a generated scanner.
 BENCH_PACKAGES=(libbenchmark-dev re2c python3)

@@ -26,7 +26,7 @@
 #include "IOrnInterface.h"
 
 constexpr char ORN_API_BASE[] = "IOrnAPIBase"; // its name
-constexpr int32_t ORN_API_BASE_VERSION = 120;
+constexpr int32_t ORN_API_BASE_VERSION = 120;  // its version
 
 class IOrnAPIBase : public IOrnInterface {
 public:
@@ -77,6 +77,7 @@ protected:
 #if defined(_WIN32)
 #define ORN_EXPORT extern "C"
 #else
+/// What makes OrnDLL an export.
 #define ORN_EXPORT extern "C" __attribute__((visibility("default")))
 #endif
 

@@ -53,30 +53,30 @@ constexpr uint32_t ORN_VALUE_BUFFER_SIZE = 1;      // capacity of the trace buff
 constexpr uint32_t ORN_VALUE_TRIGGER_COUNT = 2;    // units behind the trigger; both
 constexpr uint32_t ORN_VALUE_PORT_SIZES = 5;       // mask: bit k for a port of k + 1 bits
 constexpr uint32_t ORN_VALUE_REGISTER = 0x1000000; // plus the offset of an ETM register
-constexpr uint32_t ORN_VALUE_ETMCCR = ORN_VALUE_REGISTER + 0x004;
-constexpr uint32_t ORN_VALUE_ETMSCR = ORN_VALUE_REGISTER + 0x014;
-constexpr uint32_t ORN_VALUE_ETMIDR = ORN_VALUE_REGISTER + 0x1E4;
+constexpr uint32_t ORN_VALUE_ETMCCR = ORN_VALUE_REGISTER + 0x004; // configuration code register
+constexpr uint32_t ORN_VALUE_ETMSCR = ORN_VALUE_REGISTER + 0x014; // system configuration register
+constexpr uint32_t ORN_VALUE_ETMIDR = ORN_VALUE_REGISTER + 0x1E4; // ID register
 
 /// Of the ETM configuration code register: there is an ETM ID register.
 constexpr uint32_t ORN_ETMCCR_HAS_ID = 0x80000000;
 
 /// Bits of the general control word.
-constexpr uint32_t ORN_CONTROL_ENABLE = 0x1;
-constexpr uint32_t ORN_CONTROL_STOP_WHEN_FULL = 0x2;
-constexpr uint32_t ORN_CONTROL_ACCUMULATE = 0x4; // between runs of the processor
-constexpr uint32_t ORN_CONTROL_MANUAL = 0x8;     // capture is started and stopped by hand
-constexpr uint32_t ORN_CONTROL_KEPT = 0x30;      // go back as they came
-constexpr uint32_t ORN_CONTROL_TRIGGER_PIN = 0x100;
-constexpr uint32_t ORN_CONTROL_TRIGGER_ADDRESS = 0x200;
+constexpr uint32_t ORN_CONTROL_ENABLE = 0x1;            // trace is enabled
+constexpr uint32_t ORN_CONTROL_STOP_WHEN_FULL = 0x2;    // capture stops when the buffer is full
+constexpr uint32_t ORN_CONTROL_ACCUMULATE = 0x4;        // between runs of the processor
+constexpr uint32_t ORN_CONTROL_MANUAL = 0x8;            // capture is started and stopped by hand
+constexpr uint32_t ORN_CONTROL_KEPT = 0x30;             // go back as they came
+constexpr uint32_t ORN_CONTROL_TRIGGER_PIN = 0x100;     // stops after a trigger from the pin
+constexpr uint32_t ORN_CONTROL_TRIGGER_ADDRESS = 0x200; // stops after one from an address
 
 /// Bits of the state word.
 constexpr uint32_t ORN_STATE_LOOK_AGAIN = 0x2; // when it changes
 constexpr uint32_t ORN_STATE_RUNNING = 0x4;    // capture is running
 
 /// Features of a target.
-constexpr uint32_t ORN_FEATURE_ETB = 0x2000000;
-constexpr uint32_t ORN_FEATURE_TPIU = 0x3000000;
-constexpr uint32_t ORN_FEATURE_CORTEX_M3 = 0x4000000;
+constexpr uint32_t ORN_FEATURE_ETB = 0x2000000;       // trace goes to an on-chip buffer
+constexpr uint32_t ORN_FEATURE_TPIU = 0x3000000;      // it goes out through a TPIU
+constexpr uint32_t ORN_FEATURE_CORTEX_M3 = 0x4000000; // addresses are DWT comparators
 
 constexpr char ORN_VETM_TRACE[] = "IOrnVETMTrace"; // its name
 

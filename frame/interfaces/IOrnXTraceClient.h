@@ -20,16 +20,16 @@
 #include "IOrnInterface.h"
 
 constexpr char ORN_XTRACE_CLIENT[] = "IOrnXTraceClient"; // its name
-constexpr int32_t ORN_VERSION_WITH_HAS_COMMAND = 111;
+constexpr int32_t ORN_VERSION_WITH_HAS_COMMAND = 111;    // the first with HasCommand
 
 /// The one named setting, and the characters that it has at most.
-constexpr char ORN_SETTING_SECTION[] = "KVETM";
-constexpr char ORN_SETTING_BOARD_FILE[] = "BoardFile";
-constexpr int32_t ORN_SETTING_LENGTH = 259;
+constexpr char ORN_SETTING_SECTION[] = "KVETM";        // its section
+constexpr char ORN_SETTING_BOARD_FILE[] = "BoardFile"; // its key
+constexpr int32_t ORN_SETTING_LENGTH = 259;            // without the NUL
 
 /// Values of it that are no path, in any case of the letters.
-constexpr char ORN_BOARD_UNKNOWN[] = "---"; // no selection is known; never written
-constexpr char ORN_BOARD_NONE[] = "/none";
+constexpr char ORN_BOARD_UNKNOWN[] = "---";      // no selection is known; never written
+constexpr char ORN_BOARD_NONE[] = "/none";       // no board file
 constexpr char ORN_BOARD_STARTUP[] = "/startup"; // the debugger's startup macro
 
 class IOrnXTraceClient : public IOrnInterface {
