@@ -28,6 +28,11 @@ stage "format and rooms"
 git ls-files '*.c' '*.cpp' '*.h' | xargs -r clang-format --dry-run -Werror
 tools/check-rooms
 
+stage "the documents' links and quotations, the reference pages"
+tools/check-links
+tools/user-guide --check
+tools/reference
+
 stage "scripts"
 git grep -lE '^#!.*\b(ba)?sh\b|^# shellcheck ' -- . ':!*.py' | xargs -r shellcheck
 
@@ -126,8 +131,7 @@ printf '%s\n' build/asan/bin/fuzz_* | nice xargs -P "$(nproc)" -I{} bash -euo pi
 stage "clang-tidy"
 tools/tidy "${tidy[@]}"
 
-stage "the documents' listings and pictures, the reference pages"
-tools/reference
+stage "the documents' listings and pictures"
 tools/check-listings
 tools/pictures --check
 finish "Windows: tests"
