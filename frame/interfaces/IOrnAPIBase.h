@@ -26,7 +26,7 @@
 #include "IOrnInterface.h"
 
 constexpr char ORN_API_BASE[] = "IOrnAPIBase"; // its name
-constexpr int32_t ORN_API_BASE_VERSION = 120;  // its version
+constexpr int32_t ORN_API_BASE_VERSION = 120;
 
 class IOrnAPIBase : public IOrnInterface {
 public:

@@ -23,7 +23,7 @@
 #include "IOrnObject.h"
 
 constexpr char ORN_KVETM_CTRL[] = "IOrnKVETMCtrl"; // its name
-constexpr int32_t ORN_KVETM_CTRL_VERSION = 100;    // its version
+constexpr int32_t ORN_KVETM_CTRL_VERSION = 100;
 
 class IOrnKVETMCtrl : public IOrnObject {
 public:

@@ -14,7 +14,7 @@
 #include "IOrnInterface.h"
 
 constexpr char ORN_KVETM_SUPP[] = "IOrnKVETMSupp"; // its name
-constexpr int32_t ORN_KVETM_SUPP_VERSION = 100;    // its version
+constexpr int32_t ORN_KVETM_SUPP_VERSION = 100;
 
 /// What InitBoardFile tells of the selection.
 constexpr int32_t ORN_MODE_NONE = -1;      // none that can be used

@@ -20,7 +20,7 @@
 #include "IOrnInterface.h"
 
 constexpr char ORN_XTRACE_CLIENT[] = "IOrnXTraceClient"; // its name
-constexpr int32_t ORN_VERSION_WITH_HAS_COMMAND = 111;    // the first with HasCommand
+constexpr int32_t ORN_VERSION_WITH_HAS_COMMAND = 111;
 
 /// The one named setting, and the characters that it has at most.
 constexpr char ORN_SETTING_SECTION[] = "KVETM";        // its section
