@@ -43,10 +43,10 @@ struct Trace : Object<IOrnVETMTrace, ORN_VETM_TRACE> {
     uint32_t GetTraceState(uint32_t* detail) override { return *detail = 0; }
     OrnBool HasFeature(uint32_t) override { return 0; }
     OrnBool SetValue(uint32_t id, uint32_t value) override {
-        return std::printf("value %u = 0x%X\n", id, values[id] = value) > 0;
+        return std::printf("value %u = 0x%X\n", id, values[id] = value) > 0 ? 1 : 0;
     }
     OrnBool GetValue(uint32_t id, uint32_t* value) override {
-        return values.count(id) != 0 && (*value = values[id], true);
+        return values.count(id) != 0 ? (*value = values[id], 1) : 0;
     }
     const char* GetSettingsLine(uint32_t i) override { return i == 0 ? "ETM PC = all" : nullptr; }
 };
@@ -57,10 +57,10 @@ struct Settings : Object<IOrnXTraceClient, ORN_XTRACE_CLIENT> {
     std::string board = ORN_BOARD_NONE;
     OrnBool HasCommand(const char*) override { return 0; }
     OrnBool WriteSetting(const char*, const char* key, const char* value) override {
-        return std::printf("%s = %s\n", key, (board = value).c_str()) > 0;
+        return std::printf("%s = %s\n", key, (board = value).c_str()) > 0 ? 1 : 0;
     }
     OrnBool ReadSetting(const char*, const char*, int32_t size, char* buffer) override {
-        return std::snprintf(buffer, size, "%s", board.c_str()) < size;
+        return std::snprintf(buffer, size, "%s", board.c_str()) < size ? 1 : 0;
     }
 };
 int main(int count, char** arguments) {

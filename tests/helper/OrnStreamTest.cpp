@@ -10,12 +10,13 @@ namespace {
 
 TEST(StreamWrite, TakesWhatThereIsAndSurvivesTheRest) {
     std::ostringstream stream;
-    EXPECT_EQ(orn_stream_write(&stream, "two\nlines\n", 11), 1);
+    const char report[] = "two\nlines\n";
+    EXPECT_EQ(orn_stream_write(&stream, report, sizeof report), 1);
     EXPECT_EQ(orn_stream_write(&stream, "", 0), 1);
     EXPECT_EQ(orn_stream_write(nullptr, "text", 4), 0);
     EXPECT_EQ(orn_stream_write(&stream, nullptr, 4), 0);
     EXPECT_EQ(orn_stream_write(&stream, "text", SIZE_MAX), 0);
-    EXPECT_EQ(stream.str(), std::string("two\nlines\n", 11));
+    EXPECT_EQ(stream.str(), std::string(report, sizeof report));
 
     std::ostream none(nullptr);
     EXPECT_EQ(orn_stream_write(&none, "text", 4), 0);
