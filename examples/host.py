@@ -1,9 +1,7 @@
 #!/usr/bin/env python3
 """A first host, in Python: loads the module, shows the "ETM Control" dialog for a chip that it makes
 up, and prints what the module sends to the chip. Slots and ids are the numbers of the headers.
-
-usage: host.py MODULE HELPER       HELPER is the library KVETMHostHelper
-"""
+usage: host.py MODULE HELPER       HELPER is the library KVETMHostHelper"""
 import os
 import sys
 from ctypes import *
@@ -19,55 +17,54 @@ BOARD = {b"BoardFile": b"/none"}
 KINDS = {"p": c_void_p, "t": c_char_p, "i": c_int32, "u": c_uint32, "b": c_uint8, "-": None}
 KEPT = []  # what the module looks at and Python must not free
 
-def operation(types):  # of the result, and of what stands behind the object
+def text(words):
+    KEPT.append(c_char_p(words))
+    return cast(KEPT[-1], c_void_p).value
+
+def function(types):  # of the result, and of what stands behind the object
     return CFUNCTYPE(KINDS[types[0]], c_void_p, *(KINDS[kind] for kind in types[1:]))
 
-def text(words):
-    return cast(words, c_void_p).value
-
 def make(name, *slots):  # an object is a pointer to its table, whose first six slots all objects have
-    root = (("p", lambda _: text(name)), ("i", lambda _: 111), ("p", lambda _: text(b"ExampleHost")),
-            ("i", lambda _: 100), ("pt", lambda *_: None), ("-p", lambda *_: None))
-    functions = [operation(types)(function) for types, function in root + slots]
-    table = (c_void_p * len(functions))(*(cast(function, c_void_p) for function in functions))
-    KEPT.extend((functions, table, c_void_p(addressof(table))))
-    return addressof(KEPT[-1])
+    root = (("p", text(name)), ("i", 111), ("p", text(b"ExampleHost")), ("i", 100), ("pt", 0), ("-p", None))
+    table = [function(types)(act if callable(act) else lambda *_, answer=act: answer)
+             for types, act in root + slots]
+    KEPT.extend((table, (c_void_p * len(table))(*(cast(slot, c_void_p) for slot in table))))
+    KEPT.append(c_void_p(addressof(KEPT[-1])))
+    return name, addressof(KEPT[-1])
 
 def call(this, slot, types, *arguments):
-    return operation(types)(cast(this, POINTER(POINTER(c_void_p)))[0][slot])(this, *arguments)
+    return function(types)(cast(this, POINTER(POINTER(c_void_p)))[0][slot])(this, *arguments)
 
 def command(_, words, stream):
     print(words.decode())
     if stream:
         helper.orn_stream_write(c_void_p(stream), REPORT, c_size_t(len(REPORT)))
 
-def put(place, words):  # ... where the module wants to have it
-    return bool(memmove(place, words, len(words)))
+def put(place, words):  # where the module wants to have them
+    return memmove(place, words, len(words)) == place
 
-OBJECTS = {name: make(name, *slots) for name, slots in {
-    b"IOrnAPI": (), b"IOrnXTrace": (), b"IOrnEmu": (), b"IOrnTraceClient": (("btt", lambda *_: False),),
-    b"IOrnVETMTrace": (
-        ("ptp", command), ("pu", lambda *_: text(b"Example emulator, buffer of 2 MB")),
-        ("up", lambda _, detail: 0 * put(detail, bytes(4))), ("bu", lambda *_: False),
-        ("buu", lambda _, id, value: VALUES.update({id: value}) or not print(f"value {id} = 0x{value:X}")),
-        ("bup", lambda _, id, value: id in VALUES and put(value, VALUES[id].to_bytes(4, sys.byteorder))),
-        ("pu", lambda _, index: text(b"ETM PC = all") if index == 0 else None)),
-    b"IOrnXTraceClient": (
-        ("bt", lambda *_: False),
-        ("bttt", lambda _, section, key, value: BOARD.update({key: value}) or not print(f"{key.decode()} = {value.decode()}")),
-        ("bttip", lambda _, section, key, size, buffer: put(buffer, BOARD[key] + b"\0")))}.items()}
-
+LINES = {0: text(b"ETM PC = all"), 1: text(b"ETM PORTSIZE = 16")}
+OBJECTS = (
+    make(b"IOrnAPI"), make(b"IOrnXTrace"), make(b"IOrnEmu"), make(b"IOrnTraceClient", ("btt", False)),
+    make(b"IOrnVETMTrace", ("ptp", command), ("pu", text(b"Example emulator, buffer of 2 MB")),
+         ("up", lambda _, detail: 0 * put(detail, bytes(4))), ("bu", False),
+         ("buu", lambda _, id, value: VALUES.update({id: value}) or not print(f"value {id} = 0x{value:X}")),
+         ("bup", lambda _, id, value: id in VALUES and put(value, VALUES[id].to_bytes(4, sys.byteorder))),
+         ("pu", lambda _, index: LINES.get(index))),
+    make(b"IOrnXTraceClient", ("bt", False),
+         ("bttt", lambda _, section, key, value: BOARD.update({key: value}) or not print(key, value)),
+         ("bttip", lambda _, section, key, size, buffer: put(buffer, BOARD[key] + b"\0"))))
 path, helper = os.path.realpath(sys.argv[1]), CDLL(os.path.realpath(sys.argv[2]))
 module = CFUNCTYPE(c_void_p)(("OrnDLL", CDLL(path)))()
 call(module, 11, "-t", path.encode())
-call(module, 13, "-p", OBJECTS[b"IOrnAPI"])
+call(module, 13, "-p", OBJECTS[0][1])
 control = call(module, 9, "pi", 0)
-for name, this in OBJECTS.items():
+for name, this in OBJECTS:
     call(control, 10, "itp", name, this)
 error = create_string_buffer(260)
 if not (call(control, 18, "bu", 0) and call(control, 19, "b")):
     call(control, 21, "-pi", addressof(error), 260)
-for name in OBJECTS:
+for name, this in OBJECTS:
     call(control, 11, "it", name)
 call(module, 10, "-ip", 0, control)
 call(module, 13, "-p", None)
