@@ -3,9 +3,10 @@
 
 usage: tests/example_hosts.py FOLDER [HOST ...]
 
-FOLDER holds the module, the helper library and the examples as they were built. Each host runs in a
-process of its own on a screen and a bus made for this run; its windows are read and worked at as a
-screen reader does. The Status page has to show the whole report that the headers tell of, and what
+FOLDER holds the module, the checking layer, the helper library and the examples as they were built.
+Each host runs in a process of its own on a screen and a bus made for this run, once with the module
+and once with the checking layer, which must have nothing to say. Its windows are read and worked at
+as a screen reader does. The Status page has to show the whole report that the headers tell of, and what
 the host's emulator says; then trace is switched on and OK pressed, and the host has to print what
 came of it and to end with status 0. Ends with status 0 if all that holds.
 """
@@ -48,7 +49,7 @@ def work(screen, reader):
     reader.press(sheet, "OK")
 
 
-def run(screen, command):
+def run(screen, command, expected):
     """Returns what went wrong."""
     with subprocess.Popen(command, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
                           stderr=subprocess.STDOUT, text=True) as process:
@@ -60,7 +61,7 @@ def run(screen, command):
             return f"{failure}; {process.communicate()[0]}"
     if process.returncode != 0:
         return f"status {process.returncode}: {said}"
-    missing = [sent for sent in ("capability\n", "enable\n", "value 0 = 0x1\n") if sent not in said]
+    missing = [words for words in expected if words not in said]
     return f"it does not print {missing} but {said}" if missing else None
 
 
@@ -75,15 +76,17 @@ def main():
     linked = subprocess.run(["ldd", other], capture_output=True, text=True, check=True).stdout
     if "libc++.so" not in linked:
         sys.exit("it is no other C++ library")
-    module, helper = binaries / "KVETMControl.so", binaries / "libKVETMHostHelper.so"
-    hosts = {"C++": [binaries / "example_cpp", module], "C": [binaries / "example_c", module],
-             "libc++": [other, module],
-             "Python": [sys.executable, ROOT / "examples/host.py", module, helper]}
+    hosts = {"C++": [binaries / "example_cpp"], "C": [binaries / "example_c"], "libc++": [other],
+             "Python": [sys.executable, ROOT / "examples/host.py"]}
+    sent = ["capability\n", "enable\n", "value 0 = 0x1\n"]
+    rounds = {"KVETMControl.so": sent, "KVETMHostCheck.so": [*sent, " 0 breaches, 0 remarks\n"]}
+    helper = {"Python": [binaries / "libKVETMHostHelper.so"]}
     failed = 0
     for name in sys.argv[2:] or hosts:
-        fault = run(screen, hosts[name])
-        failed += fault is not None
-        print(f"{name}: {fault or 'shows a full Status page'}", flush=True)
+        for library, expected in rounds.items():
+            fault = run(screen, [*hosts[name], binaries / library, *helper.get(name, [])], expected)
+            failed += fault is not None
+            print(f"{name}, {library}: {fault or 'shows a full Status page'}", flush=True)
     return 1 if failed else 0
 
 
