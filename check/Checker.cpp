@@ -36,6 +36,11 @@ private:
     std::FILE* const m_File;
 };
 
+bool IsSet(const char* variable) {
+    const char* const value = std::getenv(variable);
+    return value != nullptr && *value != '\0';
+}
+
 Checker* g_Checker = nullptr; // null until it is needed
 
 } // namespace
@@ -46,13 +51,13 @@ Checker& Checker::Get() {
 }
 
 Checker::Checker()
-    : findings(std::getenv("KVETM_CHECK_REPORT"),
+    : findings(std::getenv("KVETM_CHECK_REPORT"), IsSet("KVETM_CHECK_QUIET"),
                [this](const std::string& line) { events.Note("KVETMHostCheck: " + line); }) {
-    const char* const file = std::getenv("KVETM_CHECK_JOURNAL");
-    if (file == nullptr || *file == '\0') return;
-    std::FILE* const out = std::fopen(file, "wb");
+    if (!IsSet("KVETM_CHECK_JOURNAL")) return;
+    const std::string file = std::getenv("KVETM_CHECK_JOURNAL");
+    std::FILE* const out = std::fopen(file.c_str(), "wb");
     if (out == nullptr) {
-        findings.Complain(std::string("cannot write the recording \"") + file + "\"");
+        findings.Complain("cannot write the recording " + Quote(file));
         return;
     }
     events.Add(*new JournalFile(out));

@@ -14,8 +14,8 @@ std::string Count(size_t count, const char* one, const char* many) {
 
 } // namespace
 
-Findings::Findings(const char* file, std::function<void(const std::string&)> heard)
-    : m_Heard(std::move(heard)) {
+Findings::Findings(const char* file, bool quiet, std::function<void(const std::string&)> heard)
+    : m_Quiet(quiet), m_Heard(std::move(heard)) {
     if (file == nullptr || *file == '\0') return;
     m_File = std::fopen(file, "w");
     if (m_File == nullptr) Complain(std::string("cannot write the report \"") + file + "\"");
@@ -23,7 +23,7 @@ Findings::Findings(const char* file, std::function<void(const std::string&)> hea
 
 void Findings::Write(const std::string& line) {
     const std::string text = "KVETMHostCheck: " + line + '\n';
-    for (std::FILE* out : {stderr, m_File}) {
+    for (std::FILE* out : {m_Quiet ? nullptr : stderr, m_File}) {
         if (out == nullptr) continue;
         std::fputs(text.c_str(), out);
         std::fflush(out); // the host may crash next

@@ -15,8 +15,9 @@ namespace hostcheck {
 
 class Findings {
 public:
-    /// `file` receives the lines too; null: standard error alone. `heard` gets each line as well.
-    Findings(const char* file, std::function<void(const std::string&)> heard);
+    /// `file` receives the lines; null or empty: none does. Standard error does too, unless the
+    /// checker is to be `quiet`. `heard` gets each line as well.
+    Findings(const char* file, bool quiet, std::function<void(const std::string&)> heard);
 
     /// Tells that `rule` was broken at `place`, unless that has been told. All are counted, and the
     /// first of each rule and in total are told.
@@ -33,6 +34,7 @@ private:
 
     std::mutex m_Mutex;
     std::FILE* m_File = nullptr;
+    const bool m_Quiet;
     std::function<void(const std::string&)> m_Heard;
     std::set<std::pair<Rule, std::string>> m_Known;
     size_t m_Counts[std::size(kRules)] = {};

@@ -24,8 +24,8 @@ enum Status : int {
 /// What they mean, for people.
 inline constexpr std::pair<Status, const char*> kStatusMeanings[] = {
     {kDone, "Everything was done"},
-    {kFailed, "The target refused a command, the module failed, or a script did not find what it "
-              "expects; standard error tells which"},
+    {kFailed, "The target refused a command, the module failed, a script did not find what it "
+              "expects, or a check found a breach; standard error tells which"},
     {kBadInput, "There was nothing to work with: the command line, a file, the connection or the "
                 "output is no good; standard error tells why"},
 };

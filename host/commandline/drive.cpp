@@ -1,5 +1,6 @@
 #include "host/commandline/drive.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <fstream>
 #include <iostream>
@@ -13,7 +14,11 @@ namespace etmhost {
 
 namespace {
 
-constexpr const char* kTour = "tour"; // the name of its script, which nobody has as a file
+constexpr struct {
+    const char *name, *text;
+} kScripts[] = {
+#include "scripts.inc"
+};
 
 std::filesystem::path ToPath(const std::string& text) {
     if (const auto path = NativePath(text)) return *path;
@@ -30,8 +35,8 @@ std::string ReadText(std::istream& in, const std::string& name) {
 }
 
 void Report(std::ostream& errors, const Script& script, int line, const std::string& text) {
-    if (script.name == kTour)
-        PrintRefusal(errors, std::string(kProgram) + ": " + kTour, text);
+    if (std::ranges::any_of(kScripts, [&](const auto& own) { return script.name == own.name; }))
+        PrintRefusal(errors, std::string(kProgram) + ": " + script.name, text);
     else
         PrintRefusal(errors, script.name + ":" + std::to_string(line), text);
 }
@@ -58,13 +63,10 @@ std::optional<Script> ReadScript(const std::string& file, std::ostream& errors) 
     return script.errors.empty() ? std::optional(script) : std::nullopt;
 }
 
-Script TourScript() {
-    static constexpr struct {
-        const char *name, *text;
-    } kScripts[] = {
-#include "tour.inc"
-    };
-    return ParseScript(kTour, kScripts[0].text);
+Script OwnScript(const std::string& name) {
+    const auto* const own =
+        std::ranges::find_if(kScripts, [&](const auto& script) { return name == script.name; });
+    return ParseScript(own->name, own->text);
 }
 
 void PreparePictures(const std::string& command, const std::string& directory) {
@@ -77,7 +79,7 @@ void PreparePictures(const std::string& command, const std::string& directory) {
     if (!writable) throw HostError(command + ": cannot write into directory \"" + directory + "\"");
 }
 
-Status Drive(ModuleSession& session, record::EventStream& events, const Script& script,
+Status Drive(const std::function<Status()>& open, record::EventStream& events, const Script& script,
              const std::string& pictures, std::ostream& errors) {
     const std::unique_ptr<User> user = MakeUser();
     Interpreter interpreter(script, *user, [&](const std::string& what) { events.Step(what); });
@@ -94,7 +96,7 @@ Status Drive(ModuleSession& session, record::EventStream& events, const Script& 
     {
         const Watchdog watchdog(
             interpreter, [&] { give("the windows do not answer"); });
-        DriveWindows(interpreter, [&] { status = OpenDialog(session, events); });
+        DriveWindows(interpreter, [&] { status = open(); });
     }
     if (status == kDone) interpreter.End();
     if (interpreter.failure().empty()) return status;

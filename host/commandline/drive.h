@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <functional>
 #include <optional>
 
 #include "host/commandline/actions.h"
@@ -21,17 +22,17 @@ struct DriveOptions {
 /// nothing then. Throws HostError if it cannot be read at all.
 std::optional<Script> ReadScript(const std::string& file, std::ostream& errors);
 
-/// The script of `tour`.
-Script TourScript();
+/// The script that this program has for its command `name`.
+Script OwnScript(const std::string& name);
 
 /// Makes the directory of the pictures and looks whether it can be written. Throws HostError.
 void PreparePictures(const std::string& command, const std::string& directory);
 
-/// Opens the dialog and carries the script out. Its steps go to `events`, and a failure
+/// Does what opens the dialog, and carries the script out. Its steps go to `events`, and a failure
 /// to `errors`, headed by file and line. The dialog is closed in any case; where that is not
 /// possible, the program ends.
 /// REQUIRES: the screen of PrepareDrivenScreen.
-Status Drive(ModuleSession& session, record::EventStream& events, const Script& script,
+Status Drive(const std::function<Status()>& open, record::EventStream& events, const Script& script,
              const std::string& pictures, std::ostream& errors);
 
 } // namespace etmhost

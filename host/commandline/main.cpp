@@ -6,6 +6,7 @@
 #include <optional>
 #include <sstream>
 
+#include "host/commandline/check.h"
 #include "host/commandline/dry_run.h"
 #include "host/commandline/outputs.h"
 #include "host/commandline/parser.h"
@@ -38,8 +39,9 @@ struct Options {
     std::vector<std::string> failures, delays;
     OutputOptions output;
     bool json = false;
-    std::string topic; // of help
-    std::string form;  // of the manual
+    bool rules = false; // of the contract: list them
+    std::string topic;  // of help
+    std::string form;   // of the manual
 };
 
 std::filesystem::path ToPath(const std::string& text) {
@@ -54,10 +56,10 @@ std::filesystem::path ModuleFile(const Options& options) {
 
 /// Gives nothing if there is no script, or an unreadable one, which it says.
 std::optional<Script> PrepareScript(const std::string& command, const DriveOptions& options) {
-    if (command != "tour") return ReadScript(options.script, std::cerr);
-    if (!TakesPictures())
+    if (command == "drive") return ReadScript(options.script, std::cerr);
+    if (command == "tour" && !TakesPictures())
         throw HostError("this build of etmhost has no tour: it was made without Qt");
-    return TourScript();
+    return OwnScript(command);
 }
 
 Status RunWithModule(const std::string& command, const Options& options,
@@ -67,16 +69,30 @@ Status RunWithModule(const std::string& command, const Options& options,
         screen = PrepareDrivenScreen(options.drive, options.dark);
     else if (options.dark)
         screen = PrepareDarkScreen();
-    LoadedModule module(ModuleFile(options));
+    const bool check = command == "check";
+    LoadedModule module(check ? CheckReport::Checker() : ModuleFile(options));
     ModuleSession session(module.object(), module.path(), host);
     if (command == "open") return OpenDialog(session, host.events);
-    if (script) return Drive(session, host.events, *script, options.drive.pictures, std::cerr);
+    if (script) {
+        const auto open = [&] {
+            return check ? WorkToBeChecked(session, host.events) : OpenDialog(session, host.events);
+        };
+        return Drive(open, host.events, *script, options.drive.pictures, std::cerr);
+    }
     std::ostringstream out;
     const Status status = command == "apply"
                               ? Apply(session, host.events, out)
                               : InitBoardFile(session, host.events, options.directory, out);
     std::cout << (options.output.ForRun() ? Remarks(out.str()) : out.str());
     return status;
+}
+
+// The same behind the checker.
+Status Check(const Options& options, const std::optional<Script>& script, SimulatedHost& host) {
+    const LoadedModule module(ModuleFile(options)); // which is known to be one then
+    const CheckReport report(module.path());
+    const Status status = RunWithModule("check", options, script, host);
+    return std::max(status, report.Print(std::cout));
 }
 
 // The lines that `run` gets from a person or another program.
@@ -111,6 +127,8 @@ Status Work(const std::string& command, const Options& options, const std::optio
                         options.commands == std::vector<std::string>{"-"} ? ReadCommands(std::cin)
                                                                           : options.commands,
                         std::cout);
+    else if (command == "check")
+        status = Check(options, script, host);
     else
         status = RunWithModule(command, options, script, host);
     watch.reset();
@@ -174,11 +192,15 @@ void TellUnmet(const Faults& faults, record::EventStream& events) {
 
 Status Run(const std::string& command, const Options& options) {
     if (command == "chips") return options.json ? ShowChipsJson(std::cout) : ShowChips(std::cout);
+    if (options.rules) return ListRules(std::cout);
     CheckDirectory(options.directory);
+    if (command == "check" && options.isRemote)
+        throw HostError(
+            "a chip behind a debug server is not changed for a check; --chip chooses one");
     if (command == "serve" && options.isRemote)
         throw HostError("a chip behind a debug server cannot be served; --chip chooses one");
     std::optional<Script> script;
-    if (command == "tour" || command == "drive") {
+    if (command == "tour" || command == "drive" || command == "check") {
         script = PrepareScript(command, options.drive);
         if (!script) return kBadInput;
         if (!options.drive.pictures.empty()) PreparePictures(command, options.drive.pictures);
@@ -387,6 +409,10 @@ void Describe(CLI::App& app, Options& options) {
         options.drive);
     DescribeEvents(app, options.output);
     DescribeFaults(app, options);
+    CLI::App* check = command(
+        "check", "Hold this host to the rules of the contract: the module runs behind the checker");
+    check->add_flag("--rules", options.rules, "List the rules, with a sentence each");
+    check->parse_complete_callback([&options] { options.drive.offScreen = true; });
     command("help", "Tell about a command")
         ->add_option("COMMAND", options.topic, "The command; without one, about the program")
         ->type_name("COMMANDS");

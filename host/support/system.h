@@ -26,6 +26,9 @@ enum class Output { Standard, Errors };
 bool IsTerminal(Output output);
 size_t TerminalWidth(Output output = Output::Standard);
 
+/// Sets a variable of the environment, for libraries that are loaded later.
+void SetVariable(const char* name, const std::string& value);
+
 /// Has writes to a pipe that nobody reads fail, where they would end the program.
 void OutliveReaders();
 

@@ -12,10 +12,8 @@
 
 #include "check/rules.h"
 #include "host/module/module_session.h"
-#include "host/record/json_lines.h"
 #include "testkit/RecordingHost.h"
 #include "testkit/SilentTrace.h"
-#include "testkit/TemporaryDirectory.h"
 #include "tests/module/QtPerson.h"
 
 using ::testing::AllOf;
@@ -114,6 +112,7 @@ struct Host {
     }
     void Live() {
         Start();
+        control->Init(0); // what was told once is not told again
         control->Apply();
         InitBoardFile();
         End();
@@ -386,6 +385,80 @@ TEST(BrokenHost, IsNamedByItsRuleAlone) {
         proved.insert(row.rule);
     }
     EXPECT_EQ(proved.size(), std::size(hostcheck::kRules));
+}
+
+TEST(BrokenHost, IsToldOfARuleTenTimesAtMost) {
+    const auto callOn = [](Host& host) {
+        host.Live();
+        IOrnKVETMCtrl& gone = *host.control;
+        gone.GetInterfaceName(), gone.GetInterfaceVersion(), gone.GetComponentName();
+        gone.GetComponentVersion(), gone.GetInterface(""), gone.ReleaseInterface(nullptr);
+        gone.GetParamCount(), gone.GetParam(0, 0), gone.SetParam(0, 0), gone.CheckParam(0, 0);
+        gone.GetImplementedCount(), gone.GetImplementedName(0);
+    };
+    EXPECT_EXIT(LiveAndExit(callOn), ExitedWithCode(0),
+                AllOf(HasSubstr("CheckParam: its component has been destroyed; it is not called "
+                                "(more of these are counted only)\nKVETMHostCheck: 12 breaches"),
+                      EndsWith(": 12 breaches, 0 remarks\n")));
+}
+
+TEST(CorrectHost, DrawsNothingInAnyOrderThatIsAllowed) {
+    const std::function<void(Host&)> lives[] = {
+        [](Host& host) { ChooseBoard(host), host.control->Init(0), host.End(); },
+        [](Host& host) { host.Live(), host.Live(); },
+        // Two components; the first goes from inside a call of the host's.
+        [](Host& host) {
+            host.Start();
+            auto* const second = static_cast<IOrnKVETMCtrl*>(host.module.CreateRowObject(0));
+            host.trace.line = [&](uint32_t) {
+                host.module.DestroyRowObject(0, std::exchange(host.control, second));
+                host.trace.line = nullptr;
+                return nullptr;
+            };
+            second->Init(0), host.InitBoardFile(), host.End();
+        },
+        // All is given up from inside a call: what is attached cannot be detached any more.
+        [](Host& host) {
+            host.Begin(), host.Attach();
+            host.trace.line = [&](uint32_t) {
+                host.module.DestroyRowObject(0, host.control);
+                return nullptr;
+            };
+            host.control->Init(0);
+        },
+        // What the module answers is what it would answer without the checker.
+        [](Host& host) {
+            host.Start();
+            if (host.control->GetAttachedInterface(ORN_EMU) != &host.rest.emu ||
+                host.control->AttachInterface("IOrnemu", &host.rest.emu) != -1 ||
+                host.control->GetInterface(ORN_KVETM_SUPP) != &host.Support() ||
+                std::strcmp(host.module.GetModulePath(), CHECKER_PATH) != 0 ||
+                host.module.GetRowCount() != 1 || host.module.CreateRowObject(1) != nullptr)
+                std::abort();
+            const etmhost::Library real(MODULE_PATH); // which has been told where it lies itself
+            IOrnAPIBase* const module = reinterpret_cast<decltype(&OrnDLL)>(real.Find("OrnDLL"))();
+            if (std::strcmp(module->GetModulePath(), MODULE_PATH) != 0) std::abort();
+            host.End();
+        },
+    };
+    for (const auto& live : lives)
+        EXPECT_EXIT(LiveAndExit(live), ExitedWithCode(0),
+                    "^KVETMHostCheck: 0 breaches, 0 remarks\n$");
+}
+
+TEST(Checker, WithoutAModuleHasNoRowsAndSaysWhy) {
+    for (const std::string file : {"/nowhere/module.so", CHECKER_PATH, OTHER_LIBRARYS_HOST_PATH}) {
+        const auto live = [](Host& host) {
+            host.module.SetModulePath(CHECKER_PATH);
+            host.module.SetAPI(&host.rest.api);
+            if (host.module.GetRowCount() != 0 || host.module.CreateRowObject(0) != nullptr ||
+                *host.module.GetRowInterfaceName(0) != '\0')
+                std::abort();
+        };
+        EXPECT_EXIT((setenv("KVETM_MODULE", file.c_str(), 1), LiveAndExit(live)), ExitedWithCode(0),
+                    AllOf(HasSubstr("KVETMHostCheck: cannot load the module: "), HasSubstr(file),
+                          EndsWith(": 0 breaches, 0 remarks\n")));
+    }
 }
 
 } // namespace

@@ -4,12 +4,14 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <fstream>
 #include <nlohmann/json.hpp>
 #include <sstream>
 
-#include "host/commandline/actions.h"
+#include "host/commandline/check.h"
 #include "host/module/journal.h"
 #include "host/record/json_lines.h"
+#include "host/support/host_error.h"
 #include "testkit/TemporaryDirectory.h"
 
 using ::testing::HasSubstr;
@@ -99,6 +101,8 @@ TEST_F(CommandLine, BadInputEndsWithStatus2AndAMessage) {
         {"init-board --directory " + here + "/no", "no\"\n"},
         {"show --symbols " + text, "symbol"},
         {"apply --module " + text, "cannot load the module"},
+        {"check --module " + text, "cannot load the module"},
+        {"check --remote gdb:1", "is not changed for a check"},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.arguments);
@@ -118,7 +122,7 @@ TEST_F(CommandLine, HelpIsOneAndFitsTheScreen) {
     EXPECT_THAT(whole, AllOf(HasSubstr("\n  run  "), HasSubstr("\n  2  There was nothing")));
     EXPECT_THAT(Run("--version").output, StartsWith("etmhost 1."));
     for (const std::string command : {"chips", "show", "run", "open", "serve", "apply",
-                                      "init-board", "tour", "drive", "help"}) {
+                                      "init-board", "tour", "drive", "check", "help"}) {
         SCOPED_TRACE(command);
         const std::string help = Run(command + " --help").output;
         EXPECT_THAT(whole, HasSubstr("\n  " + command + " "));
@@ -454,6 +458,63 @@ TEST_F(CommandLine, WatchKeepsOneLine) {
     for (std::string line, part; std::getline(lines, line);)
         for (std::istringstream parts(line); std::getline(parts, part, '\r');)
             EXPECT_LT(part.size(), line.starts_with('#') ? 80 : 60) << part;
+}
+
+TEST_F(CommandLine, ACheckTellsBreachesByItsStatus) {
+    for (const std::string chip : {"arm926", "cortex-m3"}) {
+        const Outcome outcome = Run("check --chip " + chip);
+        EXPECT_EQ(std::pair(outcome.status, outcome.output),
+                  std::pair(0, std::string("KVETMHostCheck: 0 breaches, 0 remarks\n")));
+    }
+    const CheckReport report("module");
+    std::ostringstream out;
+    EXPECT_THROW(report.Print(out), HostError);
+    for (const auto& [summary, status] : {std::pair("0 breaches, 2 remarks", kDone),
+                                          std::pair("10 breaches, 0 remarks", kFailed)}) {
+        std::ofstream(std::getenv("KVETM_CHECK_REPORT"))
+            << "KVETMHostCheck: breach other-thread\nKVETMHostCheck: " << summary << '\n';
+        EXPECT_EQ(report.Print(out), status) << summary;
+    }
+}
+
+// The module's side of the conversation is that without the checker, and what the checker asks by
+// itself stands in its recording as notes alone.
+TEST_F(CommandLine, ATourBehindTheCheckerIsTheSame) {
+    if (onWindows) GTEST_SKIP() << "a Windows build has no tour";
+    const std::string checker =
+        std::filesystem::path(ETMHOST_PATH).replace_filename("KVETMHostCheck.so").string();
+    const std::string pictures = " tour \"" + directory.PathOf("pictures") + "\"";
+    const Outcome plain = Run(pictures);
+    const Outcome outcome = Run("--module \"" + checker + "\" --journal-file \"" +
+                                    directory.PathOf("host") + "\"" + pictures,
+                                "KVETM_CHECK_JOURNAL=\"" + directory.PathOf("checker") + "\" ");
+    EXPECT_EQ(outcome.errors, "KVETMHostCheck: 0 breaches, 0 remarks\n");
+    const auto isIdentity = [](const std::string& line) {
+        return line.starts_with("IOrn") && line.find(".Get") != std::string::npos;
+    };
+    std::string told[2];
+    for (const Outcome* run : {&plain, &outcome}) {
+        std::istringstream lines(run->output);
+        for (std::string line; std::getline(lines, line);)
+            if (!isIdentity(line)) told[run == &outcome] += line + '\n';
+    }
+    EXPECT_EQ(told[1], told[0]);
+    std::vector<record::Event> calls[2];
+    for (const char* file : {"host", "checker"}) {
+        const bool ofChecker = std::string(file) == "checker";
+        bool attaching = false;
+        for (record::Event& event : ReadRecord(file)) {
+            event.refusal.reset(); // the host knows more of why
+            if (event.direction == record::Event::Direction::ToModule)
+                attaching = event.operation == "AttachInterface" &&
+                            event.phase == record::Event::Phase::Call;
+            else if (event.direction == record::Event::Direction::Host || (attaching && !ofChecker))
+                continue;
+            calls[ofChecker].push_back(std::move(event));
+        }
+    }
+    EXPECT_GT(calls[1].size(), 100u);
+    EXPECT_TRUE(calls[0] == calls[1]) << directory.Read("host") << directory.Read("checker");
 }
 
 TEST_F(CommandLine, TourGoesThroughTheDialog) {

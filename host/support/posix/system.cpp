@@ -10,6 +10,7 @@
 #include <cerrno>
 #include <chrono>
 #include <csignal>
+#include <cstdlib>
 #include <thread>
 
 #include "host/support/host_error.h"
@@ -49,6 +50,10 @@ bool IsTerminal(Output output) {
 size_t TerminalWidth(Output output) {
     winsize size{};
     return ioctl(HandleOf(output), TIOCGWINSZ, &size) == 0 ? size.ws_col : 0;
+}
+
+void SetVariable(const char* name, const std::string& value) {
+    setenv(name, value.c_str(), 1);
 }
 
 void OutliveReaders() {

@@ -6,6 +6,8 @@
 #endif
 #include <windows.h>
 
+#include <cstdlib>
+
 #include "host/support/host_error.h"
 
 namespace etmhost {
@@ -59,6 +61,10 @@ size_t TerminalWidth(Output output) {
     CONSOLE_SCREEN_BUFFER_INFO info{};
     const BOOL known = GetConsoleScreenBufferInfo(HandleOf(output), &info);
     return known ? static_cast<size_t>(info.srWindow.Right - info.srWindow.Left) + 1 : 0;
+}
+
+void SetVariable(const char* name, const std::string& value) {
+    _putenv_s(name, value.c_str()); // not SetEnvironmentVariable, which the C library does not see
 }
 
 void OutliveReaders() {} // it is so
