@@ -49,9 +49,9 @@ bool HostSide::IsThere() const {
 
 const void* HostSide::CodeOf(int slot) const {
     const void* code = nullptr;
+    if (m_Table == nullptr) return nullptr;
     const auto* const entry = static_cast<const char*>(m_Table) + sizeof code * slot;
-    return m_Table != nullptr && ReadMemory(entry, &code, sizeof code) == sizeof code ? code
-                                                                                      : nullptr;
+    return ReadMemory(entry, &code, sizeof code) == sizeof code ? code : nullptr;
 }
 
 void HostSide::ReadTable() {

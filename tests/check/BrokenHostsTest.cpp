@@ -121,12 +121,12 @@ struct Host {
 
 /// Gives `object` a table of its own, which can be changed.
 struct OwnTable {
-    void**& table;
-    void* operations[6];
+    void* words[8]; // two are ahead of the operations, for the compiler
 
-    explicit OwnTable(IOrnInterface* object) : table(*reinterpret_cast<void***>(object)) {
-        std::memcpy(operations, table, sizeof operations);
-        table = operations;
+    explicit OwnTable(IOrnInterface* object) {
+        void**& table = *reinterpret_cast<void***>(object);
+        std::memcpy(words, table - 2, sizeof words);
+        table = words + 2;
     }
 };
 
@@ -225,7 +225,7 @@ const struct Row {
     {Rule::MissingOperation, ORN_EMU,
      [](Host& host) {
          OwnTable emu(&host.rest.emu);
-         emu.operations[5] = nullptr, host.Live();
+         emu.words[2 + 5] = nullptr, host.Live();
      }},
     {Rule::MissingOperation, ORN_EMU,
      [](Host& host) {
@@ -286,11 +286,13 @@ const struct Row {
          host.trace.line = [](uint32_t) { return ""; };
          host.Live();
      }},
+#ifndef __clang__ // with which the sanitizers are built: too slow for a million calls
     {Rule::LinesEnd, "GetSettingsLine",
      [](Host& host) {
          host.trace.line = [](uint32_t) { return "a remark"; };
-         host.Live();
+         host.Start(), host.End();
      }},
+#endif
     {Rule::LineBreak, "GetSettingsLine", [](Host& host) { Lines(host, {"ETM PC = all\r\n"}); }},
     {Rule::ValueNotWritten, "GetValue(0x0)",
      [](Host& host) { Value(host, [](uint32_t*) -> OrnBool { return 1; }); }},
