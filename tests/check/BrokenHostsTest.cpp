@@ -445,7 +445,7 @@ TEST(CorrectHost, DrawsNothingInAnyOrderThatIsAllowed) {
     };
     for (const auto& live : lives)
         EXPECT_EXIT(LiveAndExit(live), ExitedWithCode(0),
-                    "^KVETMHostCheck: 0 breaches, 0 remarks\n$");
+                    "KVETMHostCheck: 0 breaches, 0 remarks\n$");
 }
 
 TEST(Checker, WithoutAModuleHasNoRowsAndSaysWhy) {
