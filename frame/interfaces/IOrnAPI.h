@@ -12,6 +12,7 @@
 #include "IOrnInterface.h"
 
 constexpr char ORN_API[] = "IOrnAPI"; // its name
+constexpr int32_t ORN_API_VERSION = 100;
 
 class IOrnAPI : public IOrnInterface {
 protected:

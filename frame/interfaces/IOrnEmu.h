@@ -11,6 +11,7 @@
 #include "IOrnInterface.h"
 
 constexpr char ORN_EMU[] = "IOrnEmu"; // its name
+constexpr int32_t ORN_EMU_VERSION = 100;
 
 class IOrnEmu : public IOrnInterface {
 protected:

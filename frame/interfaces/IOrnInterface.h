@@ -55,7 +55,8 @@ public:
     virtual const char* GetInterfaceName() = 0;
 
     /// Slot 1. Returns the version of that interface, a plain whole number to be
-    /// tested for a minimum.
+    /// tested for a minimum. Who implements all operations that a header declares
+    /// answers with that header's ORN_..._VERSION.
     virtual int32_t GetInterfaceVersion() = 0;
 
     /// Slot 2. Returns the name of the component that implements it. Static text.

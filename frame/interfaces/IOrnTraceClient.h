@@ -13,6 +13,7 @@
 #include "IOrnInterface.h"
 
 constexpr char ORN_TRACE_CLIENT[] = "IOrnTraceClient"; // its name
+constexpr int32_t ORN_TRACE_CLIENT_VERSION = 100;
 
 class IOrnTraceClient : public IOrnInterface {
 public:

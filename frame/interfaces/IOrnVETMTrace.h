@@ -79,6 +79,7 @@ constexpr uint32_t ORN_FEATURE_TPIU = 0x3000000;      // it goes out through a T
 constexpr uint32_t ORN_FEATURE_CORTEX_M3 = 0x4000000; // addresses are DWT comparators
 
 constexpr char ORN_VETM_TRACE[] = "IOrnVETMTrace"; // its name
+constexpr int32_t ORN_VETM_TRACE_VERSION = 100;
 
 class IOrnVETMTrace : public IOrnInterface {
 public:

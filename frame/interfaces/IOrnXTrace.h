@@ -11,6 +11,7 @@
 #include "IOrnInterface.h"
 
 constexpr char ORN_XTRACE[] = "IOrnXTrace"; // its name
+constexpr int32_t ORN_XTRACE_VERSION = 100;
 
 class IOrnXTrace : public IOrnInterface {
 protected:

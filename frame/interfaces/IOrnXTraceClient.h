@@ -21,6 +21,7 @@
 
 constexpr char ORN_XTRACE_CLIENT[] = "IOrnXTraceClient"; // its name
 constexpr int32_t ORN_VERSION_WITH_HAS_COMMAND = 111;
+constexpr int32_t ORN_XTRACE_CLIENT_VERSION = ORN_VERSION_WITH_HAS_COMMAND;
 
 /// The one named setting, and the characters that it has at most.
 constexpr char ORN_SETTING_SECTION[] = "KVETM";        // its section

@@ -17,8 +17,8 @@ const char* OrEmpty(const char* text) {
 
 HostVETMTrace::HostVETMTrace(Target& target, const Symbols& symbols, NamedSettings& settings,
                              const Transaction& transaction, record::EventStream& events)
-    : RecordedObject(ORN_VETM_TRACE, 100, events), m_Target(target), m_Transaction(transaction),
-      m_Language(target, symbols, &settings) {}
+    : RecordedObject(ORN_VETM_TRACE, ORN_VETM_TRACE_VERSION, events), m_Target(target),
+      m_Transaction(transaction), m_Language(target, symbols, &settings) {}
 
 const char* HostVETMTrace::Command(const char* text, std::ostream* stream) {
     const auto lock = m_Events.Lock();
@@ -152,7 +152,7 @@ const char* HostVETMTrace::GetSettingsLine(uint32_t index) {
 // --- IOrnTraceClient -----------------------------------------------------------------
 
 HostTraceClient::HostTraceClient(const Symbols& symbols, record::EventStream& events)
-    : RecordedObject(ORN_TRACE_CLIENT, 100, events), m_Symbols(symbols) {}
+    : RecordedObject(ORN_TRACE_CLIENT, ORN_TRACE_CLIENT_VERSION, events), m_Symbols(symbols) {}
 
 OrnBool HostTraceClient::Action(const char* action, const char* argument) {
     std::string_view expression = OrEmpty(action);
@@ -180,7 +180,7 @@ OrnBool HostTraceClient::Action(const char* action, const char* argument) {
 
 HostXTraceClient::HostXTraceClient(NamedSettings& settings, const Transaction& transaction,
                                    record::EventStream& events)
-    : RecordedObject(ORN_XTRACE_CLIENT, ORN_VERSION_WITH_HAS_COMMAND, events), m_Settings(settings),
+    : RecordedObject(ORN_XTRACE_CLIENT, ORN_XTRACE_CLIENT_VERSION, events), m_Settings(settings),
       m_Transaction(transaction) {}
 
 OrnBool HostXTraceClient::HasCommand(const char* name) {
@@ -228,17 +228,17 @@ OrnBool HostXTraceClient::ReadSetting(const char* section, const char* key, int3
 
 SimulatedHost::SimulatedHost(const Chip& chip, Symbols addresses, record::EventStream& listeners)
     : symbols(std::move(addresses)), events(listeners), target(chip, symbols),
-      api(ORN_API, 100, events), trace(target, symbols, settings, transaction, events),
+      api(ORN_API, ORN_API_VERSION, events), trace(target, symbols, settings, transaction, events),
       traceClient(symbols, events), xTraceClient(settings, transaction, events),
-      xTrace(ORN_XTRACE, 100, events), emu(ORN_EMU, 100, events) {}
+      xTrace(ORN_XTRACE, ORN_XTRACE_VERSION, events), emu(ORN_EMU, ORN_EMU_VERSION, events) {}
 
 SimulatedHost::SimulatedHost(std::unique_ptr<RegisterBus> bus, const TraceHardware& hardware,
                              Symbols addresses, record::EventStream& listeners, Tell tell)
     : symbols(std::move(addresses)), events(listeners),
-      target(std::move(bus), hardware, symbols, std::move(tell)), api(ORN_API, 100, events),
-      trace(target, symbols, settings, transaction, events), traceClient(symbols, events),
-      xTraceClient(settings, transaction, events), xTrace(ORN_XTRACE, 100, events),
-      emu(ORN_EMU, 100, events) {}
+      target(std::move(bus), hardware, symbols, std::move(tell)),
+      api(ORN_API, ORN_API_VERSION, events), trace(target, symbols, settings, transaction, events),
+      traceClient(symbols, events), xTraceClient(settings, transaction, events),
+      xTrace(ORN_XTRACE, ORN_XTRACE_VERSION, events), emu(ORN_EMU, ORN_EMU_VERSION, events) {}
 
 record::EventStream& SimulatedHost::Unheard() {
     static record::EventStream stream;
