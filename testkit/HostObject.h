@@ -12,7 +12,7 @@
 
 #pragma once
 
-#include "frame/interfaces/IOrnInterface.h"
+#include "IOrnInterface.h"
 
 template <class Interface> class HostObject : public Interface {
 public:

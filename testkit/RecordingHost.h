@@ -17,13 +17,13 @@
 #include <utility>
 #include <vector>
 
-#include "frame/interfaces/IOrnAPI.h"
-#include "frame/interfaces/IOrnEmu.h"
-#include "frame/interfaces/IOrnKVETMCtrl.h"
-#include "frame/interfaces/IOrnTraceClient.h"
-#include "frame/interfaces/IOrnVETMTrace.h"
-#include "frame/interfaces/IOrnXTrace.h"
-#include "frame/interfaces/IOrnXTraceClient.h"
+#include "IOrnAPI.h"
+#include "IOrnEmu.h"
+#include "IOrnKVETMCtrl.h"
+#include "IOrnTraceClient.h"
+#include "IOrnVETMTrace.h"
+#include "IOrnXTrace.h"
+#include "IOrnXTraceClient.h"
 #include "testkit/HostObject.h"
 
 class RecordingHost {

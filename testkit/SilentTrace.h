@@ -9,7 +9,7 @@
 #include <ostream>
 #include <string>
 
-#include "frame/interfaces/IOrnVETMTrace.h"
+#include "IOrnVETMTrace.h"
 #include "testkit/HostObject.h"
 
 class SilentTrace : public HostObject<IOrnVETMTrace> {
