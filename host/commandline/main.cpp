@@ -51,7 +51,12 @@ std::filesystem::path ToPath(const std::string& text) {
 
 std::filesystem::path ModuleFile(const Options& options) {
     if (!options.module.empty()) return ToPath(options.module);
-    return ExecutableFile().replace_filename(std::string("KVETMControl") + LibraryExtension());
+    const std::string name = std::string("KVETMControl") + LibraryExtension();
+    const std::filesystem::path directory = ExecutableFile().parent_path();
+    // Beside this program in a build, a way off where both are installed.
+    const auto beside = directory / name, installed = directory / ETMHOST_WAY_TO_MODULE / name;
+    std::error_code error;
+    return std::filesystem::exists(beside, error) ? beside : installed.lexically_normal();
 }
 
 /// Gives nothing if there is no script, or an unreadable one, which it says.
