@@ -24,6 +24,8 @@
 #ifndef ORN_H
 #define ORN_H
 
+#include "IOrnVersion.h"
+
 #ifdef __cplusplus
 #include "IOrnAPI.h"
 #include "IOrnAPIBase.h"
@@ -54,7 +56,13 @@ typedef uint8_t OrnBool; /* 0 is no, all else is yes */
 #define ORN_API_BASE_VERSION 120
 #define ORN_KVETM_CTRL_VERSION 100
 #define ORN_KVETM_SUPP_VERSION 100
+#define ORN_API_VERSION 100
+#define ORN_EMU_VERSION 100
+#define ORN_TRACE_CLIENT_VERSION 100
+#define ORN_VETM_TRACE_VERSION 100
+#define ORN_XTRACE_VERSION 100
 #define ORN_VERSION_WITH_HAS_COMMAND 111
+#define ORN_XTRACE_CLIENT_VERSION ORN_VERSION_WITH_HAS_COMMAND
 
 /* IOrnKVETMSupp: modes */
 #define ORN_MODE_NONE (-1)
