@@ -26,6 +26,11 @@ install(TARGETS KVETMControl LIBRARY DESTINATION ${KVETM_MODULE_DIR} COMPONENT m
 if(NOT WIN32)
   install(TARGETS KVETMControlQt LIBRARY DESTINATION ${KVETM_MODULE_DIR} COMPONENT module)
 endif()
+# The helper library is linked to hosts, which are installed without what they were developed with.
+install(TARGETS KVETMHostHelper
+  RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT module
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT module NAMELINK_COMPONENT dev
+  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT dev)
 install(FILES README.md CHANGELOG.md DESTINATION ${KVETM_DOC_DIR} COMPONENT module)
 install(DIRECTORY docs DESTINATION ${KVETM_DOC_DIR} COMPONENT module)
 
@@ -48,18 +53,34 @@ endif()
 
 install(DIRECTORY frame/interfaces/ DESTINATION ${KVETM_INCLUDE_DIR} COMPONENT dev
   FILES_MATCHING PATTERN "*.h")
+# The checking layer looks for the module beside itself.
+install(TARGETS KVETMHostCheck LIBRARY DESTINATION ${KVETM_MODULE_DIR} COMPONENT dev)
 # The test kit is compiled with the host's own compiler and library, so its sources are installed.
 install(DIRECTORY testkit DESTINATION ${KVETM_INCLUDE_DIR} COMPONENT dev
   FILES_MATCHING PATTERN "*.h")
 install(DIRECTORY testkit DESTINATION ${KVETM_SOURCE_DIR} COMPONENT dev
   FILES_MATCHING PATTERN "*.cpp")
 
+install(DIRECTORY examples/ DESTINATION ${KVETM_EXAMPLES_DIR} COMPONENT dev
+  PATTERN CMakeLists.txt EXCLUDE)
+
 include(CMakePackageConfigHelpers)
 set(KVETM_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/KVETMControl)
 set(KVETM_PKGCONFIG_DIR ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 string(REGEX REPLACE "[^/]+" ".." KVETM_UP_FROM_CMAKE ${KVETM_CMAKE_DIR})
 string(REGEX REPLACE "[^/]+" ".." KVETM_UP_FROM_PKGCONFIG ${KVETM_PKGCONFIG_DIR})
-foreach(file IN ITEMS KVETMControlConfig.cmake kvetmcontrol.pc kvetm-testkit.pc)
+if(WIN32)
+  set(KVETM_HELPER ${CMAKE_INSTALL_BINDIR}/KVETMHostHelper.dll)
+  set(KVETM_HELPER_FILES IMPORTED_LOCATION "\${_kvetm_prefix}/${KVETM_HELPER}"
+    IMPORTED_IMPLIB "\${_kvetm_prefix}/${CMAKE_INSTALL_LIBDIR}/libKVETMHostHelper.dll.a")
+else()
+  get_target_property(abi KVETMHostHelper SOVERSION)
+  set(KVETM_HELPER ${CMAKE_INSTALL_LIBDIR}/libKVETMHostHelper.so.${abi})
+  set(KVETM_HELPER_FILES IMPORTED_LOCATION "\${_kvetm_prefix}/${KVETM_HELPER}"
+    IMPORTED_SONAME libKVETMHostHelper.so.${abi})
+endif()
+list(JOIN KVETM_HELPER_FILES " " KVETM_HELPER_FILES)
+foreach(file IN ITEMS KVETMControlConfig.cmake kvetmcontrol.pc kvetm-helper.pc kvetm-testkit.pc)
   configure_file(cmake/package/${file}.in ${CMAKE_BINARY_DIR}/package/${file} @ONLY)
 endforeach()
 write_basic_package_version_file(${CMAKE_BINARY_DIR}/package/KVETMControlConfigVersion.cmake
@@ -67,7 +88,7 @@ write_basic_package_version_file(${CMAKE_BINARY_DIR}/package/KVETMControlConfigV
 install(FILES ${CMAKE_BINARY_DIR}/package/KVETMControlConfig.cmake
     ${CMAKE_BINARY_DIR}/package/KVETMControlConfigVersion.cmake
   DESTINATION ${KVETM_CMAKE_DIR} COMPONENT dev)
-install(FILES ${CMAKE_BINARY_DIR}/package/kvetmcontrol.pc ${CMAKE_BINARY_DIR}/package/kvetm-testkit.pc
-  DESTINATION ${KVETM_PKGCONFIG_DIR} COMPONENT dev)
+install(DIRECTORY ${CMAKE_BINARY_DIR}/package/ DESTINATION ${KVETM_PKGCONFIG_DIR} COMPONENT dev
+  FILES_MATCHING PATTERN "*.pc")
 
 include(cmake/packages.cmake)

@@ -23,6 +23,8 @@ else()
   set(CPACK_DEBIAN_MODULE_PACKAGE_NAME kvetmcontrol)
   set(CPACK_DEBIAN_MODULE_PACKAGE_SECTION devel)
   set(CPACK_DEBIAN_MODULE_PACKAGE_SHLIBDEPS ON)
+  set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON) # what packages of hosts will depend on
+  set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
   set(CPACK_DEBIAN_MODULE_PACKAGE_RECOMMENDS qt6-wayland)
   set(CPACK_DEBIAN_MODULE_PACKAGE_SUGGESTS "etmhost, kvetmcontrol-dev")
   set(CPACK_DEBIAN_MODULE_DESCRIPTION "plug-in with the \"ETM Control\" dialog of an ARM debugger
