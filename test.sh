@@ -81,6 +81,8 @@ test_dev() {
   tools/screen-reader
   echo "Hosts in other languages, and with another C++ library:"
   tests/example_hosts.py build/dev/bin
+  echo "What is installed, and a first host with it:"
+  tools/package-test
 }
 begin "g++: tests" test_dev
 

@@ -9,11 +9,12 @@ BUILD_PACKAGES=(g++ cmake ninja-build pkg-config qt6-base-dev libgl-dev fonts-de
 REMOTE_PACKAGES=(openocd)
 
 # To test them: a second compiler with its sanitizers and its C++ library, a virtual screen, an
-# accessibility bus, other fonts; debug servers and a debugger.
+# accessibility bus, other fonts; debug servers and a debugger; packages.
 TEST_PACKAGES=(clang libc++-dev libc++abi-dev libclang-rt-14-dev lld llvm clang-format clang-tidy shellcheck libgtest-dev
   libgmock-dev xvfb xauth dbus-daemon at-spi2-core gir1.2-atspi-2.0 python3-gi
   binutils fonts-liberation2 fonts-cantarell python3
-  groff-base doxygen openocd gdb-multiarch qemu-system-arm libopencsd-bin)
+  groff-base doxygen openocd gdb-multiarch qemu-system-arm libopencsd-bin
+  dpkg-dev file make)
 
 # To measure them, beside a generated scanner.
 BENCH_PACKAGES=(libbenchmark-dev re2c python3)
