@@ -20,6 +20,11 @@ foreach(component IN LISTS CPACK_COMPONENTS_ALL)
   file(GLOB pages ${share}/man/man*/*.[1-9])
   execute_process(COMMAND ${gzip} -9n ${share}/doc/${package}/changelog ${pages}
     COMMAND_ERROR_IS_FATAL ANY)
+  if(component STREQUAL "dev") # what the documents link to, from where they lie
+    file(MAKE_DIRECTORY ${share}/doc/kvetmcontrol/frame)
+    file(CREATE_LINK ../../../../include/kvetm ${share}/doc/kvetmcontrol/frame/interfaces SYMBOLIC)
+    file(CREATE_LINK ../kvetmcontrol-dev/examples ${share}/doc/kvetmcontrol/examples SYMBOLIC)
+  endif()
   # The same files give the same package, whenever and by whomever it is made.
   set(staged ${CPACK_TEMPORARY_DIRECTORY}/${component})
   execute_process(COMMAND chmod -R u=rwX,go=rX ${staged}
