@@ -22,7 +22,8 @@ set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS
 
 # --- The module with its display --------------------------------------------------
 
-install(TARGETS KVETMControl LIBRARY DESTINATION ${KVETM_MODULE_DIR} COMPONENT module)
+# The checking layer looks for the module beside itself, and etmhost for both.
+install(TARGETS KVETMControl KVETMHostCheck LIBRARY DESTINATION ${KVETM_MODULE_DIR} COMPONENT module)
 if(NOT WIN32)
   install(TARGETS KVETMControlQt LIBRARY DESTINATION ${KVETM_MODULE_DIR} COMPONENT module)
 endif()
@@ -53,8 +54,6 @@ endif()
 
 install(DIRECTORY frame/interfaces/ DESTINATION ${KVETM_INCLUDE_DIR} COMPONENT dev
   FILES_MATCHING PATTERN "*.h")
-# The checking layer looks for the module beside itself.
-install(TARGETS KVETMHostCheck LIBRARY DESTINATION ${KVETM_MODULE_DIR} COMPONENT dev)
 # The test kit is compiled with the host's own compiler and library, so its sources are installed.
 install(DIRECTORY testkit DESTINATION ${KVETM_INCLUDE_DIR} COMPONENT dev
   FILES_MATCHING PATTERN "*.h")

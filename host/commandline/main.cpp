@@ -15,6 +15,7 @@
 #include "host/commandline/state_file.h"
 #include "host/drive/windows.h"
 #include "host/support/host_error.h"
+#include "host/support/libraries.h"
 #include "host/support/words.h"
 #include "host/target/symbols.h"
 
@@ -51,12 +52,7 @@ std::filesystem::path ToPath(const std::string& text) {
 
 std::filesystem::path ModuleFile(const Options& options) {
     if (!options.module.empty()) return ToPath(options.module);
-    const std::string name = std::string("KVETMControl") + LibraryExtension();
-    const std::filesystem::path directory = ExecutableFile().parent_path();
-    // Beside this program in a build, a way off where both are installed.
-    const auto beside = directory / name, installed = directory / ETMHOST_WAY_TO_MODULE / name;
-    std::error_code error;
-    return std::filesystem::exists(beside, error) ? beside : installed.lexically_normal();
+    return LibraryFile("KVETMControl");
 }
 
 /// Gives nothing if there is no script, or an unreadable one, which it says.
