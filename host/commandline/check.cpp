@@ -7,6 +7,7 @@
 
 #include "check/rules.h"
 #include "host/support/host_error.h"
+#include "host/support/libraries.h"
 
 namespace etmhost {
 
@@ -50,7 +51,7 @@ CheckReport::~CheckReport() {
 }
 
 std::filesystem::path CheckReport::Checker() {
-    return ExecutableFile().replace_filename(std::string("KVETMHostCheck") + LibraryExtension());
+    return LibraryFile("KVETMHostCheck");
 }
 
 Status CheckReport::Print(std::ostream& out) const {
