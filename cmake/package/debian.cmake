@@ -23,6 +23,7 @@ foreach(component IN LISTS CPACK_COMPONENTS_ALL)
   if(component STREQUAL "dev") # what the documents link to, from where they lie
     file(MAKE_DIRECTORY ${share}/doc/kvetmcontrol/frame)
     file(CREATE_LINK ../../../../include/kvetm ${share}/doc/kvetmcontrol/frame/interfaces SYMBOLIC)
+    file(CREATE_LINK ../../../include/kvetm/testkit ${share}/doc/kvetmcontrol/testkit SYMBOLIC)
     file(CREATE_LINK ../kvetmcontrol-dev/examples ${share}/doc/kvetmcontrol/examples SYMBOLIC)
   endif()
   # The same files give the same package, whenever and by whomever it is made.
