@@ -1,8 +1,9 @@
 # Where what is installed goes, below the directory that is named when it is.
-if(CMAKE_LIBRARY_ARCHITECTURE) # as in Debian's own packages, whatever the prefix
-  set(CMAKE_INSTALL_LIBDIR lib/${CMAKE_LIBRARY_ARCHITECTURE} CACHE PATH "Where libraries go")
-endif()
 include(GNUInstallDirs)
+if(CMAKE_LIBRARY_ARCHITECTURE AND CMAKE_INSTALL_LIBDIR STREQUAL "lib")
+  # As in Debian's own packages, whatever the prefix. A variable: Qt leaves "lib" in the cache.
+  set(CMAKE_INSTALL_LIBDIR lib/${CMAKE_LIBRARY_ARCHITECTURE})
+endif()
 if(WIN32) # where a program finds its libraries: beside itself
   set(KVETM_MODULE_DIR ${CMAKE_INSTALL_BINDIR})
   set(KVETM_DOC_DIR doc)
