@@ -69,7 +69,9 @@ int RoomOf(const ControlTemplate& row, const DialogTemplate& dialog) {
 DialogUnits::DialogUnits(const QFont& font) : m_Font(font) {
     const QFontMetrics metrics(font);
     constexpr const char* letters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
-    m_BaseWidth = (metrics.horizontalAdvance(letters) / 26 + 1) / 2;
+    // In whole pixels, as the dialog manager computes it.
+    const int width = (metrics.horizontalAdvance(letters) / 26 + 1) / 2;
+    m_BaseWidth = width;
     m_BaseHeight = metrics.height();
 }
 

@@ -76,7 +76,9 @@ protected:
     }
 
     /// Which button of the group the Tab key finds does not depend on the focus.
-    void focusInEvent(QFocusEvent* event) override { QWidget::focusInEvent(event); }
+    void focusInEvent(QFocusEvent* event) override {
+        QWidget::focusInEvent(event); // NOLINT(bugprone-parent-virtual-call): not QRadioButton's
+    }
 };
 
 class ButtonPeer : public QtPeer {
