@@ -1,5 +1,6 @@
 #include "check/Checker.h"
 
+#include <algorithm>
 #include <cstdlib>
 
 #include "check/HostSide.h"
@@ -11,6 +12,7 @@
 #include "frame/interfaces/IOrnXTrace.h"
 #include "frame/interfaces/IOrnXTraceClient.h"
 #include "host/record/json_lines.h"
+#include "host/record/operations.h"
 
 namespace hostcheck {
 
@@ -61,8 +63,27 @@ Checker::Checker()
         return;
     }
     events.Add(*new JournalFile(out));
+    records = true;
     events.Tell("begin",
                 {{"format", record::kFormat}, {"program", "KVETMHostCheck " KVETM_CHECK_VERSION}});
+}
+
+void Checker::Record(record::Event event) {
+    if (!records) return;
+    using Kind = record::Part::Kind;
+    const record::Operation* const operation =
+        record::FindOperation(event.direction, event.object, event.operation);
+    if (operation != nullptr && event.phase != record::Event::Phase::Call) {
+        for (const record::Part& part : operation->results) {
+            if (part.optional || record::Find(event.results, part.name) != nullptr) continue;
+            record::Value value = nullptr;
+            if (part.kind == Kind::Number) value = 0;
+            if (part.kind == Kind::YesNo) value = false;
+            if (event.operation == "Command") value = event.refusal.value_or("");
+            event.results.emplace_back(part.name, std::move(value));
+        }
+    }
+    events.Write(event);
 }
 
 void Checker::Called(const std::string& place) {
@@ -98,15 +119,18 @@ HostSide* Checker::Wrap(const std::string& name, IOrnInterface* object) {
     for (HostSide* known : m_Objects)
         if (known->object == object && known->name == name) return known;
     HostSide* const made = MakeHostSide(name, object);
-    if (made != nullptr) m_Objects.push_back(made);
+    if (made == nullptr) return nullptr;
+    const auto count = 1 + std::ranges::count(m_Objects, made->name, &HostSide::name);
+    if (count > 1) made->label += "#" + std::to_string(count);
+    m_Objects.push_back(made);
     return made;
 }
 
-IOrnInterface* Checker::Original(IOrnInterface* proxy) {
+HostSide* Checker::Find(const IOrnInterface* proxy) {
     const std::lock_guard lock(m_Mutex);
     for (HostSide* known : m_Objects)
-        if (known->Proxy() == proxy) return known->object;
-    return proxy;
+        if (known->Proxy() == proxy) return known;
+    return nullptr;
 }
 
 void Checker::Attached(const std::string& name, HostSide* object) {

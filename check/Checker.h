@@ -43,7 +43,12 @@ public:
     static void End();
 
     Findings findings;
-    record::EventStream events; ///< the recording, if one is wanted
+    record::EventStream events; ///< the recording
+    bool records = false;       ///< whether one is wanted
+
+    /// Records a call. What an answer has to have, and this one has not, because the call was not
+    /// made or threw, is no, 0, null, or the reason.
+    void Record(record::Event event);
 
     // --- What the host has done -----------------------------------------------------------
 
@@ -53,8 +58,8 @@ public:
     void PathTold(const std::string& path, bool isOwn);
     void ApiTold();
     void ComponentMade();
-    /// Returns the host's object that stands for what the module has, or null for null.
-    IOrnInterface* Original(IOrnInterface* proxy);
+    /// Returns whose proxy `proxy` is, which the module has; null for none.
+    HostSide* Find(const IOrnInterface* proxy);
     void Attached(const std::string& name, HostSide* object);
 
     /// Init, Open, Apply or InitBoardFile on the way; REQUIRES: `end` for each `begin`.

@@ -125,13 +125,19 @@ void HostSide::Farewell() {
 
 // --- HostCall ---------------------------------------------------------------------------
 
+namespace {
+
+thread_local HostCall* g_Innermost = nullptr;
+
+} // namespace
+
 HostCall::HostCall(HostSide& side, int slot, const char* operation, record::Fields arguments,
                    const std::string& place, By by)
-    : m_Side(side), m_By(by), m_Place(side.name + "." + operation) {
+    : m_Side(side), m_By(by), m_Place(side.name + "." + operation), m_Outer(g_Innermost) {
     if (!place.empty()) m_Place += "(" + place + ")";
     if (by == By::Checker) m_Place += " (asked by the checker)";
     m_Event.direction = record::Event::Direction::ToHost;
-    m_Event.object = side.name;
+    m_Event.object = side.label;
     m_Event.operation = operation;
     m_Event.arguments = std::move(arguments);
     ++side.m_Calls;
@@ -143,13 +149,28 @@ HostCall::HostCall(HostSide& side, int slot, const char* operation, record::Fiel
         m_Possible = side.m_Table != nullptr && (side.m_Missing >> slot & 1) == 0 &&
                      (!side.m_IsAnother || slot < kIdentityOperations);
     }
-    if (!m_Possible) Refuse("KVETMHostCheck does not call it");
+    if (!m_Possible) Refuse(kNotMade);
+    g_Innermost = this;
+}
+
+void HostCall::HostCallsBack() {
+    if (g_Innermost != nullptr) g_Innermost->Announce();
+}
+
+void HostCall::Announce() {
+    if (m_Event.phase != record::Event::Phase::Whole) return;
+    if (m_Outer != nullptr) m_Outer->Announce();
+    m_Event.phase = record::Event::Phase::Call;
+    if (m_By == By::Module) Checker::Get().Record(m_Event);
+    m_Event.phase = record::Event::Phase::Return;
+    m_Event.arguments.clear();
 }
 
 HostCall::~HostCall() {
+    g_Innermost = m_Outer;
     Quietly([this] {
         if (m_By == By::Module)
-            Checker::Get().events.Write(m_Event);
+            Checker::Get().Record(m_Event);
         else
             Checker::Get().events.Note("KVETMHostCheck asks " + m_Event.object + "." +
                                        m_Event.operation);
@@ -182,7 +203,7 @@ void HostCall::Thrown(const char* what) {
 
 OrnBool HostCall::Truth(OrnBool value) {
     if (value > 1) Tell(Rule::TrueNotOne, "it answers " + std::to_string(value));
-    Result("return", value != 0);
+    Result("return", value > 1 ? record::Value(value) : record::Value(value == 1));
     return value;
 }
 

@@ -22,6 +22,7 @@ public:
 
     IOrnInterface* const object;
     const std::string name; ///< of the interface
+    std::string label;      ///< in the record: the name, with "#2" behind it for a second object
 
     /// Looks at the object as it is now, without a call of it.
     void Look();
@@ -33,7 +34,7 @@ public:
 protected:
     /// `operations`: how many the interface has.
     HostSide(const char* name, IOrnInterface* object, int operations)
-        : object(object), name(name), m_Operations(operations) {}
+        : object(object), name(name), label(name), m_Operations(operations) {}
     ~HostSide() = default;
 
     /// The address of the code of an operation; null if there is none.
@@ -73,6 +74,8 @@ public:
     HostCall(const HostCall&) = delete;
     HostCall& operator=(const HostCall&) = delete;
 
+    static constexpr const char* kNotMade = "KVETMHostCheck does not call this object";
+
     /// Returns whether the object can be called. If not, that is recorded as a refusal.
     bool IsPossible() const { return m_Possible; }
 
@@ -104,7 +107,12 @@ public:
 
     void Tell(Rule rule, const std::string& what) const;
 
+    /// The host calls the module. Calls on this thread from inside which it does so are recorded
+    /// ahead of that, and at their end once more.
+    static void HostCallsBack();
+
 private:
+    void Announce();
     const char* Name(const char* text, KeptText& kept);
     void Thrown(const char* what);
 
@@ -113,6 +121,7 @@ private:
     std::string m_Place;
     bool m_Possible = false;
     record::Event m_Event;
+    HostCall* const m_Outer; // the call from inside which this one was made
 };
 
 } // namespace hostcheck

@@ -24,8 +24,6 @@ using record::Text;
 
 constexpr int kFirst = 6; // operation behind those of identity
 
-constexpr const char* kNotCalled = "KVETMHostCheck does not call this object";
-
 std::string Hex(uint32_t value) {
     std::ostringstream text;
     text << "0x" << std::hex << std::uppercase << value;
@@ -139,10 +137,7 @@ public:
         HostCall call(*this, kFirst, "Command",
                       {{"text", Text(text)}, {"stream", stream != nullptr}},
                       text != nullptr ? KindOf(text) : "");
-        if (!call.IsPossible()) {
-            call.Result("return", kNotCalled);
-            return kNotCalled;
-        }
+        if (!call.IsPossible()) return HostCall::kNotMade;
         if (stream == nullptr)
             return Judged(call, call.Make([&] { return Host().Command(text, nullptr); }));
         if (UsesOtherCxxLibrary(CodeOf(kFirst)))
@@ -166,7 +161,7 @@ public:
 
     uint32_t GetTraceState(uint32_t* detail) override {
         HostCall call(*this, kFirst + 2, "GetTraceState", {{"detail", detail != nullptr}});
-        if (!call.IsPossible()) return call.Return(0u);
+        if (!call.IsPossible()) return 0;
         Guarded word(sizeof *detail, kSeed);
         const uint32_t state = call.Return(call.Make([&] {
             return Host().GetTraceState(detail != nullptr ? word.As<uint32_t>() : nullptr);
@@ -180,20 +175,20 @@ public:
 
     OrnBool HasFeature(uint32_t feature) override {
         HostCall call(*this, kFirst + 3, "HasFeature", {{"feature", feature}}, Hex(feature));
-        if (!call.IsPossible()) return call.Truth(0);
+        if (!call.IsPossible()) return 0;
         return call.Truth(call.Make([&] { return Host().HasFeature(feature); }));
     }
 
     OrnBool SetValue(uint32_t id, uint32_t value) override {
         HostCall call(*this, kFirst + 4, "SetValue", {{"id", id}, {"value", value}}, Hex(id));
-        if (!call.IsPossible()) return call.Truth(0);
+        if (!call.IsPossible()) return 0;
         return call.Truth(call.Make([&] { return Host().SetValue(id, value); }));
     }
 
     OrnBool GetValue(uint32_t id, uint32_t* value) override {
         HostCall call(*this, kFirst + 5, "GetValue", {{"id", id}, {"value", value != nullptr}},
                       Hex(id));
-        if (!call.IsPossible() || value == nullptr) return call.Truth(0);
+        if (!call.IsPossible() || value == nullptr) return 0;
         Guarded word(sizeof *value, kSeed);
         const OrnBool answer =
             call.Truth(call.Make([&] { return Host().GetValue(id, word.As<uint32_t>()); }));
@@ -275,7 +270,7 @@ public:
     OrnBool Action(const char* action, const char* argument) override {
         HostCall call(*this, kFirst, "Action",
                       {{"action", Text(action)}, {"argument", Text(argument)}});
-        if (!call.IsPossible()) return call.Truth(0);
+        if (!call.IsPossible()) return 0;
         return call.Truth(call.Make([&] { return Host().Action(action, argument); }));
     }
 };
@@ -288,14 +283,14 @@ public:
 
     OrnBool HasCommand(const char* name) override {
         HostCall call(*this, kFirst, "HasCommand", {{"name", Text(name)}});
-        if (!call.IsPossible()) return call.Truth(0);
+        if (!call.IsPossible()) return 0;
         return call.Truth(call.Make([&] { return Host().HasCommand(name); }));
     }
 
     OrnBool WriteSetting(const char* section, const char* key, const char* value) override {
         HostCall call(*this, kFirst + 1, "WriteSetting",
                       {{"section", Text(section)}, {"key", Text(key)}, {"value", Text(value)}});
-        if (!call.IsPossible()) return call.Truth(0);
+        if (!call.IsPossible()) return 0;
         const OrnBool taken =
             call.Truth(call.Make([&] { return Host().WriteSetting(section, key, value); }));
         m_HasWritten = taken != 0 && value != nullptr; // the module has but one setting
@@ -309,7 +304,7 @@ public:
                        {"key", Text(key)},
                        {"size", size},
                        {"buffer", buffer != nullptr}});
-        if (!call.IsPossible() || buffer == nullptr || size <= 0) return call.Truth(0);
+        if (!call.IsPossible() || buffer == nullptr || size <= 0) return 0;
         const auto room = static_cast<size_t>(size);
         Guarded bytes(room, kSeed);
         const OrnBool answer = call.Truth(

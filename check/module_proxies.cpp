@@ -1,5 +1,7 @@
 #include "check/module_proxies.h"
 
+#include <algorithm>
+#include <optional>
 #include <vector>
 
 #include "check/Checker.h"
@@ -30,28 +32,32 @@ Value ToValue(int32_t number) {
     return number;
 }
 
-/// A call of the host. Records it ahead of it and behind it; nothing that fails meanwhile in here
-/// gets out to the host.
+/// A call of the host. Records it ahead of it and behind it, if it `reaches` the module; nothing
+/// that fails meanwhile in here gets out to the host.
 class ModuleCall {
 public:
-    template <class MakeArguments>
-    ModuleCall(const char* object, const char* operation, MakeArguments&& makeArguments) {
+    template <class MakeArguments> ModuleCall(const std::string& object, const char* operation,
+                                              bool reaches, MakeArguments&& makeArguments)
+        : m_Reaches(reaches) {
         Quietly([&] {
-            m_Place = std::string(object) + '.' + operation;
+            m_Place = object + '.' + operation;
+            HostCall::HostCallsBack();
             Checker::Get().Called(m_Place);
+            if (!m_Reaches) return;
             m_Event.direction = record::Event::Direction::ToModule;
             m_Event.phase = record::Event::Phase::Call;
             m_Event.object = object;
             m_Event.operation = operation;
             m_Event.arguments = makeArguments();
-            Checker::Get().events.Write(m_Event);
+            Checker::Get().Record(m_Event);
         });
     }
     ~ModuleCall() {
+        if (!m_Reaches) return;
         Quietly([&] {
             m_Event.phase = record::Event::Phase::Return;
             m_Event.arguments.clear();
-            Checker::Get().events.Write(m_Event);
+            Checker::Get().Record(m_Event);
         });
     }
     ModuleCall(const ModuleCall&) = delete;
@@ -78,6 +84,7 @@ public:
     }
 
 private:
+    const bool m_Reaches;
     std::string m_Place;
     record::Event m_Event;
 };
@@ -100,7 +107,9 @@ public:
 /// One object of the module.
 template <class Interface> class ModuleProxy : public Interface {
 public:
-    explicit ModuleProxy(const char* name, Interface* real) : m_Name(name), m_Real(real) {}
+    ModuleProxy(std::string label, Interface* real) : label(std::move(label)), m_Real(real) {}
+
+    const std::string label; ///< in the record: the interface, with "#2" behind it for a second one
 
     const char* GetInterfaceName() override {
         return Ask(
@@ -123,7 +132,9 @@ public:
             [](Interface& real) { return real.GetComponentVersion(); });
     }
     IOrnInterface* GetInterface(const char* name) override {
-        ModuleCall call(m_Name, "GetInterface", [&] { return Fields{{"name", Shown(name)}}; });
+        ModuleCall call(label, "GetInterface", CanBeCalled(), [&] {
+            return Fields{{"name", Shown(name)}};
+        });
         name = call.Checked(name);
         IOrnInterface* const found =
             CanBeCalled(call) ? Offered(m_Real->GetInterface(name)) : nullptr;
@@ -131,7 +142,7 @@ public:
         return found;
     }
     void ReleaseInterface(IOrnInterface* object) override {
-        ModuleCall call(m_Name, "ReleaseInterface", [&] {
+        ModuleCall call(label, "ReleaseInterface", CanBeCalled(), [&] {
             return Fields{{"object", object != nullptr}};
         });
         if (CanBeCalled(call)) m_Real->ReleaseInterface(nullptr); // which does nothing
@@ -145,16 +156,17 @@ protected:
     /// What GetInterface hands out.
     virtual IOrnInterface* Offered(IOrnInterface* found) { return found; }
 
-    bool CanBeCalled(ModuleCall& call) {
+    bool CanBeCalled() const { return !m_IsDestroyed && m_Real != nullptr; }
+    bool CanBeCalled(ModuleCall& call) const {
         if (m_IsDestroyed)
             call.Tell(Rule::AfterDestroy, "its component has been destroyed; it is not called");
-        return !m_IsDestroyed && m_Real != nullptr;
+        return CanBeCalled();
     }
 
     /// Makes a call that has nothing but what it returns.
     template <class MakeArguments, class Make>
     auto Ask(const char* operation, MakeArguments&& makeArguments, Make&& make) {
-        ModuleCall call(m_Name, operation, makeArguments);
+        ModuleCall call(label, operation, CanBeCalled(), makeArguments);
         decltype(make(*m_Real)) answer{};
         if (CanBeCalled(call)) answer = make(*m_Real);
         call.Result("return", answer);
@@ -163,7 +175,7 @@ protected:
 
     /// The text of GetLastError, of either component.
     void TellLastError(char* buffer, int32_t size) {
-        ModuleCall call(m_Name, "GetLastError", [&] {
+        ModuleCall call(label, "GetLastError", CanBeCalled(), [&] {
             return Fields{{"buffer", buffer != nullptr}, {"size", size}};
         });
         if (!CanBeCalled(call)) return;
@@ -178,7 +190,6 @@ protected:
         return copy ? Value(*copy) : Value(nullptr);
     }
 
-    const char* const m_Name;
     Interface* const m_Real;
 
 private:
@@ -192,7 +203,7 @@ public:
     explicit SuppProxy(IOrnKVETMSupp* real) : ModuleProxy(ORN_KVETM_SUPP, real) {}
 
     bool InitBoardFile(const char* directory, char* value, uint32_t size, int32_t* mode) override {
-        ModuleCall call(m_Name, "InitBoardFile", [&] {
+        ModuleCall call(label, "InitBoardFile", CanBeCalled(), [&] {
             return Fields{{"directory", Shown(directory)},
                           {"value", value != nullptr},
                           {"size", size},
@@ -219,7 +230,8 @@ public:
 
 class CtrlProxy final : public ModuleProxy<IOrnKVETMCtrl> {
 public:
-    CtrlProxy(int32_t row, IOrnKVETMCtrl* real) : ModuleProxy(ORN_KVETM_CTRL, real), row(row) {}
+    CtrlProxy(std::string label, int32_t row, IOrnKVETMCtrl* real)
+        : ModuleProxy(std::move(label), real), row(row) {}
 
     const int32_t row;
     IOrnKVETMCtrl* Real() const { return m_Real; }
@@ -255,17 +267,26 @@ public:
     }
 
     int32_t AttachInterface(const char* name, IOrnInterface* object) override {
-        ModuleCall call(m_Name, "AttachInterface", [&] {
+        HostSide* side = nullptr;
+        Quietly([&] {
+            const std::optional<std::string> text = name != nullptr ? CopyText(name) : std::nullopt;
+            if (text) side = Checker::Get().Wrap(*text, object);
+        });
+        ModuleCall call(label, "AttachInterface", CanBeCalled(), [&] {
             return Fields{{"name", Shown(name)},
-                          {"object", object != nullptr ? Shown(name) : nullptr}};
+                          {"object", side != nullptr     ? Value(side->label)
+                                     : object != nullptr ? Shown(name)
+                                                         : nullptr}};
         });
         name = call.Checked(name);
-        return call.Returned(CanBeCalled(call) ? Attach(name, object) : -1);
+        return call.Returned(CanBeCalled(call) ? Attach(name, object, side) : -1);
     }
     int32_t DetachInterface(const char* name) override {
-        ModuleCall call(m_Name, "DetachInterface", [&] { return Fields{{"name", Shown(name)}}; });
+        ModuleCall call(label, "DetachInterface", CanBeCalled(), [&] {
+            return Fields{{"name", Shown(name)}};
+        });
         name = call.Checked(name);
-        return call.Returned(CanBeCalled(call) ? Attach(name, nullptr) : -1);
+        return call.Returned(CanBeCalled(call) ? Attach(name, nullptr, nullptr) : -1);
     }
     int32_t GetImplementedCount() override {
         return Ask(
@@ -302,14 +323,18 @@ public:
             [&](IOrnKVETMCtrl& real) { return real.GetRequiredOption(index); });
     }
     IOrnInterface* GetAttachedInterface(const char* name) override {
-        ModuleCall call(m_Name, "GetAttachedInterface", [&] {
+        ModuleCall call(label, "GetAttachedInterface", CanBeCalled(), [&] {
             return Fields{{"name", Shown(name)}};
         });
         name = call.Checked(name);
         if (!CanBeCalled(call)) return nullptr;
-        IOrnInterface* const attached = m_Real->GetAttachedInterface(name);
-        call.Result("return", attached != nullptr ? name : nullptr);
-        return Checker::Get().Original(attached);
+        IOrnInterface* attached = m_Real->GetAttachedInterface(name);
+        Quietly([&] {
+            HostSide* const side = Checker::Get().Find(attached);
+            call.Result("return", side != nullptr ? side->label.c_str() : nullptr);
+            if (side != nullptr) attached = side->object;
+        });
+        return attached;
     }
 
     bool Init(uint32_t option) override {
@@ -347,10 +372,8 @@ protected:
     IOrnInterface* Offered(IOrnInterface* found) override;
 
 private:
-    int32_t Attach(const char* name, IOrnInterface* object) {
-        HostSide* side = nullptr;
+    int32_t Attach(const char* name, IOrnInterface* object, HostSide* side) {
         Quietly([&] {
-            side = name != nullptr ? Checker::Get().Wrap(name, object) : nullptr;
             if (side != nullptr) side->Introduce();
         });
         // What the module does not know it gets as it is, and refuses.
@@ -380,68 +403,73 @@ public:
     }
 
     IOrnInterface* CreateRowObject(int32_t row) override {
-        ModuleCall call(m_Name, "CreateRowObject", [&] { return Fields{{"row", row}}; });
+        ModuleCall call(label, "CreateRowObject", m_Real != nullptr, [&] {
+            return Fields{{"row", row}};
+        });
         IOrnInterface* const made = m_Real != nullptr ? m_Real->CreateRowObject(row) : nullptr;
         CtrlProxy* proxy = nullptr;
         Quietly([&] {
             if (made == nullptr) return;
             const std::lock_guard lock(m_Mutex);
-            proxy =
-                m_Components.emplace_back(new CtrlProxy(row, static_cast<IOrnKVETMCtrl*>(made)));
+            proxy = new CtrlProxy(FreeLabel(), row, static_cast<IOrnKVETMCtrl*>(made));
+            m_Components.push_back(proxy);
             Checker::Get().ComponentMade();
         });
-        call.Result("return", proxy != nullptr ? ORN_KVETM_CTRL : nullptr);
+        call.Result("return", proxy != nullptr ? proxy->label.c_str() : nullptr);
         return proxy;
     }
 
     void DestroyRowObject(int32_t row, IOrnInterface* object) override {
-        ModuleCall call(m_Name, "DestroyRowObject", [&] {
-            return Fields{{"row", row},
-                          {"object", Text(object != nullptr ? ORN_KVETM_CTRL : nullptr)}};
-        });
-        if (object == nullptr || m_Real == nullptr) return;
         CtrlProxy* proxy = nullptr;
         bool last = false;
-        Quietly([&] { proxy = TakeComponent(call, row, object, last); });
-        if (proxy == nullptr) return;
+        Quietly([&] { proxy = TakeComponent(row, object, last); });
+        ModuleCall call(label, "DestroyRowObject", proxy != nullptr, [&] {
+            return Fields{{"row", row}, {"object", proxy->label}};
+        });
+        if (proxy == nullptr) {
+            if (object != nullptr && m_Real != nullptr)
+                call.Tell(Rule::WrongDestroy, "this is no component that CreateRowObject has made "
+                                              "from that row and that is there; nothing is done");
+            return;
+        }
         Quietly([&] { Checker::Get().ComponentGone(last); });
         m_Real->DestroyRowObject(row, proxy->Real());
         if (last) Quietly([] { Checker::Get().findings.Summarize(); });
     }
 
     void SetModulePath(const char* path) override {
-        ModuleCall call(m_Name, "SetModulePath", [&] { return Fields{{"path", Shown(path)}}; });
-        path = call.Checked(path);
+        // The host means the file that it has loaded. What else it says it says to the module.
         const char* told = path;
         Quietly([&] {
-            m_Path = path != nullptr ? path : "";
+            m_Path = path != nullptr ? CopyText(path).value_or("") : "";
             const bool isOwn = IsSameFile(m_Path, OwnFile());
             Checker::Get().PathTold(m_Path,
                                     IsFullPath(m_Path) && (isOwn || IsSameFile(m_Path, m_File)));
-            // The host means the file that it has loaded. What else it says it says to the module.
             if (isOwn || SplitPath(m_Path).name == SplitPath(OwnFile()).name) told = m_File.c_str();
         });
+        ModuleCall call(label, "SetModulePath", m_Real != nullptr, [&] {
+            return Fields{{"path", Shown(told)}};
+        });
+        told = call.Checked(told);
         if (m_Real != nullptr) m_Real->SetModulePath(told);
     }
     const char* GetModulePath() override {
-        return Ask(
-            "GetModulePath", kNoArguments,
-            [&](IOrnAPIBase&) -> const char* { return m_Path.empty() ? nullptr : m_Path.c_str(); });
+        Ask("GetModulePath", kNoArguments, [](IOrnAPIBase& real) { return real.GetModulePath(); });
+        return m_Path.empty() ? nullptr : m_Path.c_str();
     }
 
     void SetAPI(IOrnInterface* api) override {
-        ModuleCall call(m_Name, "SetAPI", [&] {
-            return Fields{{"api", Text(api != nullptr ? ORN_API : nullptr)}};
+        HostSide* side = nullptr;
+        Quietly([&] { side = Checker::Get().Wrap(ORN_API, api); });
+        ModuleCall call(label, "SetAPI", m_Real != nullptr, [&] {
+            return Fields{{"api", side != nullptr ? Value(side->label) : nullptr}};
         });
-        IOrnInterface* proxy = api;
         Quietly([&] {
-            HostSide* const side = Checker::Get().Wrap(ORN_API, api);
             if (side == nullptr) return;
             Checker::Get().ApiTold();
             side->Look(); // the module asks it for its name
-            proxy = side->Proxy();
         });
-        if (m_Real != nullptr) m_Real->SetAPI(proxy);
+        if (m_Real != nullptr) m_Real->SetAPI(side != nullptr ? side->Proxy() : nullptr);
     }
 
     /// Returns what stands in for the support component `real`.
@@ -454,28 +482,32 @@ public:
 
 private:
     /// Returns the component that the host gives up, or null.
-    CtrlProxy* TakeComponent(ModuleCall& call, int32_t row, IOrnInterface* object, bool& last) {
+    CtrlProxy* TakeComponent(int32_t row, IOrnInterface* object, bool& last) {
         const std::lock_guard lock(m_Mutex);
         CtrlProxy* taken = nullptr;
         last = true;
         for (CtrlProxy* made : m_Components) {
             if (made->IsDestroyed()) continue;
-            if (made == object)
+            if (made == object && made->row == row)
                 taken = made;
             else
                 last = false;
         }
-        if (taken == nullptr || taken->row != row) {
-            call.Tell(Rule::WrongDestroy,
-                      taken == nullptr ? "this object is none that CreateRowObject has made, "
-                                         "or destroyed already; nothing is done"
-                                       : "the row is another than that of CreateRowObject; "
-                                         "nothing is done");
-            return nullptr;
-        }
+        if (taken == nullptr) return nullptr;
         taken->SetDestroyed();
         if (last && !m_Supports.empty()) m_Supports.back()->SetDestroyed();
         return taken;
+    }
+
+    /// Returns a label that no component has that is there.
+    std::string FreeLabel() const {
+        std::string free = ORN_KVETM_CTRL;
+        const auto isTaken = [&](const CtrlProxy* made) {
+            return !made->IsDestroyed() && made->label == free;
+        };
+        for (int number = 2; std::ranges::any_of(m_Components, isTaken); ++number)
+            free = ORN_KVETM_CTRL + ("#" + std::to_string(number));
+        return free;
     }
 
     const char* NameOf(const char* operation, int32_t row,

@@ -320,7 +320,8 @@ void DescribeEvents(CLI::App& app, OutputOptions& options) {
 }
 
 void DescribeFaults(CLI::App& app, Options& options) {
-    for (const char* name : {"open", "apply", "init-board", "drive", "tour", "run", "show"}) {
+    for (const char* name :
+         {"open", "apply", "init-board", "drive", "tour", "check", "run", "show"}) {
         CLI::App* command = app.get_subcommand(name);
         command
             ->add_option("--fail", options.failures,
@@ -409,11 +410,11 @@ void Describe(CLI::App& app, Options& options) {
                 "Go through the dialog off-screen, take pictures and print the conversation"),
         options.drive);
     DescribeEvents(app, options.output);
-    DescribeFaults(app, options);
     CLI::App* check = command(
         "check", "Hold this host to the rules of the contract: the module runs behind the checker");
     check->add_flag("--rules", options.rules, "List the rules, with a sentence each");
     check->parse_complete_callback([&options] { options.drive.offScreen = true; });
+    DescribeFaults(app, options);
     command("help", "Tell about a command")
         ->add_option("COMMAND", options.topic, "The command; without one, about the program")
         ->type_name("COMMANDS");
