@@ -424,7 +424,8 @@ public:
         bool last = false;
         Quietly([&] { proxy = TakeComponent(row, object, last); });
         ModuleCall call(label, "DestroyRowObject", proxy != nullptr, [&] {
-            return Fields{{"row", row}, {"object", proxy->label}};
+            return Fields{{"row", row},
+                          {"object", proxy != nullptr ? Value(proxy->label) : nullptr}};
         });
         if (proxy == nullptr) {
             if (object != nullptr && m_Real != nullptr)
