@@ -55,9 +55,9 @@ Checker& Checker::Get() {
 Checker::Checker()
     : findings(std::getenv("KVETM_CHECK_REPORT"), IsSet("KVETM_CHECK_QUIET"),
                [this](const std::string& line) { events.Note("KVETMHostCheck: " + line); }) {
-    if (!IsSet("KVETM_CHECK_JOURNAL")) return;
-    const std::string file = std::getenv("KVETM_CHECK_JOURNAL");
-    std::FILE* const out = std::fopen(file.c_str(), "wb");
+    const char* const file = std::getenv("KVETM_CHECK_JOURNAL");
+    if (file == nullptr || *file == '\0') return;
+    std::FILE* const out = std::fopen(file, "wb");
     if (out == nullptr) {
         findings.Complain("cannot write the recording " + Quote(file));
         return;

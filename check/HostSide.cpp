@@ -185,7 +185,7 @@ void HostCall::Result(const char* name, record::Value value) {
     m_Event.results.emplace_back(name, std::move(value));
 }
 
-void HostCall::Replace(const char* name, record::Value value) {
+void HostCall::Replace(const char* name, const record::Value& value) {
     for (auto& [known, old] : m_Event.results)
         if (known == name) old = value;
 }

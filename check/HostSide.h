@@ -102,7 +102,7 @@ public:
         return value;
     }
     void Result(const char* name, record::Value value);
-    void Replace(const char* name, record::Value value);
+    void Replace(const char* name, const record::Value& value);
     void Refuse(const std::string& reason);
 
     void Tell(Rule rule, const std::string& what) const;

@@ -90,6 +90,7 @@ const char* AddressIn(const link_map& object, ElfW(Sxword) tag) {
         if (entry->d_tag != tag) continue;
         // The loader has usually turned it into an address; on some systems it can't.
         const ElfW(Addr) address = entry->d_un.d_ptr;
+        // NOLINTNEXTLINE(performance-no-int-to-ptr): the loader has numbers
         return reinterpret_cast<const char*>(address < object.l_addr ? address + object.l_addr
                                                                      : address);
     }
@@ -112,6 +113,7 @@ int Contains(dl_phdr_info* info, size_t, void* object) {
     for (int i = 0; i < info->dlpi_phnum; ++i) {
         const ElfW(Phdr)& part = info->dlpi_phdr[i];
         if (part.p_type != PT_LOAD || (part.p_flags & PF_R) == 0) continue;
+        // NOLINTNEXTLINE(performance-no-int-to-ptr): the loader has numbers
         const auto* const begin = reinterpret_cast<const char*>(info->dlpi_addr + part.p_vaddr);
         if (memmem(begin, part.p_memsz, kHelper, sizeof kHelper - 1) != nullptr) return 1;
     }
