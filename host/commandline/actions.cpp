@@ -41,8 +41,8 @@ const char* DescribeState(const Capture& capture) {
 
 } // namespace
 
-Status ShowChips(std::ostream& out) {
-    for (const Chip& chip : Chips())
+Status ShowChips(std::span<const Chip> chips, std::ostream& out) {
+    for (const Chip& chip : chips)
         out << std::left << std::setw(15) << chip.name << chip.description << '\n';
     return kDone;
 }

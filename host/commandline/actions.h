@@ -3,6 +3,7 @@
 #pragma once
 
 #include <iosfwd>
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
@@ -17,7 +18,7 @@ inline constexpr const char* kProgram = "etmhost";
 /// Exit statuses.
 enum Status : int {
     kDone = 0,
-    kFailed = 1,   ///< the target refused a command, or the module failed
+    kFailed = 1,   ///< the target refused a command, the module failed, or a replay differs
     kBadInput = 2, ///< there was nothing to work with
 };
 
@@ -25,19 +26,19 @@ enum Status : int {
 inline constexpr std::pair<Status, const char*> kStatusMeanings[] = {
     {kDone, "Everything was done"},
     {kFailed, "The target refused a command, the module failed, a script did not find what it "
-              "expects, or a check found a breach; standard error tells which"},
+              "expects, a check found a breach, or a replay differs; standard error tells which"},
     {kBadInput, "There was nothing to work with: the command line, a file, the connection or the "
                 "output is no good; standard error tells why"},
 };
 
-/// Lists the chips.
-Status ShowChips(std::ostream& out);
+/// Lists chips.
+Status ShowChips(std::span<const Chip> chips, std::ostream& out);
 
 /// Prints what the host's target is and holds.
 Status ShowTarget(SimulatedHost& host, std::ostream& out);
 
 /// The same for programs, as JSON. Bytes that are no UTF-8 become U+FFFD.
-Status ShowChipsJson(std::ostream& out);
+Status ShowChipsJson(std::span<const Chip> chips, std::ostream& out);
 Status ShowTargetJson(SimulatedHost& host, std::ostream& out);
 
 /// Carries out `commands` in order but for remarks, which begin with "#", and prints those that

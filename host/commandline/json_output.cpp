@@ -79,9 +79,9 @@ OrderedJson FromDwt(const std::vector<DwtComparator>& comparators) {
 
 } // namespace
 
-Status ShowChipsJson(std::ostream& out) {
+Status ShowChipsJson(std::span<const Chip> chips, std::ostream& out) {
     OrderedJson list = OrderedJson::array();
-    for (const Chip& chip : Chips()) list.push_back(FromHardware(Target(chip).hardware()));
+    for (const Chip& chip : chips) list.push_back(FromHardware(Target(chip).hardware()));
     Print(out, list);
     return kDone;
 }

@@ -25,6 +25,8 @@ namespace {
 
 struct Options {
     std::string chip = "arm926";
+    std::string chipFile;
+    std::string variant; // of the chip in that file
     std::string remote;
     std::vector<std::string> bases;
     uint16_t port = 0; // of the server
@@ -36,6 +38,8 @@ struct Options {
     std::string directory;
     std::vector<std::string> commands;
     DriveOptions drive;
+    std::string recording;
+    std::string targetOption; // one that chooses a target, or does something with it
     bool dark = false;
     std::vector<std::string> failures, delays;
     OutputOptions output;
@@ -56,7 +60,7 @@ std::filesystem::path ModuleFile(const Options& options) {
 }
 
 /// Gives nothing if there is no script, or an unreadable one, which it says.
-std::optional<Script> PrepareScript(const std::string& command, const DriveOptions& options) {
+std::optional<ReadyScript> PrepareScript(const std::string& command, const DriveOptions& options) {
     if (command == "drive") return ReadScript(options.script, std::cerr);
     if (command == "tour" && !TakesPictures())
         throw HostError("this build of etmhost has no tour: it was made without Qt");
@@ -64,7 +68,7 @@ std::optional<Script> PrepareScript(const std::string& command, const DriveOptio
 }
 
 Status RunWithModule(const std::string& command, const Options& options,
-                     const std::optional<Script>& script, SimulatedHost& host) {
+                     const std::optional<ReadyScript>& script, SimulatedHost& host) {
     Screen screen;
     if (script)
         screen = PrepareDrivenScreen(options.drive, options.dark);
@@ -89,7 +93,8 @@ Status RunWithModule(const std::string& command, const Options& options,
 }
 
 // The same behind the checker.
-Status Check(const Options& options, const std::optional<Script>& script, SimulatedHost& host) {
+Status Check(const Options& options, const std::optional<ReadyScript>& script,
+             SimulatedHost& host) {
     const LoadedModule module(ModuleFile(options)); // which is known to be one then
     const CheckReport report(module.path());
     const Status status = RunWithModule("check", options, script, host);
@@ -108,8 +113,8 @@ std::vector<std::string> ReadCommands(std::istream& in) {
 }
 
 // Carries out a command that works on the target.
-Status Work(const std::string& command, const Options& options, const std::optional<Script>& script,
-            SimulatedHost& host) {
+Status Work(const std::string& command, const Options& options,
+            const std::optional<ReadyScript>& script, SimulatedHost& host) {
     const OutputOptions& output = options.output;
     if (output.dryRun) std::cout << Remarks(kDryRun) << std::flush;
     std::optional<BoardFilesBefore> files;
@@ -140,12 +145,6 @@ Status Work(const std::string& command, const Options& options, const std::optio
     return status;
 }
 
-std::vector<std::string> ChipNames() {
-    std::vector<std::string> names;
-    for (const Chip& chip : Chips()) names.push_back(chip.name);
-    return names;
-}
-
 void CheckDirectory(const std::string& directory) {
     if (directory.empty()) return; // the module's
     const std::filesystem::path path = ToPath(directory);
@@ -156,35 +155,92 @@ void CheckDirectory(const std::string& directory) {
         throw HostError("cannot read directory \"" + Escape(directory) + "\"");
 }
 
-void CheckChip(const Options& options) {
-    if (options.isRemote || FindChip(options.chip) != nullptr) return;
-    throw HostError(
-        "there is no chip \"" + Escape(options.chip) + "\"" +
-        DidYouMean(options.chip, ChipNames(), "\"etmhost chips\" lists those there are"));
+std::vector<std::string> NamesOf(std::span<const Chip> chips) {
+    std::vector<std::string> names;
+    for (const Chip& chip : chips) names.push_back(chip.name);
+    return names;
+}
+
+// Returns the chip to simulate; any if there is a real one.
+Chip ChooseChip(const Options& options) {
+    if (options.chipFile.empty()) {
+        if (const Chip* chip = FindChip(options.chip)) return *chip;
+        throw HostError(
+            "there is no chip \"" + Escape(options.chip) + "\"" +
+            DidYouMean(options.chip, NamesOf(Chips()), "\"etmhost chips\" lists those there are"));
+    }
+    const std::vector<Chip> chips = ReadChips(ToPath(options.chipFile));
+    if (options.variant.empty()) return chips.front();
+    std::vector<std::string> variants;
+    for (const Chip& chip : chips) {
+        variants.push_back(chip.name.substr(std::min(chip.name.size(), chips[0].name.size() + 1)));
+        if (!variants.back().empty() && EqualNoCase(variants.back(), options.variant)) return chip;
+    }
+    throw HostError("chip file \"" + Escape(options.chipFile) + "\": there is no option \"" +
+                    Escape(options.variant) + "\"" + DidYouMean(options.variant, variants));
 }
 
 // The file is emptied at the beginning: it must not be one that is read.
 void CheckJournalFile(const Options& options) {
     const std::string& name = options.output.journalFile;
     if (name.empty()) return;
-    for (const std::string& read :
-         {options.state, options.symbols, options.module, options.drive.script}) {
+    for (const std::string& read : {options.state, options.symbols, options.module,
+                                    options.drive.script, options.recording}) {
         std::error_code error;
         if (!read.empty() && std::filesystem::equivalent(ToPath(name), ToPath(read), error))
             throw HostError("--journal-file \"" + Escape(name) + "\": this file is read");
     }
 }
 
-std::unique_ptr<SimulatedHost> MakeHost(const Options& options, record::EventStream& events) {
+std::unique_ptr<SimulatedHost> MakeHost(const Options& options, const Chip& chip,
+                                        record::EventStream& events) {
     Symbols symbols = options.symbols.empty() ? Symbols() : ReadSymbols(ToPath(options.symbols));
     if (options.isRemote)
         return MakeRemoteHost(options.remote, options.bases, std::move(symbols), events,
                               options.output.dryRun, std::cerr);
-    return std::make_unique<SimulatedHost>(*FindChip(options.chip), std::move(symbols), events);
+    try {
+        return std::make_unique<SimulatedHost>(chip, std::move(symbols), events);
+    } catch (const BusError& error) { // as of a real chip that makes no sense
+        throw HostError("chip \"" + chip.name + "\": " + error.what());
+    }
 }
 
 std::string ProgramName() {
     return std::string(kProgram) + " " ETMHOST_VERSION;
+}
+
+// Answers the module from a recording. The person is a script, the one that was recorded, or who
+// sits at the screen.
+Status RunReplay(const Options& options) {
+    if (!options.targetOption.empty())
+        throw HostError("replay: the recording stands in place of a target; " +
+                        options.targetOption + " has no say beside it");
+    const Recording recording = ReadRecording(ToPath(options.recording));
+    std::optional<Script> script;
+    if (!options.drive.script.empty()) {
+        std::optional<ReadyScript> read =
+            ReadScript(options.drive.script, std::cerr, !options.drive.pictures.empty());
+        if (!read) return kBadInput;
+        script = std::move(read->script);
+    } else if (recording.script) {
+        script = ParseScript(recording.script->name, recording.script->text);
+        if (!script->errors.empty())
+            throw HostError("\"" + Escape(recording.name) +
+                            "\": the script in it is damaged: " + script->errors.front().text);
+    }
+    if (!options.drive.pictures.empty()) PreparePictures("replay", options.drive.pictures);
+    CheckJournalFile(options);
+    Outputs outputs(options.output, ProgramName());
+    Screen screen;
+    if (script)
+        screen = PrepareDrivenScreen(options.drive, options.dark);
+    else if (options.dark)
+        screen = PrepareDarkScreen();
+    LoadedModule module(ModuleFile(options));
+    const Status status =
+        ReplayWith(script ? &*script : nullptr, recording, module.object(), outputs.events(),
+                   options.drive.pictures, std::cout, std::cerr);
+    return outputs.Failed() ? kBadInput : status;
 }
 
 void TellUnmet(const Faults& faults, record::EventStream& events) {
@@ -192,21 +248,27 @@ void TellUnmet(const Faults& faults, record::EventStream& events) {
 }
 
 Status Run(const std::string& command, const Options& options) {
-    if (command == "chips") return options.json ? ShowChipsJson(std::cout) : ShowChips(std::cout);
+    if (command == "replay") return RunReplay(options);
     if (options.rules) return ListRules(std::cout);
+    if (command == "chips") {
+        const std::vector<Chip> own =
+            options.chipFile.empty() ? std::vector<Chip>() : ReadChips(ToPath(options.chipFile));
+        const std::span<const Chip> chips = own.empty() ? Chips() : own;
+        return options.json ? ShowChipsJson(chips, std::cout) : ShowChips(chips, std::cout);
+    }
     CheckDirectory(options.directory);
     if (command == "check" && options.isRemote)
         throw HostError(
             "a chip behind a debug server is not changed for a check; --chip chooses one");
     if (command == "serve" && options.isRemote)
         throw HostError("a chip behind a debug server cannot be served; --chip chooses one");
-    std::optional<Script> script;
+    std::optional<ReadyScript> script;
     if (command == "tour" || command == "drive" || command == "check") {
         script = PrepareScript(command, options.drive);
         if (!script) return kBadInput;
         if (!options.drive.pictures.empty()) PreparePictures(command, options.drive.pictures);
     }
-    CheckChip(options);
+    const Chip chip = ChooseChip(options);
     CheckJournalFile(options);
     OutputOptions output = options.output;
     output.journal |= command == "tour";
@@ -215,7 +277,7 @@ Status Run(const std::string& command, const Options& options) {
     Faults faults(outputs.events());
     for (const std::string& text : options.failures) faults.Fail(text);
     for (const std::string& text : options.delays) faults.Delay(text);
-    const std::unique_ptr<SimulatedHost> made = MakeHost(options, outputs.events());
+    const std::unique_ptr<SimulatedHost> made = MakeHost(options, chip, outputs.events());
     SimulatedHost& host = *made;
     if (!options.failures.empty() || !options.delays.empty()) host.PutInFront(faults);
     TellTarget(host, output.dryRun);
@@ -240,10 +302,10 @@ Status Run(const std::string& command, const Options& options) {
     }
     if (command == "show" ||
         command == "serve") { // which change nothing that would have to be kept
-        const Status status = command == "serve" ? ServeChip(host, *FindChip(options.chip),
-                                                             options.port, options.once, std::cout)
-                              : options.json     ? ShowTargetJson(host, std::cout)
-                                                 : ShowTarget(host, std::cout);
+        const Status status = command == "serve"
+                                  ? ServeChip(host, chip, options.port, options.once, std::cout)
+                              : options.json ? ShowTargetJson(host, std::cout)
+                                             : ShowTarget(host, std::cout);
         TellUnmet(faults, host.events);
         return outputs.Failed() ? kBadInput : status;
     }
@@ -319,6 +381,26 @@ void DescribeEvents(CLI::App& app, OutputOptions& options) {
     }
 }
 
+void DescribeReplay(CLI::App* replay, Options& options) {
+    replay
+        ->add_option("RECORDING", options.recording,
+                     "A file of --journal-file, of this host or of another that was recorded")
+        ->required()
+        ->type_name("FILE");
+    replay
+        ->add_option("--drive", options.drive.script,
+                     "A script for the person, as \"etmhost drive\" takes it. Without it the one "
+                     "that was recorded, or else who sits at the screen")
+        ->type_name("FILE");
+    replay->add_flag("--off-screen", options.drive.offScreen,
+                     "Show no windows, also where there is a screen");
+    replay
+        ->add_option("--pictures", options.drive.pictures,
+                     "Receives the pictures of the script; made if missing. Without it none are "
+                     "taken")
+        ->type_name("DIR");
+}
+
 void DescribeFaults(CLI::App& app, Options& options) {
     for (const char* name :
          {"open", "apply", "init-board", "drive", "tour", "check", "run", "show"}) {
@@ -353,7 +435,16 @@ void Describe(CLI::App& app, Options& options) {
                        "of an OpenOCD that runs (recommended), or gdb:[HOST:]PORT")
             ->type_name("SERVER")
             ->excludes(chip);
-    app.parse_complete_callback([&options, remote] { options.isRemote = remote->count() > 0; });
+    CLI::Option* chipFile =
+        app.add_option("--chip-file", options.chipFile,
+                       "The chip to simulate as FILE describes it; docs/chips.md has the keys")
+            ->type_name("FILE")
+            ->excludes(chip)
+            ->excludes(remote);
+    app.add_option("--variant", options.variant,
+                   "What the chip of --chip-file is with the option NAME of that file")
+        ->type_name("NAME")
+        ->needs(chipFile);
     app.add_option("--base", options.bases,
                    "Where a real chip has components that its ROM table does not list: "
                    "etm=ADDRESS, tpiu=, etb=, dwt=, or the table itself, rom=")
@@ -375,6 +466,11 @@ void Describe(CLI::App& app, Options& options) {
                    "docs/etmhost.md has the keys")
         ->type_name("FILE");
     app.add_flag("--dark", options.dark, "Show windows in dark colours");
+    app.parse_complete_callback([&app, &options, remote] {
+        options.isRemote = remote->count() > 0;
+        for (const char* name : {"--chip", "--chip-file", "--remote", "--state", "--symbols"})
+            if (app.get_option(name)->count() > 0) options.targetOption = name;
+    });
 
     const auto command = [&app](const char* name, const char* text) {
         CLI::App* sub = app.add_subcommand(name, text);
@@ -409,6 +505,9 @@ void Describe(CLI::App& app, Options& options) {
         command("tour",
                 "Go through the dialog off-screen, take pictures and print the conversation"),
         options.drive);
+    DescribeReplay(command("replay", "Answer the module from a recording, and tell the first call "
+                                     "that differs"),
+                   options);
     DescribeEvents(app, options.output);
     CLI::App* check = command(
         "check", "Hold this host to the rules of the contract: the module runs behind the checker");
@@ -426,7 +525,7 @@ void Describe(CLI::App& app, Options& options) {
 
 // The values of the command line that are known when a completion is made.
 KnownValues Values() {
-    KnownValues values = {{"CHIP", ChipNames()},
+    KnownValues values = {{"CHIP", NamesOf(Chips())},
                           {"SERVER", {"openocd:", "gdb:"}},
                           {"NAME=ADDRESS", {"rom=", "etm=", "tpiu=", "etb=", "dwt="}},
                           {"LANGUAGE", {}}};

@@ -47,6 +47,7 @@ bool Interpreter::Tick(uint64_t now) {
                          : 1;
     try {
         const FrontWindow front = m_User.Front();
+        if (const char* reason = m_GivenUp) Fail(line, reason);
         if (!m_Failure.empty()) return CloseOne(front, now);
         const bool arrived = m_Next == m_Script.steps.size();
         if (front.kind == FrontWindow::None) return WaitFor(line, "a window", "none there", now);
@@ -56,6 +57,10 @@ bool Interpreter::Tick(uint64_t now) {
             return true;
         }
         if (arrived) return WaitFor(line, "the windows to close", Described(front) + " open", now);
+        if (m_Wait && m_Wait()) {
+            m_Since = now;
+            return false;
+        }
         return TryStep(m_Script.steps[m_Next], front, now);
     } catch (const std::exception& error) {
         Fail(line, error.what());
@@ -91,7 +96,7 @@ bool Interpreter::TryStep(const Step& step, const FrontWindow& front, uint64_t n
         Make(step, step.text, [] {});
         return true;
     case Step::Picture:
-        m_User.TakePicture(m_Pictures / step.text);
+        if (m_TakesPictures) m_User.TakePicture(m_Pictures / step.text);
         m_Taken.insert(step.text);
         Make(step, "picture " + step.text, [] {});
         return true;

@@ -30,12 +30,20 @@ public:
 
     /// Where pictures are written.
     void SetPictures(std::filesystem::path directory) { m_Pictures = std::move(directory); }
+    /// Has the steps that take pictures take none, and counts them as taken.
+    void TakeNoPictures() { m_TakesPictures = false; }
+    /// Has each step wait as long as `wait` returns true. It is called on the thread of Tick.
+    void SetWait(std::function<bool()> wait) { m_Wait = std::move(wait); }
     /// Called where a window cannot be closed after a failure; may end the process.
     void OnStuck(std::function<void()> stuck) { m_Stuck = std::move(stuck); }
 
     /// Makes the next step, or looks whether it can be made. `now` is a steady clock in ms. Returns
     /// whether something was done.
     bool Tick(uint64_t now);
+
+    /// Has the script end as behind a failure, which is `reason` unless there is one already. May
+    /// be called on any thread, before and during a Tick; `reason` is static.
+    void GiveUp(const char* reason) { m_GivenUp = reason; }
 
     /// Call it when the last window has closed: steps that are left are a failure.
     void End();
@@ -75,6 +83,9 @@ private:
     const Told m_Told;
     std::filesystem::path m_Pictures;
     std::function<void()> m_Stuck;
+    std::function<bool()> m_Wait;
+    bool m_TakesPictures = true;
+    std::atomic<const char*> m_GivenUp = nullptr;
     size_t m_Next = 0;
     bool m_BoxExpected = false; // the box in front, by the step before
     size_t m_Seen;              // the step that was next at the last Tick

@@ -245,6 +245,13 @@ record::EventStream& SimulatedHost::Unheard() {
     return stream;
 }
 
+void SimulatedHost::TellInterfaces() {
+    for (const record::Fields& fields :
+         std::vector{api.Described(), trace.Described(), traceClient.Described(),
+                     xTraceClient.Described(), xTrace.Described(), emu.Described()})
+        events.Tell("interface", fields);
+}
+
 void SimulatedHost::PutInFront(Faults& faults) {
     m_Front = std::make_unique<AnsweredHost>(
         faults, [this](const std::string& name) { return FindOwn(name); });

@@ -29,7 +29,7 @@ using Transaction = std::function<void(const std::function<void()>& change)>;
 template <class Interface> class RecordedObject : public HostObject<Interface> {
 public:
     RecordedObject(const char* name, int32_t version, record::EventStream& events)
-        : HostObject<Interface>(name, version, "etmhost", 100), m_Events(events) {}
+        : HostObject<Interface>(name, version, kComponent, kComponentVersion), m_Events(events) {}
 
     const char* GetInterfaceName() override {
         Tell("GetInterfaceName", {}, {{"return", this->m_Name}});
@@ -57,7 +57,19 @@ public:
         Tell("ReleaseInterface", {{"object", object != nullptr}}, {});
     }
 
+    /// Returns what the six operations answer to who asks, without being asked.
+    record::Fields Described() const {
+        return {{"object", this->m_Name},
+                {"name", this->m_Name},
+                {"version", this->m_Version},
+                {"component", kComponent},
+                {"componentVersion", kComponentVersion}};
+    }
+
 protected:
+    static constexpr const char* kComponent = "etmhost";
+    static constexpr int32_t kComponentVersion = 100;
+
     /// Tells of a call of the module, when it is done.
     void Tell(const char* operation, record::Fields arguments, record::Fields results,
               Refusal refusal = {}) {
@@ -135,6 +147,9 @@ public:
     /// Returns the interface `name`, or null: what stands in front of the object, if there is
     /// something.
     IOrnInterface* Find(const std::string& name);
+
+    /// Tells what the objects are that Find gives.
+    void TellInterfaces();
 
     /// Has whoever comes from now on meet `faults` ahead of the objects. It must outlive the host.
     void PutInFront(Faults& faults);

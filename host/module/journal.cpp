@@ -42,15 +42,6 @@ std::string Shown(const Event& event, const Value* value) {
                                               : std::to_string(*number);
 }
 
-std::string CallOf(const Event& event) {
-    std::string call = IsOneOf(event.operation, kOfIdentity) ? event.object + "." : "";
-    call += event.operation;
-    for (const auto& argument : event.arguments)
-        if (!std::holds_alternative<bool>(argument.second)) // else it is for a result
-            call += " " + Shown(event, &argument.second);
-    return call;
-}
-
 std::string AnswerOf(const Event& event) {
     const std::string& operation = event.operation;
     const bool done = record::IsTrue(event.results, "return");
@@ -85,8 +76,21 @@ std::string StepOf(const Event& event) {
 
 } // namespace
 
+std::string ValueWords(const Event& event, const Value& value) {
+    return Shown(event, &value);
+}
+
+std::string CallWords(const Event& event) {
+    std::string call = IsOneOf(event.operation, kOfIdentity) ? event.object + "." : "";
+    call += event.operation;
+    for (const auto& argument : event.arguments)
+        if (!std::holds_alternative<bool>(argument.second)) // else it is for a result
+            call += " " + Shown(event, &argument.second);
+    return call;
+}
+
 std::string JournalLine(const Event& event) {
-    if (event.direction == Direction::ToHost) return CallOf(event) + " -> " + AnswerOf(event);
+    if (event.direction == Direction::ToHost) return CallWords(event) + " -> " + AnswerOf(event);
     const std::string step = event.direction == Direction::ToModule ? StepOf(event)
                              : event.operation == "step" ? record::TextOf(event.arguments, "text")
                                                          : "";
@@ -95,7 +99,7 @@ std::string JournalLine(const Event& event) {
 
 std::string RefusedPart(const Event& event) {
     if (event.operation == "Command") return record::TextOf(event.arguments, "text");
-    if (event.operation != "Action") return CallOf(event);
+    if (event.operation != "Action") return CallWords(event);
     const std::string action = record::TextOf(event.arguments, "action");
     std::string_view expression = action;
     TakeWord(expression);

@@ -13,6 +13,10 @@ namespace etmhost {
 /// only a machine wants to know. A refusal has its reason behind it.
 std::string JournalLine(const record::Event& event);
 
+/// Returns a call without its answer, and one value of it, as they stand there.
+std::string CallWords(const record::Event& event);
+std::string ValueWords(const record::Event& event, const record::Value& value);
+
 /// Returns what a refusal is about: a command as it is, of an action what it works on, or the call.
 std::string RefusedPart(const record::Event& event);
 

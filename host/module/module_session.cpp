@@ -33,6 +33,7 @@ ModuleSession::ModuleSession(IOrnAPIBase& module, const std::string& path, Simul
         m_Module.SetModulePath(path.c_str());
         return record::Fields();
     });
+    m_Host.TellInterfaces();
     SetAPI(m_Host.Find(ORN_API));
     FindRow();
     if (m_Control == nullptr) {

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <map>
 #include <optional>
 #include <span>
@@ -64,8 +65,11 @@ struct Chip {
     const ChipComponent* Find(ChipComponent::Kind kind) const;
 };
 
+/// The largest file with a description that is read, in bytes.
+inline constexpr size_t kLargestChipFile = 1 << 20;
+
 /// Reads a description, and returns the chip and those that its options make of it. Throws
-/// HostError with what is wrong.
+/// HostError with what is wrong and where: "components[1].registers.ETMCR: it is no number".
 ///
 ///     {"name": "x", "description": "one line", "info": "text of the Status page",
 ///      "portSizes": [4, 8],              of the ETM's own port, where there is no TPIU
@@ -83,7 +87,10 @@ struct Chip {
 /// Registers go by the names of ETM registers or by offset; numbers may be texts such as "0x10".
 std::vector<Chip> ParseChips(std::string_view json);
 
-/// Returns all chips, the default one first.
+/// Reads the description in `file`. Throws HostError that names the file.
+std::vector<Chip> ReadChips(const std::filesystem::path& file);
+
+/// Returns all chips of the program, the default one first.
 std::span<const Chip> Chips();
 
 /// Returns the chip `name`, letters in any case, or null.

@@ -149,7 +149,7 @@ TEST_F(CommandLine, JsonHoldsWhateverTheTargetHolds) {
               "{\"data\":\"none\",\"dataBegin\":null,\"dataEnd\":null,\"dataPending\":false,"
               "\"halfRate\":false,\"pc\":\"startStop\",\"pcBegin\":\"0\",\"pcEnd\":null,"
               "\"pcPending\":false,\"portSize\":4,\"trigger\":null}");
-    ShowChipsJson(chips);
+    ShowChipsJson(Chips(), chips);
     EXPECT_EQ(nlohmann::json::parse(chips.str())[4], json["target"]);
     EXPECT_EQ(Run("chips --json").output, chips.str());
     EXPECT_EQ(nlohmann::json::parse(Run("show --json").output)["target"]["name"], "arm926");
@@ -432,6 +432,70 @@ TEST_F(CommandLine, TheJournalFileHoldsTheJournal) {
               "etmhost: --journal-file \"" + kept + "\": this file is read\n");
     EXPECT_EQ(Run(file(kept) + " --chip z80 show").status, 2);
     EXPECT_EQ(std::filesystem::file_size(kept), 11u);
+}
+
+// The person of a replay is the recorded script or another one. A capture that was looked at more
+// often, or that went on between two clicks, is the same one.
+TEST_F(CommandLine, ARecordingReplaysUntilSomethingDiffers) {
+    const std::string offScreen = onWindows ? "" : " --off-screen";
+    const std::string record = directory.PathOf("record"), again = directory.PathOf("again");
+    const std::string file = " --journal-file \"" + record + "\"";
+    const auto replay = [&](const std::string& options = "") {
+        return Run("replay \"" + record + "\"" + offScreen + options);
+    };
+    const std::string script = directory.Write("script", kSession);
+    Run("drive \"" + script + "\"" + offScreen + file + " --fail \"Command:etm pc*@2=no room\"");
+    const Outcome same = replay(" --journal-file \"" + again + "\"");
+    EXPECT_EQ(same.status, 0);
+    EXPECT_THAT(same.output, testing::EndsWith(" calls, no difference\n"));
+    EXPECT_EQ(same.errors, "etm pc=to 0x20: no room\n") << "as it was refused";
+    directory.Write("script", "click 1000\nif window \"ETM Configuration\"\nok\nend\ncancel\n");
+    const Outcome other = replay(" --drive \"" + script + "\"");
+    EXPECT_EQ(other.status, 1);
+    EXPECT_THAT(other.errors, HasSubstr("expected HasFeature 0x4000000, got Open -> yes\n"));
+    directory.Write("script", "expect enabled 9\n");
+    EXPECT_THAT(replay(" --drive \"" + script + "\"").errors,
+                StartsWith(script + ":1: expected 9"));
+    EXPECT_THAT(replay(" --chip arm7").errors, HasSubstr("--chip has no say beside it\n"));
+    const std::string whole = directory.Read("record");
+    for (const auto& [end, status, message] :
+         {std::tuple(
+              whole.rfind("{\"direction\":\"toModule\",\"phase\":\"return\",\"object\":\"IOrnKVETM"
+                          "Ctrl\",\"operation\":\"Open\""),
+              1, "expected nothing more: the recording ends here, while Open (line "),
+          std::tuple(whole.size() - 5, 2, "the last line is cut off: ")}) {
+        directory.Write("record", whole.substr(0, end));
+        const Outcome early = replay();
+        EXPECT_EQ(early.status, status);
+        EXPECT_THAT(early.errors, HasSubstr(message));
+    }
+    if (onWindows) return; // which has no tour
+    for (const std::string chip : {"arm926", "cortex-m3"}) {
+        SCOPED_TRACE(chip);
+        Run("tour \"" + directory.Path() + "\" --chip " + chip + file);
+        EXPECT_EQ(replay().errors, "");
+    }
+    std::string text = directory.Read("record");
+    const auto line = [&](const std::string& operation, const std::string& arguments,
+                          const std::string& results = "") {
+        return "{\"direction\":\"toHost\",\"object\":\"IOrnVETMTrace\",\"operation\":\"" +
+               operation + "\",\"arguments\":{" + arguments + "}" + results;
+    };
+    const auto state = [&](const std::string& word) {
+        return line("GetTraceState", "\"detail\":true",
+                    ",\"results\":{\"return\":" + word + "}}\n");
+    };
+    const size_t asked = text.rfind(line("HasFeature", "\"feature\":33554432"));
+    const size_t after = text.find(line("HasFeature", "\"feature\":67108864"), asked);
+    const std::string questions = text.substr(asked, after - asked);
+    text.insert(text.find(line("Command", "\"text\":\"stop\",\"stream\":false")),
+                state("4") + state("4") + state("6") + questions + state("4") + questions);
+    const size_t altered = text.find("ETM PORTSIZE");
+    directory.Write("record", text.replace(altered, 3, "etm"));
+    const auto lines = std::count(text.data(), text.data() + altered, '\n');
+    EXPECT_EQ(replay().errors,
+              record + ":" + std::to_string(lines + 1) + ": this line is not as it was recorded\n")
+        << "the person has waited for what has news";
 }
 
 // On a terminal of 60 columns: one line that overwrites itself, and nothing that a terminal would
