@@ -172,9 +172,9 @@ Chip ChooseChip(const Options& options) {
     const std::vector<Chip> chips = ReadChips(ToPath(options.chipFile));
     if (options.variant.empty()) return chips.front();
     std::vector<std::string> variants;
-    for (const Chip& chip : chips) {
-        variants.push_back(chip.name.substr(std::min(chip.name.size(), chips[0].name.size() + 1)));
-        if (!variants.back().empty() && EqualNoCase(variants.back(), options.variant)) return chip;
+    for (const Chip& chip : std::span(chips).subspan(1)) {
+        variants.push_back(chip.name.substr(chips.front().name.size() + 1));
+        if (EqualNoCase(variants.back(), options.variant)) return chip;
     }
     throw HostError("chip file \"" + Escape(options.chipFile) + "\": there is no option \"" +
                     Escape(options.variant) + "\"" + DidYouMean(options.variant, variants));

@@ -26,6 +26,7 @@ constexpr size_t kMostComponents = 64;
 constexpr size_t kMostOptions = 16;
 constexpr size_t kLongestName = 64, kLongestText = 4096;
 constexpr int kDeepest = 16;
+constexpr size_t kMostTold = 300; // bytes of what is wrong
 
 constexpr struct {
     const char* name;
@@ -43,7 +44,8 @@ public:
     Node(const Json& json, std::string place) : m_Json(json), m_Place(std::move(place)) {}
 
     [[noreturn]] void Refuse(const std::string& reason) const {
-        throw HostError((m_Place.empty() ? "" : Escape(m_Place) + ": ") + reason);
+        throw HostError((m_Place.empty() ? "" : Escape(m_Place.substr(0, kMostTold)) + ": ") +
+                        reason);
     }
 
     const std::string& place() const { return m_Place; }
@@ -265,7 +267,7 @@ Json ParseJson(std::string_view text) {
             });
     } catch (const Json::exception& error) {
         const std::string reason = error.what(); // with a code in brackets ahead
-        throw HostError(Escape(reason.substr(reason.find("] ") + 2)));
+        throw HostError(Escape(reason.substr(reason.find("] ") + 2, kMostTold)));
     }
 }
 
@@ -287,6 +289,7 @@ std::vector<Chip> ParseChips(std::string_view text) {
     for (const auto& [option, changes] : options->Members(kMostOptions)) {
         if (option.empty() || option != Escape(option))
             changes.Refuse("it is no name of an option");
+        changes.Find("name"); // that is, an object
         Json changed = json;
         changed.merge_patch(json["options"][option]);
         changed["name"] = chips.front().name + "-" + option;

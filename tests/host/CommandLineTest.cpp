@@ -93,6 +93,11 @@ TEST_F(CommandLine, BadInputEndsWithStatus2AndAMessage) {
         {"drive - --pictures \"\"", "--pictures: a DIR is expected, not \"\""},
         {"run x --fail Comand:x", "--fail \"Comand:x\": the host has no operation \"Comand\"; did"},
         {"show --remote gdb:1 --chip arm7", "--chip cannot stand beside --remote"},
+        {"show --chip-file " + text, "text\": parse error at line 1, column 2: "},
+        {"show --chip-file " + here, "cannot read chip file"},
+        {"show --variant etb", "--variant needs --chip-file"},
+        {"show --chip arm7 --chip-file x", "--chip cannot stand beside --chip-file"},
+        {"replay " + text, "text:1: the last line is cut off: parse error at column 2: "},
         {"serve --port 65536", "--port: a PORT is expected, not \"65536\""},
         {"show --state \"\"", "--state: a FILE is expected, not \"\""},
         {"show --chip z80", "there is no chip \"z80\"; \"etmhost chips\" lists"},
@@ -152,6 +157,15 @@ TEST_F(CommandLine, JsonHoldsWhateverTheTargetHolds) {
     ShowChipsJson(Chips(), chips);
     EXPECT_EQ(nlohmann::json::parse(chips.str())[4], json["target"]);
     EXPECT_EQ(Run("chips --json").output, chips.str());
+    const std::string file = "show --chip-file \"" +
+                             directory.Write("chip", R"({"name": "x", "description": "", "info": "",
+            "components": [{"kind": "etm"}], "portSizes": [4], "sink": {"kind": "port"},
+            "options": {"wide": {"description": "16 bits"}}})") +
+                             "\"";
+    EXPECT_THAT(Run(file).output, AllOf(StartsWith("x: "), HasSubstr("PORTSIZE = 4\n")));
+    EXPECT_THAT(Run(file + " --variant wide").output, StartsWith("x-wide: 16 bits\n"));
+    EXPECT_THAT(Run(file + " --variant wade").errors,
+                HasSubstr("\"wade\"; did you mean \"wide\"?"));
     EXPECT_EQ(nlohmann::json::parse(Run("show --json").output)["target"]["name"], "arm926");
 }
 

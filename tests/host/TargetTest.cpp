@@ -5,9 +5,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <nlohmann/json.hpp>
 #include <random>
 
 #include "frame/interfaces/IOrnVETMTrace.h"
+#include "host/support/host_error.h"
 #include "host/support/words.h"
 #include "host/target/OverlayBus.h"
 #include "host/target/command.h"
@@ -18,6 +20,7 @@ namespace {
 
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+using ::testing::StartsWith;
 
 const Symbols kMainAlone = {{"main", 0x8000}};
 
@@ -228,6 +231,74 @@ TEST(Overlay, ActsAsTheChipAndLeavesItAlone) {
         }
         EXPECT_EQ(below.chip->registers, held);
     }
+}
+
+// What is wrong with a description, and where.
+TEST(Chips, ADescriptionIsRefusedByThePlace) {
+    const auto whole = nlohmann::json::parse(R"({"name": "x", "description": "", "info": "",
+        "components": [{"kind": "etm"}], "portSizes": [4], "sink": {"kind": "port"},
+        "options": {"etb": {}}})");
+    const auto refusal = [](const std::string& text) -> std::string {
+        try {
+            EXPECT_EQ(ParseChips(text).back().name, "x-etb");
+        } catch (const HostError& error) {
+            return error.what();
+        }
+        return "";
+    };
+    const struct {
+        const char *patch, *text;
+    } rows[] = {
+        {"{}", ""},
+        {R"({"name": null})", "its \"name\" is missing"},
+        {R"({"name": ""})", "name: it is empty"},
+        {R"({"description": "a\nb"})", "description: there is a control character in it"},
+        {R"({"info": "\u0000"})", "info: there is a NUL in it"},
+        {R"({"info": 7})", "info: it is no text"},
+        {R"({"portSizes": [4, 33]})", "portSizes[1]: it is more than 0x20"},
+        {R"({"portSizes": ["0"]})", "portSizes[0]: a port of 0 bits"},
+        {R"({"portSizes": null})", "its \"portSizes\" are missing, and there is no tpiu"},
+        {R"({"romTable": {"part": 1}})", "romTable: its \"address\" is missing"},
+        {R"({"romTable": {"part": 1, "address": 0}})", "components[0]: it is where the ROM table"},
+        {R"({"romTable": {"part": 4096, "address": 4096}})",
+         "romTable.part: it is more than 0xFFF"},
+        {R"({"sink": {"kind": "drain"}})",
+         "sink.kind: there is no such kind: emulator, buffer, port"},
+        {R"({"sink": {"kind": "emulator"}})", "sink: its \"words\" is missing"},
+        {R"({"sink": {"kind": "buffer"}})", "sink: a buffer needs an etb among the components"},
+        {R"({"sink": []})", "sink: it is no object"},
+        {R"({"components": []})", "components: there is no etm"},
+        {R"({"components": {}})", "components: it is no array"},
+        {R"({"components": [{"kind": "etm"}, 7]})", "components[1]: it is no object"},
+        {R"({"components": [{"kind": "etm"}, {"kind": "dwt"}]})",
+         "components[1]: it is at 0x0, as components[0]"},
+        {R"({"components": [{"kind": "etm", "address": 256}]})",
+         "components[0].address: it is inside a page of 4 KB"},
+        {R"({"components": [{"kind": "etm", "lock": 1}]})",
+         "components[0].lock: it is neither true nor false"},
+        {R"({"components": [{"kind": "etm", "registers": {"0x2": 0}}]})",
+         "components[0].registers.0x2: there is no register of that name or offset"},
+        {R"({"components": [{"kind": "etm", "registers": {"ETMCR": "0x1q"}}]})",
+         "components[0].registers.ETMCR: it is no number"},
+        {R"({"components": [{"kind": "tpiu"}]})", "components[0]: a tpiu needs \"portSizes\""},
+        {R"({"components": [{"kind": "tpiu", "portSizes": [1], "current": 2}]})",
+         "components[0].current: a size that is not among its \"portSizes\""},
+        {R"({"components": [{"kind": "etb"}]})",
+         "components[0]: an etb needs \"words\", more than 0"},
+        {R"({"components": [{"kind": "dwt", "comparators": 16}]})",
+         "components[0].comparators: it is more than 0xF"},
+        {R"({"options": {"etb": {"sink": {"kind": "buffer"}}}})",
+         "options.etb: sink: a buffer needs an etb among the components"},
+        {R"({"options": {"etb": 7}})", "options.etb: it is no object"},
+    };
+    for (const auto& [patch, text] : rows) {
+        nlohmann::json changed = whole;
+        changed.merge_patch(nlohmann::json::parse(patch));
+        EXPECT_THAT(refusal(changed.dump()), StartsWith(text)) << patch;
+        EXPECT_EQ(refusal(changed.dump()).empty(), std::string(text).empty()) << patch;
+    }
+    EXPECT_THAT(refusal("{\n1"), StartsWith("parse error at line 2, column 1: "));
+    EXPECT_EQ(refusal(std::string(1000000, '[')), "it is nested too deep");
 }
 
 TEST(Discovery, RefusesByNameWhatItCannotDrive) {

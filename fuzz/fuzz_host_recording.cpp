@@ -1,0 +1,39 @@
+// Any bytes as a recording: it is refused by its line, or the module is led through it.
+
+#include <cstdlib>
+
+#include "host/replay/Replay.h"
+#include "host/support/host_error.h"
+#include "toolkit/CWinApp.h"
+#include "toolkit/headless/HeadlessDisplay.h"
+
+using namespace etmhost;
+
+namespace {
+
+void Require(bool holds) {
+    if (!holds) std::abort();
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    try {
+        const Recording recording =
+            ParseRecording("r", {reinterpret_cast<const char*>(data), size});
+        Require(!recording.calls.empty() && recording.calls.back().line <= recording.lines);
+        HeadlessDisplay display; // on which whoever opens a dialog cancels it
+        AfxGetApp()->UseDisplay(&display);
+        record::EventStream events;
+        {
+            Replay replay(recording, *OrnDLL(), events);
+            replay.Run();
+            Require(replay.difference() || replay.count() > 0);
+            Require(!replay.difference() || replay.difference()->line <= recording.lines + 1);
+        }
+        AfxGetApp()->UseDisplay(nullptr);
+    } catch (const HostError& error) {
+        Require(*error.what() == 'r' || *error.what() == '"');
+    }
+    return 0;
+}
