@@ -108,7 +108,7 @@ std::chrono::milliseconds ParseTime(const std::string& text) {
     return std::chrono::milliseconds(*number * factor);
 }
 
-HostError Wrong(const char* option, const std::string& text, const HostError& error) {
+HostError Malformed(const char* option, const std::string& text, const HostError& error) {
     return HostError(std::string(option) + " \"" + Escape(text) + "\": " + error.what());
 }
 
@@ -159,7 +159,7 @@ void Faults::Fail(const std::string& text) {
         }
     }
     if (fault.readings.empty())
-        throw Wrong("--fail", text, wrong ? *wrong : HostError("an operation is missing"));
+        throw Malformed("--fail", text, wrong ? *wrong : HostError("an operation is missing"));
     m_Failures.push_back(std::move(fault));
 }
 
@@ -171,7 +171,7 @@ void Faults::Delay(const std::string& text) {
                             .readings = {ParseCalls(text.substr(0, end))},
                             .delay = ParseTime(text.substr(end + 1))});
     } catch (const HostError& error) {
-        throw Wrong("--delay", text, error);
+        throw Malformed("--delay", text, error);
     }
 }
 

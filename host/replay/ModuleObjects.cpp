@@ -74,7 +74,7 @@ Fields LastErrorOf(Component& component, const Arguments& call) {
     return {{"buffer", record::Text(text.data())}};
 }
 
-template <class Arguments> Fields InitBoardFile(const Arguments& call) {
+template <class Arguments> Fields InitBoardFileOf(const Arguments& call) {
     std::vector<char> text = call.Buffer();
     const uint32_t size = std::min(call.Unsigned("size"), static_cast<uint32_t>(text.size()));
     int32_t mode = 0;
@@ -145,7 +145,7 @@ ModuleObjects::Makers() {
         {"IOrnKVETMCtrl.Open", [](Objects&, const Call& call) { return Returned(call.Control().Open()); }},
         {"IOrnKVETMCtrl.Apply", [](Objects&, const Call& call) { return Returned(call.Control().Apply()); }},
         {"IOrnKVETMCtrl.GetLastError", [](Objects&, const Call& call) { return LastErrorOf(call.Control(), call); }},
-        {"IOrnKVETMSupp.InitBoardFile", [](Objects&, const Call& call) { return InitBoardFile(call); }},
+        {"IOrnKVETMSupp.InitBoardFile", [](Objects&, const Call& call) { return InitBoardFileOf(call); }},
         {"IOrnKVETMSupp.CanInitBoardFile", [](Objects&, const Call& call) { return Returned(call.Support().CanInitBoardFile()); }},
         {"IOrnKVETMSupp.GetLastError", [](Objects&, const Call& call) { return LastErrorOf(call.Support(), call); }},
     };

@@ -15,19 +15,19 @@ using record::Value;
 using Direction = Event::Direction;
 using Phase = Event::Phase;
 
-constexpr const char* kPoll = "GetTraceState";
+constexpr const char* kTraceState = "GetTraceState";
 constexpr const char* kLost = "The replay has gone another way than the recording";
-constexpr size_t kMostWords = 300;
+constexpr size_t kLongestWords = 300;
 
 // Two periods of the dialog's clock: as long, somebody polls.
 constexpr std::chrono::milliseconds kPollPatience(1300);
 
-std::string Cut(std::string text) {
-    if (text.size() > kMostWords) text.replace(kMostWords, text.size(), "...");
+std::string CutWords(std::string text) {
+    if (text.size() > kLongestWords) text.replace(kLongestWords, text.size(), "...");
     return text;
 }
 
-bool IsSame(const Fields& a, const Fields& b) {
+bool AreSame(const Fields& a, const Fields& b) {
     return a.size() == b.size() && std::ranges::all_of(
                                        a,
                                        [&b](const auto& field) {
@@ -37,7 +37,7 @@ bool IsSame(const Fields& a, const Fields& b) {
 }
 
 bool IsSameCall(const Event& a, const Event& b) {
-    return a.object == b.object && a.operation == b.operation && IsSame(a.arguments, b.arguments);
+    return a.object == b.object && a.operation == b.operation && AreSame(a.arguments, b.arguments);
 }
 
 bool IsSameState(const Event& a, const Event& b) {
@@ -46,8 +46,8 @@ bool IsSameState(const Event& a, const Event& b) {
     return one != nullptr && other != nullptr && *one == *other && a.refusal == b.refusal;
 }
 
-std::string Words(const Event& call) {
-    return Cut(CallWords(call));
+std::string ShortWords(const Event& call) {
+    return CutWords(CallWords(call));
 }
 
 // The end of a call, with all that came of it.
@@ -55,7 +55,7 @@ std::string EndWords(const Event& call) {
     std::string text = call.operation + " ->";
     for (const auto& [name, value] : call.results)
         text += (name == "return" ? " " : " " + name + " ") + ValueWords(call, value);
-    return Cut(text + (call.results.empty() ? " done" : ""));
+    return CutWords(text + (call.results.empty() ? " done" : ""));
 }
 
 // What words leave out: which pointers were null.
@@ -96,7 +96,7 @@ const RecordedCall* Replay::Next() const {
 bool Replay::IsPollNext() const {
     const RecordedCall* next = Next();
     return next != nullptr && next->event.direction == Direction::ToHost &&
-           next->event.phase == Phase::Whole && next->event.operation == kPoll;
+           next->event.phase == Phase::Whole && next->event.operation == kTraceState;
 }
 
 bool Replay::IsCallToModuleNext() const {
@@ -125,7 +125,7 @@ void Replay::SkipPolls() {
 
 void Replay::Call() {
     const auto& [line, call] = *Next();
-    if (!m_Module.Has(call.object)) return Differ(Words(call), "no " + call.object + " there");
+    if (!m_Module.Has(call.object)) return Differ(ShortWords(call), "no " + call.object + " there");
     Advance();
     m_Events.Write(call);
     m_Running.push_back(call.operation + " (line " + std::to_string(line) + ")");
@@ -139,7 +139,7 @@ void Replay::Call() {
     const RecordedCall* next = Next();
     const bool ends = next != nullptr && next->event.direction == Direction::ToModule &&
                       next->event.phase == Phase::Return;
-    if (!ends || !IsSame(next->event.results, end.results))
+    if (!ends || !AreSame(next->event.results, end.results))
         return Differ(Expected(), EndWords(end));
     m_Running.pop_back();
     ++m_Count;
@@ -160,11 +160,11 @@ void Replay::CallFromInside(bool skipPolls) {
 // --- The module's calls ----------------------------------------------------------------
 
 bool Replay::Answer(Event& call) {
-    const bool poll = call.operation == kPoll;
+    const bool poll = call.operation == kTraceState;
     if (poll) m_LastPoll = Clock::now().time_since_epoch().count();
     CallFromInside(!poll);
     const RecordedCall* next = Next();
-    const bool isPollOfOthers = poll && next != nullptr && next->event.operation == kPoll &&
+    const bool isPollOfOthers = poll && next != nullptr && next->event.operation == kTraceState &&
                                 next->event.phase == Phase::Call;
     if (!m_Difference && (!poll || isPollOfOthers)) {
         if (AnswerAsRecorded(call)) m_Events.Write(call);
@@ -184,7 +184,7 @@ void Replay::AnswerPoll(Event& call) {
     }
     const Event* state = m_State;
     for (size_t index = m_Next; state == nullptr && index < m_Recording.calls.size(); ++index)
-        if (m_Recording.calls[index].event.operation == kPoll &&
+        if (m_Recording.calls[index].event.operation == kTraceState &&
             !m_Recording.calls[index].event.results.empty())
             state = &m_Recording.calls[index].event;
     call.results = state != nullptr ? state->results : FailureOf(call, kLost);
@@ -196,7 +196,7 @@ bool Replay::AnswerAsRecorded(Event& call) {
     const RecordedCall* next = Next();
     if (next == nullptr || next->event.direction != Direction::ToHost ||
         next->event.phase == Phase::Return || !IsSameCall(next->event, call)) {
-        const std::string expected = Expected(), got = Words(call);
+        const std::string expected = Expected(), got = ShortWords(call);
         Differ(expected, got + (got == expected ? PointerWords(call) : ""));
         return false;
     }
@@ -207,7 +207,7 @@ bool Replay::AnswerAsRecorded(Event& call) {
         if (m_Difference) return false;
         if (Next() == nullptr || Next()->event.direction != Direction::ToHost ||
             Next()->event.phase != Phase::Return) {
-            Differ(Expected(), Words(call));
+            Differ(Expected(), ShortWords(call));
             return false;
         }
         answer = &Next()->event;
@@ -228,7 +228,8 @@ std::string Replay::Expected() const {
                (m_Running.empty() ? "" : ", while " + m_Running.front() + " runs");
     const Event& event = next->event;
     if (event.phase == Phase::Return) return EndWords(event);
-    return event.direction == Direction::ToHost ? Words(event) : "the host's call " + Words(event);
+    return event.direction == Direction::ToHost ? ShortWords(event)
+                                                : "the host's call " + ShortWords(event);
 }
 
 void Replay::Differ(const std::string& expected, const std::string& got) {

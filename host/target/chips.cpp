@@ -25,7 +25,7 @@ constexpr uint32_t kDeepestBuffer = 1 << 24; // in words
 constexpr size_t kMostComponents = 64;
 constexpr size_t kMostOptions = 16;
 constexpr size_t kLongestName = 64, kLongestText = 4096;
-constexpr int kDeepest = 16;
+constexpr int kDeepestDescription = 16;
 constexpr size_t kMostTold = 300; // bytes of what is wrong
 
 constexpr struct {
@@ -262,7 +262,7 @@ Json ParseJson(std::string_view text) {
         return Json::parse(
             text,
             [](int depth, Json::parse_event_t, const Json&) {
-                if (depth > kDeepest) throw HostError("it is nested too deep");
+                if (depth > kDeepestDescription) throw HostError("it is nested too deep");
                 return true;
             });
     } catch (const Json::exception& error) {
