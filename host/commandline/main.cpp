@@ -7,6 +7,7 @@
 #include <sstream>
 
 #include "host/commandline/check.h"
+#include "host/commandline/choose_chip.h"
 #include "host/commandline/dry_run.h"
 #include "host/commandline/outputs.h"
 #include "host/commandline/parser.h"
@@ -155,31 +156,6 @@ void CheckDirectory(const std::string& directory) {
         throw HostError("cannot read directory \"" + Escape(directory) + "\"");
 }
 
-std::vector<std::string> NamesOf(std::span<const Chip> chips) {
-    std::vector<std::string> names;
-    for (const Chip& chip : chips) names.push_back(chip.name);
-    return names;
-}
-
-// Returns the chip to simulate; any if there is a real one.
-Chip ChooseChip(const Options& options) {
-    if (options.chipFile.empty()) {
-        if (const Chip* chip = FindChip(options.chip)) return *chip;
-        throw HostError(
-            "there is no chip \"" + Escape(options.chip) + "\"" +
-            DidYouMean(options.chip, NamesOf(Chips()), "\"etmhost chips\" lists those there are"));
-    }
-    const std::vector<Chip> chips = ReadChips(ToPath(options.chipFile));
-    if (options.variant.empty()) return chips.front();
-    std::vector<std::string> variants;
-    for (const Chip& chip : std::span(chips).subspan(1)) {
-        variants.push_back(chip.name.substr(chips.front().name.size() + 1));
-        if (EqualNoCase(variants.back(), options.variant)) return chip;
-    }
-    throw HostError("chip file \"" + Escape(options.chipFile) + "\": there is no option \"" +
-                    Escape(options.variant) + "\"" + DidYouMean(options.variant, variants));
-}
-
 // The file is emptied at the beginning: it must not be one that is read.
 void CheckJournalFile(const Options& options) {
     const std::string& name = options.output.journalFile;
@@ -268,7 +244,7 @@ Status Run(const std::string& command, const Options& options) {
         if (!script) return kBadInput;
         if (!options.drive.pictures.empty()) PreparePictures(command, options.drive.pictures);
     }
-    const Chip chip = ChooseChip(options);
+    const Chip chip = ChooseChip(options.chip, options.chipFile, options.variant);
     CheckJournalFile(options);
     OutputOptions output = options.output;
     output.journal |= command == "tour";
