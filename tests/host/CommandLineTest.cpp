@@ -213,7 +213,7 @@ TEST_F(CommandLine, PagesAndPipes) {
                   "\"$1\" chips >/dev/full; echo $?\n"
                   "{ sleep 0.2; \"$1\" chips; echo $? >&2; } | true\n");
     const Outcome outcome = Run("", "bash \"" + script + "\" ");
-    EXPECT_EQ(outcome.output, "11\n2\n") << "all commands; nothing could be written";
+    EXPECT_EQ(outcome.output, "12\n2\n") << "all commands; nothing could be written";
     EXPECT_EQ(outcome.errors, "etmhost: cannot write to the standard output\n0\n");
 }
 
