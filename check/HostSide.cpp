@@ -210,7 +210,9 @@ OrnBool HostCall::Truth(OrnBool value) {
 const char* HostCall::Text(const char* text) {
     const std::lock_guard lock(m_Side.m_Mutex);
     KeptText& kept = m_Side.m_Text;
-    TellOfText(kept.Take(text, this, m_Side.IsThorough()), m_Place, kept.Words());
+    const KeptText::State state = kept.Take(text, this, m_Side.IsThorough());
+    TellOfText(state, m_Place, kept.Words());
+    m_HasText = state == KeptText::State::Fine;
     m_Side.m_TextPlace = m_Place;
     Result("return", record::Text(kept.Copy()));
     return kept.Copy();

@@ -107,6 +107,9 @@ public:
 
     void Tell(Rule rule, const std::string& what) const;
 
+    /// Whether the text that was returned can be judged: what is in free memory says nothing.
+    bool HasText() const { return m_HasText; }
+
     /// The host calls the module. Calls on this thread from inside which it does so are recorded
     /// ahead of that, and at their end once more.
     static void HostCallsBack();
@@ -120,6 +123,7 @@ private:
     const By m_By;
     std::string m_Place;
     bool m_Possible = false;
+    bool m_HasText = true;
     record::Event m_Event;
     HostCall* const m_Outer; // the call from inside which this one was made
 };

@@ -207,14 +207,14 @@ public:
             call.Text(call.Make([&] { return Host().GetSettingsLine(index); }));
         if (index == 0) m_EmptyLines = 0;
         const bool blankBefore = m_EmptyLines > 0;
-        m_EmptyLines = line != nullptr && *line == '\0' ? m_EmptyLines + 1 : 0;
+        m_EmptyLines = call.HasText() && line != nullptr && *line == '\0' ? m_EmptyLines + 1 : 0;
         const auto tell = [&](Rule rule, const std::string& what) {
             call.Tell(rule, "line " + std::to_string(index) + what);
         };
         if (line == nullptr && blankBefore)
             call.Tell(Rule::LinesEnd,
                       "line " + std::to_string(index - 1) + ", the last one, is an empty text");
-        if (line != nullptr && std::strpbrk(line, "\r\n") != nullptr)
+        if (call.HasText() && line != nullptr && std::strpbrk(line, "\r\n") != nullptr)
             tell(Rule::LineBreak, " has a line end: " + Quote(line));
         if (line != nullptr && index + 1 >= kMostLines)
             tell(Rule::LinesEnd, " is there still, and no null");
@@ -233,7 +233,7 @@ private:
         const char* const text = call.Text(answer);
         if (text == nullptr) return nullptr;
         call.Refuse(text);
-        if (*text == '\0')
+        if (call.HasText() && *text == '\0')
             call.Tell(Rule::EmptyRefusal, "it refuses with an empty text; null is success");
         return text;
     }
