@@ -10,21 +10,34 @@
 namespace {
 
 /// The dialog of a control that can take input now, or null: the control and its
-/// page are enabled and visible, and neither their dialog nor its sheet has ended. Nor
-/// does that wait for another window, unless the input `letsGo` of something begun
-/// before: there the window system stops a person, but no program that assists one.
-CDialog* DialogTakingInput(const CWnd& control, bool letsGo = false) {
+/// page are enabled and visible, and neither their dialog nor its sheet has ended.
+CDialog* DialogTakingInput(const CWnd& control) {
     if (!control.IsCreated()) return nullptr;
     for (const CWnd* window = &control; window != nullptr; window = window->GetParent()) {
         const auto* dialog = dynamic_cast<const CDialog*>(window);
         if (!window->IsWindowVisible() || !window->IsWindowEnabled()) return nullptr;
         if (dialog != nullptr && dialog->HasEnded()) return nullptr;
         // A top-level dialog takes input whatever its owner does.
-        if (dialog == nullptr || dynamic_cast<const CPropertyPage*>(dialog) != nullptr) continue;
-        if (AfxGetApp()->IsWaiting(*dialog) && !letsGo) return nullptr;
-        break;
+        if (dialog != nullptr && dynamic_cast<const CPropertyPage*>(dialog) == nullptr) break;
     }
     return dynamic_cast<CDialog*>(control.GetParent());
+}
+
+/// The top-level dialog of a control; null without one.
+const CDialog* WindowOf(const CWnd& control) {
+    for (const CWnd* window = &control; window != nullptr; window = window->GetParent()) {
+        const auto* dialog = dynamic_cast<const CDialog*>(window);
+        if (dialog != nullptr && dynamic_cast<const CPropertyPage*>(dialog) == nullptr)
+            return dialog;
+    }
+    return nullptr;
+}
+
+/// Whether the window of a control waits for one that was opened later. Window systems
+/// keep a person from it, but a program that assists one presses buttons by themselves.
+bool Waits(const CWnd& control) {
+    const CDialog* const dialog = WindowOf(control);
+    return dialog != nullptr && AfxGetApp()->IsWaiting(*dialog);
 }
 
 /// Whether a dialog, or the sheet of a page, has ended: its last repaints are no
@@ -57,7 +70,7 @@ void Report(CWnd& control, Change shown, Event event, unsigned drawStage, Work&&
     Handle(
         control,
         [&] {
-            CDialog* dialog = DialogTakingInput(control, event == Event::ReleasedCapture);
+            CDialog* dialog = DialogTakingInput(control);
             if (dialog == nullptr) return Refresh(control, shown);
             change(*dialog);
             Notification notification{control.GetDlgCtrlID(), event, drawStage};
@@ -70,15 +83,14 @@ void Report(CWnd& control, Change shown, Event event, unsigned drawStage, Work&&
 namespace input {
 
 void Click(CWnd& button) {
-    Report(
-        button, Change::Checked, Event::Clicked, 0,
-        [&](CDialog& dialog) {
-            auto* model = dynamic_cast<CButton*>(&button);
-            if (model == nullptr) return;
-            if (button.GetKind() == ControlKind::CheckBox) model->SetCheck(!model->GetCheck());
-            if (button.GetKind() == ControlKind::RadioButton) dialog.CheckRadioButton(*model);
-            Refresh(button, Change::Checked); // in case the display went ahead of the model
-        });
+    if (button.GetKind() == ControlKind::PushButton && Waits(button)) return;
+    Report(button, Change::Checked, Event::Clicked, 0, [&](CDialog& dialog) {
+        auto* model = dynamic_cast<CButton*>(&button);
+        if (model == nullptr) return;
+        if (button.GetKind() == ControlKind::CheckBox) model->SetCheck(!model->GetCheck());
+        if (button.GetKind() == ControlKind::RadioButton) dialog.CheckRadioButton(*model);
+        Refresh(button, Change::Checked); // in case the display went ahead of the model
+    });
 }
 
 void Type(CWnd& edit, std::string_view text) {

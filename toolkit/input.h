@@ -2,8 +2,7 @@
 //
 // Each function changes the model first and then lets the dialog react. None
 // throws: what a handler throws becomes a message box. Input for a control that
-// is disabled or hidden, or whose dialog waits for another window, is ignored, and the
-// display is refreshed instead.
+// is disabled or hidden is ignored, and the display is refreshed instead.
 
 #pragma once
 
@@ -14,7 +13,8 @@
 namespace input {
 
 /// A button was pressed, or a check box or radio button clicked. A check box
-/// changes over, a radio button becomes the one of its group.
+/// changes over, a radio button becomes the one of its group. A push button does nothing
+/// while its dialog waits for another window.
 void Click(CWnd& button);
 
 /// The text of an edit is now `text`.
