@@ -488,7 +488,7 @@ void Describe(CLI::App& app, Options& options) {
     CLI::App* check = command(
         "check", "Hold this host to the rules of the contract: the module runs behind the checker");
     check->add_flag("--rules", options.rules, "List the rules, with a sentence each");
-    check->parse_complete_callback([&options] { options.drive.offScreen = true; });
+    check->parse_complete_callback([&options] { options.drive.offScreen = TakesPictures(); });
     DescribeFaults(app, options);
     command("help", "Tell about a command")
         ->add_option("COMMAND", options.topic, "The command; without one, about the program")
