@@ -1,10 +1,11 @@
 #!/usr/bin/env python3
-"""A first host, in Python: loads the module, shows the "ETM Control" dialog for a chip that it makes
-up, and prints what the module sends to the chip. Slots and ids are the numbers of the headers.
-usage: host.py MODULE HELPER       HELPER is the library KVETMHostHelper"""
+"""A first host, in Python: shows the "ETM Control" dialog for a chip that it makes up, and prints what
+the module sends to it. usage: host.py MODULE HELPER     HELPER is the library KVETMHostHelper"""
 import os
 import sys
-from ctypes import *
+from ctypes import CDLL, CFUNCTYPE, addressof, c_size_t, c_void_p, create_string_buffer
+
+from orn import call, make, put, text
 
 REPORT = b"""ETM protocol version: 3\nETM architecture version: 1.3\nNumber of data comparators: 2
 Number of address comparator pairs: 4\nNumber of memory map decoders: 8\nNumber of counters: 2
@@ -14,34 +15,11 @@ Full-rate clocking supported: no\nMultiplexed  format  supported: no
 Demultiplexed format supported: no\n\0"""
 VALUES = {0x1000004: 0x30194824, 0x1000014: 0x2A, 5: 0x8088, 0: 0, 1: 524288, 2: 262144}
 BOARD = {b"BoardFile": b"/none"}
-KINDS = {"p": c_void_p, "t": c_char_p, "i": c_int32, "u": c_uint32, "b": c_uint8, "-": None}
-KEPT = []  # what the module looks at and Python must not free
-
-def text(words):
-    KEPT.append(c_char_p(words))
-    return cast(KEPT[-1], c_void_p).value
-
-def function(types):  # of the result, and of what stands behind the object
-    return CFUNCTYPE(KINDS[types[0]], c_void_p, *(KINDS[kind] for kind in types[1:]))
-
-def make(name, *slots):  # an object is a pointer to its table, whose first six slots all objects have
-    root = (("p", text(name)), ("i", 111), ("p", text(b"ExampleHost")), ("i", 100), ("pt", 0), ("-p", None))
-    table = [function(types)(act if callable(act) else lambda *_, answer=act: answer)
-             for types, act in root + slots]
-    KEPT.extend((table, (c_void_p * len(table))(*(cast(slot, c_void_p) for slot in table))))
-    KEPT.append(c_void_p(addressof(KEPT[-1])))
-    return name, addressof(KEPT[-1])
-
-def call(this, slot, types, *arguments):
-    return function(types)(cast(this, POINTER(POINTER(c_void_p)))[0][slot])(this, *arguments)
 
 def command(_, words, stream):
     print(words.decode())
     if stream:
         helper.orn_stream_write(c_void_p(stream), REPORT, c_size_t(len(REPORT)))
-
-def put(place, words):  # where the module wants to have them
-    return memmove(place, words, len(words)) == place
 
 LINES = {0: text(b"ETM PC = all"), 1: text(b"ETM PORTSIZE = 16")}
 OBJECTS = (
