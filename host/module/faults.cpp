@@ -1,7 +1,6 @@
 #include "host/module/faults.h"
 
 #include <algorithm>
-#include <charconv>
 #include <optional>
 #include <thread>
 
@@ -44,16 +43,6 @@ size_t NameableCount(const Operation& operation) {
     }));
 }
 
-std::optional<uint64_t> ToNumber(std::string_view text) {
-    const bool hex = text.starts_with("0x") || text.starts_with("0X");
-    if (hex) text.remove_prefix(2);
-    uint64_t number = 0;
-    const auto [end, error] =
-        std::from_chars(text.data(), text.data() + text.size(), number, hex ? 16 : 10);
-    if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
-    return number;
-}
-
 // Each * stands for any characters.
 bool TextIsLike(std::string_view text, std::string_view pattern) {
     size_t at = 0, from = 0, star = std::string_view::npos, resume = 0;
@@ -77,7 +66,7 @@ bool IsLike(const Value& value, const std::string& pattern) {
     if (const auto* text = std::get_if<std::string>(&value)) return TextIsLike(*text, pattern);
     const int64_t* number = std::get_if<int64_t>(&value);
     if (number == nullptr) return pattern == "*";
-    if (const std::optional<uint64_t> wanted = ToNumber(pattern))
+    if (const std::optional<uint64_t> wanted = ParseNumber(pattern))
         return *wanted == static_cast<uint64_t>(*number);
     return TextIsLike(std::to_string(*number), pattern) ||
            TextIsLike(Hex(static_cast<uint32_t>(*number)), pattern);
@@ -89,7 +78,7 @@ uint64_t TakeCount(std::string& text) {
     if (at == std::string::npos || at + 1 == text.size() ||
         !std::all_of(text.begin() + static_cast<std::ptrdiff_t>(at) + 1, text.end(), IsDigit))
         return 0;
-    const std::optional<uint64_t> count = ToNumber(std::string_view(text).substr(at + 1));
+    const std::optional<uint64_t> count = ParseNumber(std::string_view(text).substr(at + 1));
     if (!count || *count == 0)
         throw HostError("\"" + text.substr(at) + "\" is no count: the first call is @1");
     text.resize(at);
@@ -99,7 +88,7 @@ uint64_t TakeCount(std::string& text) {
 std::chrono::milliseconds ParseTime(const std::string& text) {
     const size_t digits = std::min(text.find_first_not_of("0123456789"), text.size());
     const std::string unit = text.substr(digits);
-    const std::optional<uint64_t> number = ToNumber(std::string_view(text).substr(0, digits));
+    const std::optional<uint64_t> number = ParseNumber(std::string_view(text).substr(0, digits));
     const uint64_t longest = static_cast<uint64_t>(kLongestDelay.count());
     const uint64_t factor = unit == "s" ? 1000 : 1;
     if (!number || (unit != "ms" && unit != "s") || *number == 0 || *number > longest / factor)
@@ -135,7 +124,7 @@ Faults::Calls Faults::ParseCalls(const std::string& text) {
         at = comma + 1;
         const Part& part = operation.arguments[calls.arguments.size()];
         if (pattern.empty()) throw HostError("an argument is missing behind \":\"");
-        if (part.kind == Part::Kind::Number && !ToNumber(pattern) &&
+        if (part.kind == Part::Kind::Number && !ParseNumber(pattern) &&
             pattern.find('*') == std::string::npos)
             throw HostError("\"" + Escape(pattern) + "\" is no number, which " + calls.operation +
                             " takes as its \"" + std::string(part.name) + "\"");

@@ -1,6 +1,6 @@
 #include "host/remote/tcl_answer.h"
 
-#include <charconv>
+#include "host/support/words.h"
 
 namespace etmhost {
 
@@ -57,16 +57,6 @@ bool TakeListWord(std::string_view& text, std::string& word) {
     return true;
 }
 
-std::optional<uint32_t> ParseNumber(std::string_view text) {
-    const bool hexadecimal = text.starts_with("0x") || text.starts_with("0X");
-    if (hexadecimal) text.remove_prefix(2);
-    uint32_t value = 0;
-    const auto [end, error] =
-        std::from_chars(text.data(), text.data() + text.size(), value, hexadecimal ? 16 : 10);
-    if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
-    return value;
-}
-
 } // namespace
 
 std::optional<std::vector<std::string>> ParseTclList(std::string_view text) {
@@ -91,9 +81,9 @@ std::optional<std::vector<uint32_t>> ParseTclNumbers(std::string_view value, siz
     if (!words || words->size() != count) return std::nullopt;
     std::vector<uint32_t> numbers;
     for (const std::string& word : *words) {
-        const std::optional<uint32_t> number = ParseNumber(word);
-        if (!number) return std::nullopt;
-        numbers.push_back(*number);
+        const std::optional<uint64_t> number = ParseNumber(word);
+        if (!number || *number > UINT32_MAX) return std::nullopt;
+        numbers.push_back(static_cast<uint32_t>(*number));
     }
     return numbers;
 }

@@ -1,6 +1,7 @@
 #include "host/support/words.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cstdio>
 #include <numeric>
 #include <utility>
@@ -123,6 +124,16 @@ std::string DidYouMean(std::string_view name, const std::vector<std::string>& na
         nearest = &*std::ranges::find_if(names, begun);
     if (nearest != nullptr) return "; did you mean \"" + *nearest + "\"?";
     return otherwise.empty() ? "" : "; " + otherwise;
+}
+
+std::optional<uint64_t> ParseNumber(std::string_view text) {
+    const bool hex = text.starts_with("0x") || text.starts_with("0X");
+    if (hex) text.remove_prefix(2);
+    uint64_t number = 0;
+    const char* const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, number, hex ? 16 : 10);
+    if (error != std::errc() || stop != end) return std::nullopt;
+    return number;
 }
 
 std::string YesNo(bool value) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -43,6 +44,10 @@ std::string Hex(uint32_t value);
 /// `otherwise`, if there is that.
 std::string DidYouMean(std::string_view name, const std::vector<std::string>& names,
                        const std::string& otherwise = {});
+
+/// Returns the whole number that `text` is, decimal or hexadecimal behind 0x; nothing if it is
+/// none, or takes more than 64 bits.
+std::optional<uint64_t> ParseNumber(std::string_view text);
 
 /// Returns "yes" or "no".
 std::string YesNo(bool value);

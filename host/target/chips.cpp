@@ -1,7 +1,6 @@
 #include "host/target/chips.h"
 
 #include <algorithm>
-#include <charconv>
 #include <fstream>
 #include <nlohmann/json.hpp>
 
@@ -103,15 +102,6 @@ public:
         return text;
     }
 
-    static std::optional<uint64_t> ParseNumber(const std::string& text) {
-        const bool hex = text.starts_with("0x") || text.starts_with("0X");
-        const char *begin = text.data() + (hex ? 2 : 0), *end = text.data() + text.size();
-        uint64_t number = 0;
-        const auto [stop, error] = std::from_chars(begin, end, number, hex ? 16 : 10);
-        if (error != std::errc() || stop != end) return std::nullopt;
-        return number;
-    }
-
 private:
     std::string Inside(const std::string& key) const {
         return m_Place + (m_Place.empty() ? "" : ".") + key;
@@ -153,7 +143,7 @@ uint32_t PageOf(const Node& address) {
 uint32_t RegisterOffset(const std::string& name, const Node& node) {
     for (const auto& entry : kNames)
         if (name == entry.name) return 4 * entry.number;
-    const std::optional<uint64_t> offset = Node::ParseNumber(name);
+    const std::optional<uint64_t> offset = ParseNumber(name);
     if (!offset || *offset >= kPageSize || *offset % 4 != 0)
         node.Refuse("there is no register of that name or offset");
     return static_cast<uint32_t>(*offset);
