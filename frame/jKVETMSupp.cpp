@@ -13,8 +13,8 @@
 namespace {
 
 /// The board selection of the settings record.
-struct Selection {
-    Selection() { g_Settings->GetTextAttribute(TA_BOARD_FILE, text, sizeof text); }
+struct SelectedBoard {
+    SelectedBoard() { g_Settings->GetTextAttribute(TA_BOARD_FILE, text, sizeof text); }
     bool IsUnknown() const { return KindOfBoard(text) == BoardSelection::Unknown; }
     char text[260];
 };
@@ -64,7 +64,7 @@ bool jKVETMSupp::SettleSelection(const char* directory) {
     }
     g_Settings->SetTextAttribute(TA_BOARD_DIRECTORY, directory);
 
-    const Selection selection;
+    const SelectedBoard selection;
     if (selection.IsUnknown()) {
         if (Mode == ORN_MODE_NONE) return AskUser();
         Mode = ORN_MODE_NONE; // a selection that was in force is lost: the next call asks
@@ -98,7 +98,7 @@ bool jKVETMSupp::AskUser() {
         LastError = reason;
     }
 
-    const Selection answer;
+    const SelectedBoard answer;
     if (answer.IsUnknown()) {
         Mode = ORN_MODE_NONE; // whatever a call from inside the dialog made of it
         LastError = "Cancelled by user";

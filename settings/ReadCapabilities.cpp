@@ -21,14 +21,14 @@ using Field = int32_t jTraceState::*;
 using Read = bool(const char* value, int32_t* field);
 Read ReadNumber, ReadVersion, ReadYesNo;
 
-struct Label {
+struct ReportLabel {
     std::string_view Text;
     Field Value;
     Read* ReadValue;
 };
 
 // The wording is the host's, two blanks around "format" in one of them included.
-constexpr Label kLabels[] = {
+constexpr ReportLabel kLabels[] = {
     {"ETM protocol version", &jTraceState::ProtocolVersion, ReadNumber},
     {"ETM architecture version", &jTraceState::ArchVersion, ReadVersion},
     {"Number of address comparator pairs", &jTraceState::AddressComparatorPairs, ReadNumber},
@@ -51,7 +51,7 @@ constexpr std::string_view kCommonBeginnings[] = {"ETM ", "Number of "};
 
 // Shorter than any label: no other one can hide behind a value of that length.
 constexpr ptrdiff_t kShortValue = 15;
-static_assert(std::all_of(std::begin(kLabels), std::end(kLabels), [](const Label& label) {
+static_assert(std::all_of(std::begin(kLabels), std::end(kLabels), [](const ReportLabel& label) {
     return label.Text.size() > size_t{kShortValue};
 }));
 
@@ -194,7 +194,7 @@ const char* SkipBlanks(const char* text) {
 }
 
 void ReadCapabilities(jTraceState& state) {
-    for (const Label& label : kLabels) state.*label.Value = 0;
+    for (const ReportLabel& label : kLabels) state.*label.Value = 0;
     state.ArchVersion = 10;
 
     ReportStream stream;

@@ -25,7 +25,7 @@ struct StateFile::Document {
 namespace {
 
 constexpr const char* kFormat = "etmhost state 1";
-constexpr int kDeepest = 16;
+constexpr int kDeepestState = 16;
 constexpr int kReadTries = 20;
 constexpr std::chrono::milliseconds kReadPause(10);
 
@@ -197,7 +197,7 @@ Json ReadRoot(const std::filesystem::path& file) {
     if (!in.is_open()) throw HostError("cannot read state file \"" + PathText(file) + "\"");
     return Undamaged(file, [&in] {
         Json root = Json::parse(in, [](int depth, Json::parse_event_t, const Json&) {
-            if (depth > kDeepest) // what is kept unread is still copied, level by level
+            if (depth > kDeepestState) // what is kept unread is still copied, level by level
                 throw HostError("it is nested too deep");
             return true;
         });

@@ -302,9 +302,9 @@ bool TakeArguments(const std::string& verb, Words& words, Step& step) {
     return true;
 }
 
-class Parser {
+class ScriptParser {
 public:
-    explicit Parser(Script& script) : m_Script(script) {}
+    explicit ScriptParser(Script& script) : m_Script(script) {}
 
     void Line(int line, std::string_view text) {
         Step step;
@@ -384,7 +384,7 @@ const std::vector<std::string>& KeyNames() {
 Script ParseScript(std::string name, std::string_view text) {
     Script script;
     script.name = std::move(name);
-    Parser parser(script);
+    ScriptParser parser(script);
     if (text.size() > kLongestScript) {
         parser.Complain(1,
                         "the script is longer than " + std::to_string(kLongestScript) + " bytes");

@@ -3,12 +3,12 @@
 #include <utility>
 
 #include "host/support/words.h"
+#include "host/target/etm_registers.h"
 
 namespace etmhost {
 
 namespace {
 
-constexpr uint32_t kPage = 0x1000;
 constexpr uint32_t kBreakpointUnit = 0xE0002000, kSystemControl = 0xE000E000;
 constexpr uint32_t kDwtComparators = 0xE0001020, kDemcr = 0xE000EDFC;
 
@@ -57,7 +57,7 @@ uint32_t Identification(uint32_t offset, uint32_t part, uint32_t revision) {
 }
 
 bool IsIn(uint32_t address, uint32_t page) {
-    return (address & ~(kPage - 1)) == page;
+    return (address & ~(CS_PAGE - 1)) == page;
 }
 
 } // namespace

@@ -9,7 +9,7 @@ namespace {
 
 constexpr uint32_t kProgramAddress = 0x100;
 
-constexpr auto kProgram = std::to_array<uint16_t>({
+constexpr auto kProgramCode = std::to_array<uint16_t>({
     // main:
     0x4C04, // 100  ldr  r4, [pc, #16]
     0x2000, // 102  movs r0, #0
@@ -31,8 +31,8 @@ ServedMemory::ServedMemory() : m_Code(kCodeSize / 4), m_Sram(kSramSize / 4) {
     // The vectors: stack, reset, and for all exceptions of the core the reset again.
     std::fill_n(m_Code.begin(), 16, kProgramAddress | 1);
     m_Code[0] = kSramBase + kSramSize;
-    for (size_t i = 0; i < kProgram.size(); ++i)
-        m_Code[kProgramAddress / 4 + i / 2] |= uint32_t(kProgram[i]) << (i % 2 * 16);
+    for (size_t i = 0; i < kProgramCode.size(); ++i)
+        m_Code[kProgramAddress / 4 + i / 2] |= uint32_t(kProgramCode[i]) << (i % 2 * 16);
 }
 
 uint32_t* ServedMemory::Find(uint32_t address) {

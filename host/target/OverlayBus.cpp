@@ -29,7 +29,7 @@ std::vector<uint32_t> OverlayBus::Read(std::span<const uint32_t> addresses) {
 }
 
 void OverlayBus::Write(uint32_t address, uint32_t value) {
-    if (address % 0x1000 == CS_LAR) {
+    if (address % CS_PAGE == CS_LAR) {
         if (value == CS_UNLOCK) m_Open.insert(address - CS_LAR);
         return;
     }
@@ -46,7 +46,7 @@ std::optional<uint32_t> OverlayBus::Written(uint32_t address) const {
 
 // What a register reads that was not written, and reads `word` on the chip.
 uint32_t OverlayBus::Following(uint32_t address, uint32_t word) const {
-    if (address % 0x1000 == CS_LSR && m_Open.contains(address - CS_LSR))
+    if (address % CS_PAGE == CS_LSR && m_Open.contains(address - CS_LSR))
         return With(word, CS_LSR_LOCKED, false);
     if (!m_Hardware) return word;
     if (address == m_Hardware->Etm(ETMSR)) {

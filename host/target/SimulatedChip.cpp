@@ -14,10 +14,9 @@ namespace {
 
 using Kind = ChipComponent::Kind;
 
-constexpr uint32_t kPage = 0x1000;
 // Beside the registers of a component, at offsets that no register has: what it remembers.
 constexpr uint32_t kUnlocked = 0xFB2;
-constexpr uint32_t kSteps = 0xF02;     // since the capture began
+constexpr uint32_t kCaptureSteps = 0xF02; // since the capture began
 constexpr uint32_t kRemaining = 0xF06; // words to store behind the trigger, plus one; 0: no trigger
 
 EtmResources ResourcesOf(const ChipComponent& etm) {
@@ -63,7 +62,7 @@ bool IsCoreSight(const ChipComponent& component) {
 
 const ChipComponent* SimulatedChip::At(uint32_t address) const {
     for (const ChipComponent& component : m_Chip.components)
-        if (address - component.address < kPage) return &component;
+        if (address - component.address < CS_PAGE) return &component;
     return nullptr;
 }
 
@@ -83,7 +82,7 @@ bool SimulatedChip::IsAlive(const ChipComponent& component) const {
     if (!component.clock) return false;
     const ChipComponent* scs = m_Chip.Find(Kind::Scs);
     return scs == nullptr || component.kind == Kind::Scs || component.part == 0x003 ||
-           (Stored(*scs, DEMCR % kPage) & DEMCR_TRCENA) != 0;
+           (Stored(*scs, DEMCR % CS_PAGE) & DEMCR_TRCENA) != 0;
 }
 
 std::vector<uint32_t> SimulatedChip::Read(std::span<const uint32_t> addresses) {
@@ -92,7 +91,7 @@ std::vector<uint32_t> SimulatedChip::Read(std::span<const uint32_t> addresses) {
         const ChipComponent* component = At(address);
         if (component != nullptr && address % 4 == 0)
             words.push_back(ReadOffset(*component, address - component->address));
-        else if (m_Chip.romTable && address - *m_Chip.romTable < kPage && address % 4 == 0)
+        else if (m_Chip.romTable && address - *m_Chip.romTable < CS_PAGE && address % 4 == 0)
             words.push_back(ReadRomTable(address - *m_Chip.romTable));
         else
             throw BusError("there is nothing at " + Hex(address));
@@ -234,7 +233,8 @@ void SimulatedChip::WriteBuffer(const ChipComponent& etb, uint32_t offset, uint3
         break;
     case ETB_CONTROL:
         if ((value & ETB_CAPTURE) != 0 && (Stored(etb, ETB_CONTROL) & ETB_CAPTURE) == 0)
-            for (const uint32_t fresh : {ETB_STATUS, ETB_FORMATTER_STATUS, kSteps, kRemaining})
+            for (const uint32_t fresh :
+                 {ETB_STATUS, ETB_FORMATTER_STATUS, kCaptureSteps, kRemaining})
                 Store(etb, fresh, 0);
         if ((value & ETB_CAPTURE) == 0) Store(etb, ETB_FORMATTER_STATUS, ETB_FORMATTER_STOPPED);
         Store(etb, offset, value & ETB_CAPTURE);
@@ -302,8 +302,8 @@ void SimulatedChip::Step() {
     uint32_t status = Stored(*etb, ETB_STATUS);
     if (pointer >= etb->words) status |= ETB_STATUS_FULL;
     Store(*etb, ETB_WRITE_POINTER, pointer % etb->words);
-    const uint32_t steps = Stored(*etb, kSteps) + 1;
-    Store(*etb, kSteps, steps);
+    const uint32_t steps = Stored(*etb, kCaptureSteps) + 1;
+    Store(*etb, kCaptureSteps, steps);
     uint32_t remaining = Stored(*etb, kRemaining);
     if (steps == kTriggerStep && HasTrigger()) {
         status |= ETB_STATUS_TRIGGERED;

@@ -16,7 +16,6 @@ namespace {
 using Json = nlohmann::json;
 using Kind = ChipComponent::Kind;
 
-constexpr uint32_t kPageSize = 0x1000; // of a component
 constexpr uint32_t kWidestPort = 32;
 constexpr uint32_t kLargestPart = 0xFFF;
 constexpr uint32_t kMostComparators = 15;
@@ -136,7 +135,7 @@ std::vector<uint32_t> PortSizesOf(const Node& object) {
 
 uint32_t PageOf(const Node& address) {
     const uint32_t page = address.Number();
-    if (page % kPageSize != 0) address.Refuse("it is inside a page of 4 KB");
+    if (page % CS_PAGE != 0) address.Refuse("it is inside a page of 4 KB");
     return page;
 }
 
@@ -144,7 +143,7 @@ uint32_t RegisterOffset(const std::string& name, const Node& node) {
     for (const auto& entry : kNames)
         if (name == entry.name) return 4 * entry.number;
     const std::optional<uint64_t> offset = ParseNumber(name);
-    if (!offset || *offset >= kPageSize || *offset % 4 != 0)
+    if (!offset || *offset >= CS_PAGE || *offset % 4 != 0)
         node.Refuse("there is no register of that name or offset");
     return static_cast<uint32_t>(*offset);
 }
@@ -167,7 +166,7 @@ ChipComponent ToComponent(const Node& node) {
     component.lock = FlagOr(node, "lock", false);
     component.clock = FlagOr(node, "clock", true);
     if (const std::optional<Node> registers = node.Find("registers"))
-        for (const auto& [name, value] : registers->Members(kPageSize / 4))
+        for (const auto& [name, value] : registers->Members(CS_PAGE / 4))
             component.registers[RegisterOffset(name, value)] = value.Number();
     component.portSizes = PortSizesOf(node);
     component.words = NumberOr(node, "words", 0, kDeepestBuffer);

@@ -23,7 +23,7 @@ constexpr uint32_t kSingles = 0xFFFF; // of a register with one bit for each com
 constexpr uint32_t kTecr1Fields = 0x03FFFFFF;
 constexpr uint32_t kVdcr3Fields = 0x1FFFF;
 
-uint32_t Value(const EtmImage& image, uint32_t number) {
+uint32_t ValueOf(const EtmImage& image, uint32_t number) {
     const auto entry = image.find(number);
     return entry != image.end() ? entry->second : 0;
 }
@@ -69,22 +69,22 @@ bool HasStartStopRegister(const EtmResources& etm) {
 }
 
 uint32_t SinglesOfPc(const EtmResources& etm, const EtmImage& image) {
-    const uint32_t tecr1 = Value(image, ETMTECR1);
-    uint32_t singles = SinglesOfPairs(tecr1 & 0xFF) | (Value(image, ETMTECR2) & kSingles) |
-                       SinglesOfEvent(Value(image, ETMTEEVR));
+    const uint32_t tecr1 = ValueOf(image, ETMTECR1);
+    uint32_t singles = SinglesOfPairs(tecr1 & 0xFF) | (ValueOf(image, ETMTECR2) & kSingles) |
+                       SinglesOfEvent(ValueOf(image, ETMTEEVR));
     if (HasStartStopRegister(etm) && (tecr1 & ETMTECR1_START_STOP) != 0) {
-        const uint32_t tsscr = Value(image, ETMTSSCR);
+        const uint32_t tsscr = ValueOf(image, ETMTSSCR);
         singles |= (tsscr | tsscr >> 16) & kSingles;
     }
     return singles;
 }
 
 uint32_t SinglesOfData(const EtmImage& image) {
-    if ((Value(image, ETMCR) & ETMCR_DATA) == 0) return 0;
-    const uint32_t single = Value(image, ETMVDCR1);
-    const uint32_t pairs = Value(image, ETMVDCR3);
+    if ((ValueOf(image, ETMCR) & ETMCR_DATA) == 0) return 0;
+    const uint32_t single = ValueOf(image, ETMVDCR1);
+    const uint32_t pairs = ValueOf(image, ETMVDCR3);
     return ((single | single >> 16) & kSingles) | SinglesOfPairs((pairs | pairs >> 8) & 0xFF) |
-           SinglesOfEvent(Value(image, ETMVDEVR));
+           SinglesOfEvent(ValueOf(image, ETMVDEVR));
 }
 
 std::vector<uint32_t> OtherEvents(const EtmResources& etm) {
@@ -105,7 +105,7 @@ std::vector<uint32_t> OtherEvents(const EtmResources& etm) {
 uint32_t TakenByEvents(const EtmResources& etm, const EtmImage& image) {
     uint32_t singles = ~((1u << (2 * Pairs(etm))) - 1);
     for (const uint32_t number : OtherEvents(etm))
-        if (const uint32_t event = Value(image, number); event != 0)
+        if (const uint32_t event = ValueOf(image, number); event != 0)
             singles |= SinglesOfEvent(event);
     return singles;
 }
@@ -119,7 +119,7 @@ std::optional<uint32_t> FreePair(uint32_t taken, const EtmResources& etm) {
 // --- Patterns ----------------------------------------------------------------------------
 
 bool IsComparator(const EtmImage& image, uint32_t index, uint32_t access) {
-    return ((Value(image, ETMACTR + index) ^ access) & kAccessFields) == 0;
+    return ((ValueOf(image, ETMACTR + index) ^ access) & kAccessFields) == 0;
 }
 
 void AddComparator(EtmPlan& plan, uint32_t index, uint32_t address, uint32_t access) {
@@ -148,28 +148,28 @@ bool DecodeStartStop(uint32_t word, uint32_t mask, EtmSettings& settings, Transl
 
 std::optional<PcTrace> DecodePc(const EtmResources& etm, const EtmImage& image,
                                 EtmSettings& settings) {
-    const uint32_t event = Value(image, ETMTEEVR);
+    const uint32_t event = ValueOf(image, ETMTEEVR);
     if (IsEvent(event, ETM_EVENT_NEVER)) return PcTrace::None;
     if (!IsEvent(event, ETM_EVENT_ALWAYS)) return std::nullopt;
-    const uint32_t tecr1 = Value(image, ETMTECR1);
+    const uint32_t tecr1 = ValueOf(image, ETMTECR1);
     const auto itself = [](uint32_t index) { return std::optional(index); };
     if (etm.addressPairs == 0) {
         if (!etm.startStop || (tecr1 & ETMTECR1_START_STOP) == 0) return PcTrace::All;
-        const bool known = DecodeStartStop(Value(image, ETMTESSEICR), (1u << etm.watchInputs) - 1,
+        const bool known = DecodeStartStop(ValueOf(image, ETMTESSEICR), (1u << etm.watchInputs) - 1,
                                            settings, itself);
         return known ? std::optional(PcTrace::StartStop) : std::nullopt;
     }
-    if ((Value(image, ETMTECR2) & kSingles) != 0) return std::nullopt;
+    if ((ValueOf(image, ETMTECR2) & kSingles) != 0) return std::nullopt;
     const uint32_t fields = tecr1 & kTecr1Fields;
     if (fields == ETMTECR1_EXCLUDE) return PcTrace::All;
     const auto address = [&image](uint32_t index) -> std::optional<uint32_t> {
         if (!IsComparator(image, index, kInstruction)) return std::nullopt;
-        return Value(image, ETMACVR + index);
+        return ValueOf(image, ETMACVR + index);
     };
     if (HasStartStopRegister(etm) && fields == (ETMTECR1_START_STOP | ETMTECR1_EXCLUDE)) {
-        const bool inputs = etm.watchInputs > 0 && Value(image, ETMTESSEICR) != 0;
+        const bool inputs = etm.watchInputs > 0 && ValueOf(image, ETMTESSEICR) != 0;
         const bool known =
-            !inputs && DecodeStartStop(Value(image, ETMTSSCR), kSingles, settings, address);
+            !inputs && DecodeStartStop(ValueOf(image, ETMTSSCR), kSingles, settings, address);
         return known ? std::optional(PcTrace::StartStop) : std::nullopt;
     }
     const std::optional<uint32_t> pair = OneBit(fields);
@@ -181,22 +181,22 @@ std::optional<PcTrace> DecodePc(const EtmResources& etm, const EtmImage& image,
 
 // Returns whether the area of data is one that a setting gives.
 bool DecodeDataArea(const EtmResources& etm, const EtmImage& image, EtmSettings& settings) {
-    if (!IsEvent(Value(image, ETMVDEVR), ETM_EVENT_ALWAYS) || Value(image, ETMVDCR1) != 0 ||
-        Value(image, ETMVDCR2) != 0)
+    if (!IsEvent(ValueOf(image, ETMVDEVR), ETM_EVENT_ALWAYS) || ValueOf(image, ETMVDCR1) != 0 ||
+        ValueOf(image, ETMVDCR2) != 0)
         return false;
-    const uint32_t area = Value(image, ETMVDCR3) & kVdcr3Fields;
+    const uint32_t area = ValueOf(image, ETMVDCR3) & kVdcr3Fields;
     if (area == ETMVDCR3_EXCLUDE_ONLY) return true;
     const std::optional<uint32_t> pair = OneBit(area);
     if (!pair || *pair >= Pairs(etm) || !IsComparator(image, 2 * *pair, kLoadOrStore) ||
         !IsComparator(image, 2 * *pair + 1, kLoadOrStore))
         return false;
-    settings.dataBegin = Value(image, ETMACVR + 2 * *pair);
-    settings.dataEnd = Value(image, ETMACVR + 2 * *pair + 1);
+    settings.dataBegin = ValueOf(image, ETMACVR + 2 * *pair);
+    settings.dataEnd = ValueOf(image, ETMACVR + 2 * *pair + 1);
     return true;
 }
 
 std::optional<uint32_t> DecodeTrigger(const EtmResources& etm, const EtmImage& image) {
-    const uint32_t event = Value(image, ETMTRIGGER);
+    const uint32_t event = ValueOf(image, ETMTRIGGER);
     const uint32_t resource = event & 0x7F;
     if (!IsEvent(event, resource)) return std::nullopt; // not one resource, as it is
     if (etm.TakesIndexes()) {
@@ -204,7 +204,7 @@ std::optional<uint32_t> DecodeTrigger(const EtmResources& etm, const EtmImage& i
         return index < etm.watchInputs ? std::optional(index) : std::nullopt;
     }
     return resource < 2 * Pairs(etm) && IsComparator(image, resource, kInstruction)
-               ? std::optional(Value(image, ETMACVR + resource))
+               ? std::optional(ValueOf(image, ETMACVR + resource))
                : std::nullopt;
 }
 
@@ -256,7 +256,7 @@ EtmSettings DecodeSettings(const EtmResources& etm, const EtmImage& image) {
     const std::optional<PcTrace> pc = DecodePc(etm, image, settings);
     settings.pc = pc.value_or(PcTrace::Complex);
     if (!pc) settings.pcBegin = settings.pcEnd = std::nullopt;
-    const uint32_t control = Value(image, ETMCR);
+    const uint32_t control = ValueOf(image, ETMCR);
     if (etm.HasData()) {
         const bool addresses = (control & ETMCR_DATA_ADDRESSES) != 0;
         const bool values = (control & ETMCR_DATA_VALUES) != 0;
@@ -295,7 +295,7 @@ EtmPlan EncodePc(const EtmResources& etm, const EtmImage& image, const EtmSettin
         plan.writes.push_back({ETMTECR1, indexes ? ETMTECR1_START_STOP : 0, ETMTECR1_START_STOP});
     } else {
         const uint32_t taken = TakenByEvents(etm, image) | SinglesOfData(image) |
-                               SinglesOfEvent(Value(image, ETMTRIGGER));
+                               SinglesOfEvent(ValueOf(image, ETMTRIGGER));
         if (wanted.pc == PcTrace::Range) {
             const std::optional<uint32_t> pair = FreePair(taken, etm);
             if (!pair) return {{}, NoComparator(etm)};
@@ -342,7 +342,7 @@ EtmPlan EncodeData(const EtmResources& etm, const EtmImage& image, const EtmSett
     uint32_t area = ETMVDCR3_EXCLUDE_ONLY;
     if (wanted.dataBegin && wanted.dataEnd) {
         const uint32_t taken = TakenByEvents(etm, image) | SinglesOfPc(etm, image) |
-                               SinglesOfEvent(Value(image, ETMTRIGGER));
+                               SinglesOfEvent(ValueOf(image, ETMTRIGGER));
         const std::optional<uint32_t> pair = FreePair(taken, etm);
         if (!pair) return {{}, NoComparator(etm)};
         AddComparator(plan, 2 * *pair, *wanted.dataBegin, kLoadOrStore);

@@ -62,6 +62,7 @@ constexpr uint32_t ETM_EVENT_NEVER = 0x406F;
 constexpr uint32_t ETM_RESOURCE_INPUT = 0x20;
 
 /// Registers that all CoreSight components have, by offset.
+constexpr uint32_t CS_PAGE = 0x1000; // the bytes of a component
 constexpr uint32_t CS_LAR = 0xFB0;
 constexpr uint32_t CS_LSR = 0xFB4;
 constexpr uint32_t CS_DEVARCH = 0xFBC;

@@ -14,9 +14,9 @@ namespace {
 constexpr uint32_t kCortexRomTable = 0xE00FF000;
 constexpr uint32_t kSystemControlSpace = 0xE000E000;
 constexpr size_t kMostEntries = 960; // of one table: up to its identification
-constexpr size_t kMostComponents = 256;
-constexpr int kDeepest = 4;
-constexpr uint32_t kMostWords = 1u << 24; // of a buffer
+constexpr size_t kMostFound = 256;
+constexpr int kDeepestTable = 4;
+constexpr uint32_t kMostBufferWords = 1u << 24; // of a buffer
 
 constexpr uint32_t kClassRomTable = 1;
 constexpr uint32_t kClassCoreSight = 9;
@@ -154,7 +154,7 @@ private:
     }
 
     void ReadTable(uint32_t base, int depth) {
-        if (depth > kDeepest) throw BusError("the ROM tables are nested too deep");
+        if (depth > kDeepestTable) throw BusError("the ROM tables are nested too deep");
         m_Tables.insert(base);
         constexpr size_t kAtOnce = 16;
         for (size_t first = 0; first < kMostEntries; first += kAtOnce) {
@@ -165,7 +165,7 @@ private:
                 if (entry == 0) return;
                 if ((entry & 1) == 0) continue; // listed, and absent
                 const uint32_t address = base + (entry & 0xFFFFF000);
-                if (m_Addresses.size() + m_Tables.size() >= kMostComponents)
+                if (m_Addresses.size() + m_Tables.size() >= kMostFound)
                     throw BusError("the ROM table lists too many components");
                 if (address == base || m_Tables.contains(address) ||
                     !m_Addresses.insert(address).second)
@@ -323,7 +323,7 @@ private:
             m_Hardware.etbBase = etb->address;
             m_Hardware.sink = SinkKind::Buffer;
             m_Hardware.capacity = m_Bus.Read(etb->address + ETB_DEPTH);
-            if (m_Hardware.capacity == 0 || m_Hardware.capacity > kMostWords) {
+            if (m_Hardware.capacity == 0 || m_Hardware.capacity > kMostBufferWords) {
                 throw BusError("the trace buffer" + At(etb->address) +
                                " is there, but its depth reads " + Hex(m_Hardware.capacity) +
                                ": it may have no clock");
