@@ -19,9 +19,7 @@ Chip ChooseChip(const std::string& name, const std::string& file, const std::str
             "there is no chip \"" + Escape(name) + "\"" +
             DidYouMean(name, NamesOf(Chips()), "\"etmhost chips\" lists those there are"));
     }
-    const auto path = NativePath(file);
-    if (!path) throw HostError("\"" + file + "\" is no file name");
-    const std::vector<Chip> chips = ReadChips(*path);
+    const std::vector<Chip> chips = ReadChips(ToPath(file));
     if (variant.empty()) return chips.front();
     std::vector<std::string> variants;
     for (const Chip& chip : std::span(chips).subspan(1)) {

@@ -10,6 +10,7 @@
 #include "host/drive/windows.h"
 #include "host/replay/Replay.h"
 #include "host/support/host_error.h"
+#include "host/support/system.h"
 
 namespace etmhost {
 
@@ -20,11 +21,6 @@ constexpr struct {
 } kScripts[] = {
 #include "scripts.inc"
 };
-
-std::filesystem::path ToPath(const std::string& text) {
-    if (const auto path = NativePath(text)) return *path;
-    throw HostError("\"" + text + "\" is no file name");
-}
 
 std::string ReadText(std::istream& in, const std::string& name) {
     std::string text(kLongestScript + 1, '\0');

@@ -17,6 +17,7 @@
 #include "host/drive/windows.h"
 #include "host/support/host_error.h"
 #include "host/support/libraries.h"
+#include "host/support/system.h"
 #include "host/support/words.h"
 #include "host/target/symbols.h"
 
@@ -49,11 +50,6 @@ struct Options {
     std::string topic;  // of help
     std::string form;   // of the manual
 };
-
-std::filesystem::path ToPath(const std::string& text) {
-    if (const auto path = NativePath(text)) return *path;
-    throw HostError("\"" + text + "\" is no file name");
-}
 
 std::filesystem::path ModuleFile(const Options& options) {
     if (!options.module.empty()) return ToPath(options.module);

@@ -6,6 +6,8 @@
 #include <optional>
 #include <string>
 
+#include "host/support/host_error.h"
+
 namespace etmhost {
 
 /// Returns the path of this program's file; empty if the system does not tell.
@@ -18,6 +20,12 @@ const char* LibraryExtension();
 /// NativePath gives nothing for text that the system's encoding cannot represent.
 std::optional<std::filesystem::path> NativePath(const std::string& text);
 std::string PathText(const std::filesystem::path& path);
+
+/// Turns what a person named into a path. Throws HostError for what is no file name.
+inline std::filesystem::path ToPath(const std::string& text) {
+    if (const auto path = NativePath(text)) return *path;
+    throw HostError("\"" + text + "\" is no file name");
+}
 
 enum class Output { Standard, Errors };
 
