@@ -23,4 +23,4 @@ BENCH_PACKAGES=(libbenchmark-dev re2c python3)
 ICON_PACKAGES=(librsvg2-bin python3)
 
 # To build the Windows module and to run it.
-WINDOWS_PACKAGES=(g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix googletest wine64 fonts-wine)
+WINDOWS_PACKAGES=(g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix lld googletest wine64 fonts-wine)
