@@ -92,7 +92,7 @@ nice cmake --build --preset asan -- --quiet # the tests have deadlines to keep
 finish "g++: tests"
 
 test_asan() {
-  ASAN_OPTIONS=detect_leaks=1:strict_string_checks=1 UBSAN_OPTIONS=print_stacktrace=1 \
+  ASAN_OPTIONS=detect_leaks=1:strict_string_checks=1:quarantine_size_mb=32 UBSAN_OPTIONS=print_stacktrace=1 \
     LSAN_OPTIONS=suppressions=$PWD/tests/lsan.supp:print_suppressions=0 \
     run_tests build/asan
 }
