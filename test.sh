@@ -24,6 +24,11 @@ stage "packages"
 . tools/packages.sh
 tools/install-packages "${BUILD_PACKAGES[@]}" "${TEST_PACKAGES[@]}" "${BENCH_PACKAGES[@]}"
 
+# What a copy of the repository has compiled once is taken from the cache in another one.
+export CMAKE_C_COMPILER_LAUNCHER=ccache CMAKE_CXX_COMPILER_LAUNCHER=ccache
+export CCACHE_BASEDIR=$PWD CCACHE_NOHASHDIR=1 CCACHE_DEPEND=1
+export CCACHE_SLOPPINESS=include_file_mtime,include_file_ctime # the sources of a fresh clone are new
+
 stage "format and rooms"
 git ls-files '*.c' '*.cpp' '*.h' | xargs -r clang-format --dry-run -Werror
 tools/check-rooms

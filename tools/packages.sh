@@ -10,7 +10,7 @@ REMOTE_PACKAGES=(openocd)
 
 # To test them: a second compiler with its sanitizers and its C++ library, a virtual screen, an
 # accessibility bus, other fonts; debug servers and a debugger; packages.
-TEST_PACKAGES=(clang libc++-dev libc++abi-dev libclang-rt-14-dev lld llvm clang-format clang-tidy shellcheck libgtest-dev
+TEST_PACKAGES=(ccache clang libc++-dev libc++abi-dev libclang-rt-14-dev lld llvm clang-format clang-tidy shellcheck libgtest-dev
   libgmock-dev xvfb xauth dbus-daemon at-spi2-core gir1.2-atspi-2.0 python3-gi
   binutils fonts-liberation2 fonts-cantarell python3
   groff-base doxygen openocd gdb-multiarch qemu-system-arm libopencsd-bin

@@ -2,6 +2,7 @@
 
 #include "board/BoardFile.h"
 #include "tests/board/BoardTest.h"
+#include "tests/support/built.h"
 
 #if !defined(_WIN32)
 #include <sys/stat.h>
@@ -44,9 +45,9 @@ TEST_F(BoardTest, TitleAndCommandsOfAFile) {
     }
 }
 
-#ifdef BOARD_EXAMPLES
+#ifndef _WIN32
 TEST_F(BoardTest, TheExamplesAreListed) {
-    settings.SetTextAttribute(TA_BOARD_DIRECTORY, BOARD_EXAMPLES);
+    settings.SetTextAttribute(TA_BOARD_DIRECTORY, built::kBoardExamples);
     Configure([&] {
         EXPECT_THAT(display.Entries(1078),
                     testing::IsSupersetOf(

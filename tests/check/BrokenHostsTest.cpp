@@ -15,6 +15,7 @@
 #include "testkit/RecordingHost.h"
 #include "testkit/SilentTrace.h"
 #include "tests/module/QtPerson.h"
+#include "tests/support/built.h"
 
 using ::testing::AllOf;
 using ::testing::EndsWith;
@@ -71,7 +72,7 @@ struct Host {
         {ORN_XTRACE, &rest.xTrace},
         {ORN_EMU, &rest.emu}};
 
-    etmhost::Library library{CHECKER_PATH};
+    etmhost::Library library{built::kChecker};
     IOrnAPIBase& module = *reinterpret_cast<decltype(&OrnDLL)>(library.Find("OrnDLL"))();
     IOrnKVETMCtrl* control = nullptr;
 
@@ -82,7 +83,7 @@ struct Host {
     }
 
     void Begin() {
-        module.SetModulePath(CHECKER_PATH);
+        module.SetModulePath(built::kChecker);
         module.SetAPI(&rest.api);
         control = static_cast<IOrnKVETMCtrl*>(module.CreateRowObject(0));
     }
@@ -360,7 +361,7 @@ const struct Row {
      [](Host& host) { host.Object(ORN_EMU) = nullptr, host.Live(); }},
     {Rule::OtherLibrarysStream, "Command",
      [](Host& host) {
-         const etmhost::Library other(OTHER_LIBRARYS_HOST_PATH);
+         const etmhost::Library other(built::kOtherLibrarysHost);
          host.Object(ORN_VETM_TRACE) =
              reinterpret_cast<IOrnInterface* (*)()>(other.Find("MakeTrace"))();
          host.Start(), host.End();
@@ -440,12 +441,12 @@ TEST(CorrectHost, DrawsNothingInAnyOrderThatIsAllowed) {
             if (host.control->GetAttachedInterface(ORN_EMU) != &host.rest.emu ||
                 host.control->AttachInterface("IOrnemu", &host.rest.emu) != -1 ||
                 host.control->GetInterface(ORN_KVETM_SUPP) != &host.Support() ||
-                std::strcmp(host.module.GetModulePath(), CHECKER_PATH) != 0 ||
+                std::strcmp(host.module.GetModulePath(), built::kChecker) != 0 ||
                 host.module.GetRowCount() != 1 || host.module.CreateRowObject(1) != nullptr)
                 std::abort();
-            const etmhost::Library real(MODULE_PATH); // which has been told where it lies itself
+            const etmhost::Library real(built::kModule); // which has been told where it lies itself
             IOrnAPIBase* const module = reinterpret_cast<decltype(&OrnDLL)>(real.Find("OrnDLL"))();
-            if (std::strcmp(module->GetModulePath(), MODULE_PATH) != 0) std::abort();
+            if (std::strcmp(module->GetModulePath(), built::kModule) != 0) std::abort();
             host.End();
         },
     };
@@ -455,9 +456,10 @@ TEST(CorrectHost, DrawsNothingInAnyOrderThatIsAllowed) {
 }
 
 TEST(Checker, WithoutAModuleHasNoRowsAndSaysWhy) {
-    for (const std::string file : {"/nowhere/module.so", CHECKER_PATH, OTHER_LIBRARYS_HOST_PATH}) {
+    for (const std::string file :
+         {"/nowhere/module.so", built::kChecker, built::kOtherLibrarysHost}) {
         const auto live = [](Host& host) {
-            host.module.SetModulePath(CHECKER_PATH);
+            host.module.SetModulePath(built::kChecker);
             host.module.SetAPI(&host.rest.api);
             if (host.module.GetRowCount() != 0 || host.module.CreateRowObject(0) != nullptr ||
                 *host.module.GetRowInterfaceName(0) != '\0')

@@ -11,6 +11,7 @@
 
 #include "host/record/json_lines.h"
 #include "testkit/TemporaryDirectory.h"
+#include "tests/support/built.h"
 
 namespace etmhost {
 
@@ -27,7 +28,7 @@ protected:
         const std::string output = "output" + number, errors = "errors" + number;
         const std::string files =
             " >\"" + m_Printed.PathOf(output) + "\" 2>\"" + m_Printed.PathOf(errors) + "\"";
-        std::string command = launcher + "\"" ETMHOST_PATH "\" " + arguments + files;
+        std::string command = launcher + "\"" + built::kEtmhost + "\" " + arguments + files;
         if (onWindows) command = "\"" + command + "\""; // the shell takes the outer pair off
         const int result = std::system(command.c_str());
         // POSIX has the exit status in the second byte, Windows has it as it is.
@@ -52,7 +53,7 @@ protected:
 
     const TemporaryDirectory directory;
     const std::string state = " --state \"" + directory.PathOf("s.json") + "\" ";
-    const bool onWindows = std::string(ETMHOST_PATH).ends_with(".exe");
+    const bool onWindows = std::string(built::kEtmhost).ends_with(".exe");
 
 private:
     const TemporaryDirectory m_Printed;

@@ -11,6 +11,7 @@
 #include "host/commandline/check.h"
 #include "host/support/host_error.h"
 #include "tests/host/CommandLine.h"
+#include "tests/support/built.h"
 
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
@@ -190,7 +191,7 @@ TEST_F(CommandLine, StateSurvivesBetweenRuns) {
     EXPECT_EQ(directory.Read("s.json"), running);
 
     if (onWindows) GTEST_SKIP() << "a Windows build reads no ELF files and has no tour";
-    const std::string symbols = " --symbols \"" ETMHOST_PATH "\"";
+    const std::string symbols = std::string(" --symbols \"") + built::kEtmhost + "\"";
     EXPECT_EQ(Run("run \"etm trigger main+4\"" + symbols).output, "etm trigger main+4: ok\n");
     const Outcome tour = Run("tour \"" + directory.Path() + "\"" + state);
     EXPECT_EQ(tour.status, 1) << "the page wants the address of the trigger";
@@ -288,7 +289,7 @@ TEST_F(CommandLine, AScriptDrivesTheDialog) {
 TEST_F(CommandLine, ADryRunWritesNothingButABoardFile) {
     if (onWindows) GTEST_SKIP() << "its save dialog takes no path of this system";
     for (const std::string name : {"KVETMControl.so", "KVETMControlQt.so"}) // board files lie there
-        std::filesystem::copy_file(std::filesystem::path(ETMHOST_PATH).replace_filename(name),
+        std::filesystem::copy_file(std::filesystem::path(built::kEtmhost).replace_filename(name),
                                    directory.PathOf(name));
     const std::string board = directory.PathOf("my board.mac");
     const std::string script = directory.Write(

@@ -8,6 +8,7 @@
 
 #include "host/support/words.h"
 #include "testkit/TemporaryDirectory.h"
+#include "tests/support/built.h"
 
 namespace etmhost {
 namespace {
@@ -131,8 +132,8 @@ TEST(Command, BoardFilesRunLineByLine) {
          "line 6: Unknown command: enable",
          4},
         {bad, reports + "and 980 more", 16},
-#ifdef BOARD_EXAMPLES
-        {directory.Read(BOARD_EXAMPLES "stm32f4-trace-port.mac"), "ok", 4},
+#ifndef _WIN32
+        {directory.Read(std::string(built::kBoardExamples) + "stm32f4-trace-port.mac"), "ok", 4},
 #endif
     };
     for (const auto& row : rows) {

@@ -9,6 +9,7 @@
 #include "host/module/module_session.h"
 #include "host/record/json_lines.h"
 #include "host/support/host_error.h"
+#include "tests/support/built.h"
 
 namespace etmhost {
 namespace {
@@ -216,7 +217,7 @@ struct FailingWriter final : record::EventWriter {
 };
 
 TEST(ModuleSession, EndsCleanlyBehindAFailedInit) {
-    LoadedModule module(std::filesystem::path(ETMHOST_PATH)
+    LoadedModule module(std::filesystem::path(built::kEtmhost)
                             .replace_filename(std::string("KVETMControl") + LibraryExtension()));
     FailingWriter writer;
     record::EventStream events;

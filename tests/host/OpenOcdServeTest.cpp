@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "tests/support/ServedChip.h"
+#include "tests/support/built.h"
 
 using ::testing::AllOf;
 using ::testing::HasSubstr;
@@ -87,7 +88,7 @@ TEST_F(ServedToOpenOcd, GdbAttachesGoesOnAndLeaves) {
 }
 
 TEST_F(ServedToOpenOcd, TheServerEndsWhenAskedTo) {
-    Program once({ETMHOST_PATH, "serve", "--chip", "cortex-m4", "--port", "0", "--once"});
+    Program once({built::kEtmhost, "serve", "--chip", "cortex-m4", "--port", "0", "--once"});
     const uint16_t port = ServedChip::PortOf(once, "listening on port (\\d+)");
     const etmhost::Deadline soon = ServedChip::Soon();
     auto caller = etmhost::Connection::To("", port, soon);

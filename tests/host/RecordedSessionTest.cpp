@@ -5,6 +5,7 @@
 #include "host/module/journal.h"
 #include "host/record/operations.h"
 #include "tests/host/CommandLine.h"
+#include "tests/support/built.h"
 
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
@@ -173,7 +174,7 @@ TEST_F(CommandLine, ARecordingReplaysUntilSomethingDiffers) {
 TEST_F(CommandLine, ATourBehindTheCheckerIsTheSame) {
     if (onWindows) GTEST_SKIP() << "a Windows build has no tour";
     const std::string checker =
-        std::filesystem::path(ETMHOST_PATH).replace_filename("KVETMHostCheck.so").string();
+        std::filesystem::path(built::kEtmhost).replace_filename("KVETMHostCheck.so").string();
     const std::string pictures = " tour \"" + directory.PathOf("pictures") + "\"";
     const Outcome plain = Run(pictures);
     const Outcome outcome = Run("--module \"" + checker + "\" --journal-file \"" +

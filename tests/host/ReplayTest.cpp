@@ -6,6 +6,7 @@
 #include "host/module/module_session.h"
 #include "host/record/json_lines.h"
 #include "host/support/host_error.h"
+#include "tests/support/built.h"
 
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
@@ -54,7 +55,7 @@ size_t Change(Lines& lines, const Edit& edit) {
 class OneSession : public ::testing::Test {
 protected:
     OneSession()
-        : module(std::filesystem::path(ETMHOST_PATH)
+        : module(std::filesystem::path(built::kEtmhost)
                      .replace_filename(std::string("KVETMControl") + LibraryExtension())) {
         LineWriter writer;
         record::EventStream events;

@@ -10,6 +10,7 @@
 #include "tests/support/QemuMachine.h"
 #include "tests/support/ScriptedServer.h"
 #include "tests/support/ServedChip.h"
+#include "tests/support/built.h"
 
 using ::testing::AllOf;
 using ::testing::HasSubstr;
@@ -50,7 +51,7 @@ protected:
     // Starts etmhost, off-screen. `target` is "--chip NAME" or "--remote SERVER".
     Program Etmhost(const std::string& target, std::vector<std::string> words) {
         std::vector<std::string> all = {"env", "QT_QPA_PLATFORM=offscreen",
-                                        "QT_LOGGING_RULES=default.warning=false", ETMHOST_PATH};
+                                        "QT_LOGGING_RULES=default.warning=false", built::kEtmhost};
         const size_t blank = target.find(' ');
         all.insert(all.end(), {target.substr(0, blank), target.substr(blank + 1)});
         all.insert(all.end(), words.begin(), words.end());

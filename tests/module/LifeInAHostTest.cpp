@@ -23,6 +23,7 @@
 #include "testkit/TemporaryDirectory.h"
 #include "tests/module/LoadedModule.h"
 #include "tests/module/QtPerson.h"
+#include "tests/support/built.h"
 #include "toolkit/constants.h"
 
 /// For AddressSanitizer: that library copies texts of the X server, which bear no NUL.
@@ -77,9 +78,9 @@ void OpenAndCancel(LoadedModule& loaded) {
     loaded.host.onCall = nullptr;
 }
 
-std::string OutputOf(const char* command) {
+std::string OutputOf(const std::string& program, const char* file) {
     std::string output;
-    FILE* pipe = popen(command, "r");
+    FILE* pipe = popen((program + file).c_str(), "r");
     char line[512];
     while (std::fgets(line, sizeof line, pipe) != nullptr) output += line;
     EXPECT_EQ(pclose(pipe), 0) << output;
@@ -87,10 +88,11 @@ std::string OutputOf(const char* command) {
 }
 
 TEST(EachLibrary, HasOneExportAndTheModuleNoWindowToolkit) {
-    EXPECT_THAT(OutputOf("nm -D --defined-only " MODULE_PATH), MatchesRegex("[^\n]* T OrnDLL\n"));
-    EXPECT_THAT(OutputOf("nm -D --defined-only " DISPLAY_PATH),
+    EXPECT_THAT(OutputOf("nm -D --defined-only ", built::kModule),
+                MatchesRegex("[^\n]* T OrnDLL\n"));
+    EXPECT_THAT(OutputOf("nm -D --defined-only ", built::kDisplay),
                 MatchesRegex("[^\n]* T KVETMDisplay\n"));
-    EXPECT_THAT(OutputOf("readelf -d " MODULE_PATH), Not(HasSubstr("libQt")));
+    EXPECT_THAT(OutputOf("readelf -d ", built::kModule), Not(HasSubstr("libQt")));
 }
 
 TEST(HostWithAnApplication, KeepsItsOwnAndItsThreadAndMayThrow) {
@@ -186,21 +188,21 @@ std::string BytesOf(const char* file) {
 }
 
 TEST(TheDisplay, LiesBesideTheModule) {
-    std::string otherHash = BytesOf(DISPLAY_PATH); // of the toolkit's sources
+    std::string otherHash = BytesOf(built::kDisplay); // of the toolkit's sources
     otherHash[otherHash.find(", compiler ") - 1] ^= 1;
     const std::pair<std::string, const char*> rows[] = {
         {"", "KVETMControlQt.so: cannot open"},
         {"no library", "KVETMControlQt.so: "},
-        {BytesOf(MODULE_PATH), "KVETMControlQt.so is none."},
+        {BytesOf(built::kModule), "KVETMControlQt.so is none."},
         {otherHash, "KVETMControlQt.so is of another build."},
-        {BytesOf(DISPLAY_PATH), nullptr},
+        {BytesOf(built::kDisplay), nullptr},
     };
     const fs::path before = fs::current_path();
     std::deque<TemporaryDirectory> directories; // the loader knows files by name and inode
     for (const auto& [bytes, reason] : rows) {
         const TemporaryDirectory& modules = directories.emplace_back();
         const TemporaryDirectory& links = directories.emplace_back();
-        modules.Write("KVETMControl.so", BytesOf(MODULE_PATH));
+        modules.Write("KVETMControl.so", BytesOf(built::kModule));
         if (!bytes.empty()) modules.Write("KVETMControlQt.so", bytes);
         const std::string link = "./" + std::to_string(directories.size());
         fs::create_symlink(modules.PathOf("KVETMControl.so"), links.PathOf(link));
@@ -208,7 +210,7 @@ TEST(TheDisplay, LiesBesideTheModule) {
         LoadedModule loaded("/opt/debugger", link);
         fs::current_path(before);
         if (reason != nullptr) ExpectRefused(loaded, reason);
-        if (bytes.empty()) modules.Write("KVETMControlQt.so", BytesOf(DISPLAY_PATH));
+        if (bytes.empty()) modules.Write("KVETMControlQt.so", BytesOf(built::kDisplay));
         if (bytes.empty() || reason == nullptr) OpenAndCancel(loaded);
     }
 }
@@ -350,7 +352,7 @@ TEST(AHostThatDestroysTheComponent, EndsWhateverRuns) {
     loaded.host.onCall = [&](const std::string&) { loaded.Destroy(); };
     control->Init(0);
     EXPECT_EQ(loaded.control, nullptr);
-    EXPECT_EQ(dlopen(DISPLAY_PATH, RTLD_LAZY | RTLD_NOLOAD), nullptr);
+    EXPECT_EQ(dlopen(built::kDisplay, RTLD_LAZY | RTLD_NOLOAD), nullptr);
     std::exit(Status());
 }
 

@@ -6,17 +6,18 @@
 
 #include "host/remote/Connection.h"
 #include "tests/support/Program.h"
+#include "tests/support/built.h"
 
 /// All ports are the system's choice. Both programs go with the object.
 class ServedChip {
 public:
     explicit ServedChip(const std::string& chip = "cortex-m4")
-        : probe({ETMHOST_PATH, "serve", "--chip", chip, "--port", "0"}),
+        : probe({built::kEtmhost, "serve", "--chip", chip, "--port", "0"}),
           probePort(PortOf(probe, "listening on port (\\d+)")),
           openocd({"openocd", "-c",
                    "set PORT " + std::to_string(probePort) +
                        "; set TCL_PORT 0; set GDB_PORT 0; set TELNET_PORT disabled",
-                   "-f", ETMHOST_CONFIGURATION}),
+                   "-f", built::kEtmhostConfiguration}),
           gdbPort(PortOf(openocd, "port (\\d+) for gdb")),
           tclPort(PortOf(openocd, "port (\\d+) for tcl")),
           m_Tcl(etmhost::Connection::To("", tclPort, Soon())) {}
