@@ -41,12 +41,13 @@ tools/reference
 stage "scripts"
 git grep -lE '^#!.*\b(ba)?sh\b|^# shellcheck ' -- . ':!*.py' | xargs -r shellcheck
 
-# What mostly waits runs beside what computes: begin starts a function or a script, finish
-# waits for it, shows what it printed, and fails if it failed.
+# Tests mostly wait, and run beside what computes, which gives way to them: they have deadlines to
+# keep. begin starts a function as soon as no other one runs, finish waits for it, shows what it
+# printed, and fails if it failed.
 mkdir -p build/beside
 declare -A beside
 begin() {
-  "$2" >"build/beside/$1.txt" 2>&1 &
+  { flock 9; "$2" 9>&-; } >"build/beside/$1.txt" 2>&1 9>build/beside/lock &
   beside[$1]=$!
 }
 finish() {
@@ -93,8 +94,7 @@ begin "g++: tests" test_dev
 
 stage "clang++ with AddressSanitizer and UBSan: build"
 cmake --preset asan >/dev/null
-nice cmake --build --preset asan -- --quiet # the tests have deadlines to keep
-finish "g++: tests"
+nice cmake --build --preset asan -- --quiet
 
 test_asan() {
   ASAN_OPTIONS=detect_leaks=1:strict_string_checks=1:quarantine_size_mb=32 UBSAN_OPTIONS=print_stacktrace=1 \
@@ -105,10 +105,6 @@ begin "AddressSanitizer and UBSan: tests" test_asan
 
 stage "Windows: build"
 [ "$windows" = no ] || nice tools/windows-tests --build
-finish "AddressSanitizer and UBSan: tests"
-
-stage "public headers"
-tools/check-headers
 
 test_windows() {
   if [ "$windows" = yes ]; then
@@ -118,6 +114,9 @@ test_windows() {
   fi
 }
 begin "Windows: tests" test_windows
+
+stage "public headers"
+nice tools/check-headers
 
 stage "fuzz: a few seconds each"
 fuzz() {
@@ -136,11 +135,14 @@ export -f fuzz
 printf '%s\n' build/asan/bin/fuzz_* | nice xargs -P "$(nproc)" -I{} bash -euo pipefail -c 'fuzz "$1"' - {}
 
 stage "clang-tidy"
-tools/tidy "${tidy[@]}"
+nice tools/tidy "${tidy[@]}"
 
 stage "the documents' listings and pictures"
-tools/check-listings
-tools/pictures --check
+nice tools/check-listings
+nice tools/pictures --check
+
+finish "g++: tests"
+finish "AddressSanitizer and UBSan: tests"
 finish "Windows: tests"
 
 stage "done"
