@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
+
 #include "host/module/journal.h"
 #include "host/record/operations.h"
 #include "tests/host/CommandLine.h"
@@ -53,8 +55,10 @@ TEST_F(CommandLine, EchoedLinesDoTheSame) {
         const Outcome again = Run("run -" + with("2") + "<\"" + directory.PathOf("lines") + "\" ");
         EXPECT_EQ(again.status, 0) << again.errors;
         const auto shown = [&](const char* file) { // but for what the clock makes of it
-            const std::string text = Run("show" + with(file)).output;
-            return text.substr(0, text.find("\nCapture")) + text.substr(text.find("\nBoard"));
+            const Outcome show = Run("show" + with(file));
+            EXPECT_EQ(show.status, 0) << show.errors;
+            const size_t board = std::min(show.output.find("\nBoard"), show.output.size());
+            return show.output.substr(0, show.output.find("\nCapture")) + show.output.substr(board);
         };
         EXPECT_EQ(shown("2"), shown("1"));
         EXPECT_THAT(Run("drive --echo " + script + with("2")).output,
