@@ -12,7 +12,7 @@
 //
 // A directory can hold thousands of files on a slow disk. So a port takes the type of an
 // entry from the enumeration where that tells it, opens each file once, without waiting
-// and by its name alone, and asks what was opened, not again what stands under the name.
+// and by its name alone, and does not ask again: what is no file any more delivers nothing.
 
 #pragma once
 
@@ -56,7 +56,7 @@ public:
     explicit InputFile(const char* path);
 
     /// Opens the file `name` of `directory`. REQUIRES: the directory is open, and delivered
-    /// an entry of that name that is a file.
+    /// an entry of that name that is a file. What has taken its place since then reads as empty.
     InputFile(const Directory& directory, const std::string& name);
 
     ~InputFile();
@@ -74,4 +74,5 @@ private:
     static constexpr intptr_t kNone = -1;
 
     intptr_t m_Handle = kNone; // the platform's own
+    uint64_t m_Place = 0;      // of the next byte, where the platform doesn't keep it
 };

@@ -18,14 +18,10 @@ mode_t TypeOf(int directory, const dirent& found, bool follow) {
     return fstatat(directory, found.d_name, &status, flags) == 0 ? status.st_mode & S_IFMT : 0;
 }
 
-/// Opens a regular file; -1 if that fails.
+/// Opens what is said to be a regular file; -1 if that fails.
 int OpenAt(int directory, const char* name) {
     // Where a pipe has taken the file's place, an ordinary open would wait for its writer.
-    const int file = openat(directory, name, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
-    struct stat status;
-    if (file < 0 || (fstat(file, &status) == 0 && S_ISREG(status.st_mode))) return file;
-    close(file);
-    return -1;
+    return openat(directory, name, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
 }
 
 } // namespace
@@ -76,6 +72,13 @@ InputFile::~InputFile() {
 }
 
 size_t InputFile::Read(char* buffer, size_t size) {
-    const ssize_t count = IsOpen() ? read(static_cast<int>(m_Handle), buffer, size) : 0;
-    return count > 0 ? static_cast<size_t>(count) : 0;
+    if (!IsOpen()) return 0;
+    // A pipe, a socket or a terminal that has taken the file's place since the directory told its
+    // type has no places to read from, and refuses: nothing is taken from another reader. So no
+    // further call per file has to ask for the type.
+    const ssize_t count =
+        pread(static_cast<int>(m_Handle), buffer, size, static_cast<off_t>(m_Place));
+    if (count <= 0) return 0;
+    m_Place += static_cast<uint64_t>(count);
+    return static_cast<size_t>(count);
 }
