@@ -84,21 +84,6 @@ double BeyondRange(const char* number, const char* behind) {
     return power > 0 ? HUGE_VAL : 0.0;
 }
 
-/// Copies `size` bytes. Most tokens are so short that a call would take longer than the copy.
-void CopyToken(char* to, const char* from, size_t size) {
-    if (size > 16) {
-        std::memcpy(to, from, size);
-    } else if (size >= 8) {
-        std::memcpy(to, from, 8);
-        std::memcpy(to + size - 8, from + size - 8, 8);
-    } else if (size >= 4) {
-        std::memcpy(to, from, 4);
-        std::memcpy(to + size - 4, from + size - 4, 4);
-    } else {
-        for (size_t i = 0; i < size; ++i) to[i] = from[i];
-    }
-}
-
 } // namespace
 
 /// Fills the buffer of a token. What does not fit is only counted.
@@ -155,10 +140,13 @@ int32_t TxtScan::GetToken() {
     if (Is(first, kNamePart)) return Is(first, kDigit) ? ScanNumber() : ScanIdentifier();
     if (first == '"' || first == '\'') return ScanQuoted();
     if (first == '$' && IsHexDigit(at[1])) return ScanRadix(at + 1, 4, false);
-    return Accept(TK_PUNCT, at, at + 1);
+    TokenText text(Text);
+    text.Add(first);
+    return Accept(TK_PUNCT, at + 1, text);
 }
 
-void TxtScan::SkipBlanksAndComments() {
+// What nearly all tokens need becomes part of GetToken; the rest stays out of its way.
+inline void TxtScan::SkipBlanksAndComments() {
     const char* const end = End;
     const char* at = Cursor;
     const char* counted = at; // Column tells where this is
@@ -181,21 +169,26 @@ void TxtScan::SkipBlanksAndComments() {
     Column = column + static_cast<int32_t>(at - counted);
 }
 
-int32_t TxtScan::ScanIdentifier() {
-    const char* at = Cursor + 1;
-    while (Is(*at, kNamePart)) ++at;
-    return Accept(TK_IDENT, Cursor, at);
+inline int32_t TxtScan::ScanIdentifier() {
+    TokenText text(Text);
+    const char* at = Cursor;
+    do text.Add(*at++);
+    while (Is(*at, kNamePart));
+    return Accept(TK_IDENT, at, text);
 }
 
-int32_t TxtScan::ScanNumber() {
+inline int32_t TxtScan::ScanNumber() {
+    TokenText text(Text);
     uint32_t value = 0;
     const char* at = Cursor;
-    for (; IsDigit(*at); ++at) value = value * 10 + DigitValue(*at);
-    if (!Is(*at, kNamePart) && *at != '.') {
-        Value.Integer = static_cast<int32_t>(value);
-        return Accept(TK_DECIMAL, Cursor, at);
-    }
+    for (; IsDigit(*at); text.Add(*at++)) value = value * 10 + DigitValue(*at);
+    if (Is(*at, kNamePart) || *at == '.') return ScanOtherNumber();
+    Value.Integer = static_cast<int32_t>(value);
+    return Accept(TK_DECIMAL, at, text);
+}
 
+/// Reads a number that is more than decimal digits.
+int32_t TxtScan::ScanOtherNumber() {
     const bool zero = *Cursor == '0';
     if (zero && IsLetterOf(Cursor[1], 'x')) return ScanRadix(Cursor + 2, 4, false);
 
@@ -311,20 +304,8 @@ const char* TxtScan::ApplyScale(const char* at, uint32_t& value) {
 }
 
 /// Ends the token that fills `text`, and moves behind it.
-int32_t TxtScan::Accept(TokenKind kind, const char* behind, TokenText& text) {
+int32_t TxtScan::Accept(TokenKind kind, const char* behind, TokenText text) {
     if (!text.Terminate()) return Fail("Token too long");
-    Column += static_cast<int32_t>(behind - Cursor);
-    Cursor = behind;
-    return Kind = kind;
-}
-
-/// The same for a token whose text stands there as it is, from `begin` to `behind`.
-int32_t TxtScan::Accept(TokenKind kind, const char* begin, const char* behind) {
-    const auto size = static_cast<size_t>(behind - begin);
-    if (size >= kTextSize) return Fail("Token too long");
-    char* const text = Text;
-    CopyToken(text, begin, size);
-    text[size] = '\0';
     Column += static_cast<int32_t>(behind - Cursor);
     Cursor = behind;
     return Kind = kind;

@@ -62,11 +62,11 @@ private:
     void SkipBlanksAndComments();
     int32_t ScanIdentifier();
     int32_t ScanNumber();
+    int32_t ScanOtherNumber();
     int32_t ScanRadix(const char* digits, uint32_t bits, bool suffixed);
     int32_t ScanDecimal();
     int32_t ScanQuoted();
     static const char* ApplyScale(const char* at, uint32_t& value);
-    int32_t Accept(TokenKind kind, const char* behind, TokenText& text);
-    int32_t Accept(TokenKind kind, const char* begin, const char* behind);
+    int32_t Accept(TokenKind kind, const char* behind, TokenText text);
     int32_t Fail(const char* message);
 };
