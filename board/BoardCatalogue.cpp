@@ -36,12 +36,14 @@ void jConfigureETM::ScanBoardFiles() {
     const std::string directory = BoardDirectory();
     Directory files(directory);
     DirectoryEntry file;
-    std::string title;
+    std::string title, path = JoinPath(directory, "");
+    const size_t begin = path.size(); // of the name in it
     while (files.Next(file)) {
         if (!file.IsFile || !CanBeBoardFile(directory, file.Name)) continue;
         InputFile opened(files, file.Name);
-        if (ReadBoardTitle(opened, title))
-            AddBoardEntry(JoinPath(directory, file.Name).c_str(), title.c_str());
+        if (!ReadBoardTitle(opened, title)) continue;
+        path.replace(begin, std::string::npos, file.Name);
+        AddBoardEntry(path.c_str(), title.c_str());
     }
 }
 
