@@ -18,7 +18,8 @@ int CompareNoCaseN(const char* left, const char* right, size_t length) {
     if (left == nullptr) left = "";
     if (right == nullptr) right = "";
     for (size_t i = 0; i < length; ++i) {
-        const int difference = SmallLetter(left[i]) - SmallLetter(right[i]);
+        const int difference =
+            left[i] != right[i] ? SmallLetter(left[i]) - SmallLetter(right[i]) : 0;
         if (difference != 0 || left[i] == '\0') return difference;
     }
     return 0;
