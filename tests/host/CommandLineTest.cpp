@@ -264,7 +264,8 @@ TEST_F(CommandLine, AScriptDrivesTheDialog) {
         {"# nothing\n", 2, "@:1: there is no step in this script\n"},
         {"quietly quietly ok", 2, "@:1: there is no step quietly\n"},
     };
-    Run("run enable" + state);
+    const Outcome enabled = Run("run enable" + state);
+    EXPECT_EQ(enabled.status, 0) << enabled.errors;
     if (!onWindows) {
         directory.Write("script", "cancel");
         EXPECT_EQ(Run("drive --off-screen --font \"Deja Sans\" \"" + file + "\"").errors,
