@@ -86,7 +86,8 @@ double BeyondRange(const char* number, const char* behind) {
 
 } // namespace
 
-/// Fills the buffer of a token. What does not fit is only counted.
+/// Fills the buffer of a token. What does not fit is only counted. It is handed on by value:
+/// nobody holds its address then, and it stays in registers while a token is read.
 class TxtScan::TokenText {
 public:
     explicit TokenText(char* buffer) : m_Buffer(buffer) {}
