@@ -2,8 +2,6 @@
 
 #pragma once
 
-#include <regex>
-
 #include "host/remote/Connection.h"
 #include "tests/support/Program.h"
 #include "tests/support/built.h"
@@ -13,13 +11,13 @@ class ServedChip {
 public:
     explicit ServedChip(const std::string& chip = "cortex-m4")
         : probe({built::kEtmhost, "serve", "--chip", chip, "--port", "0"}),
-          probePort(PortOf(probe, "listening on port (\\d+)")),
+          probePort(PortOf(probe, "listening on port ", "\n")),
           openocd({"openocd", "-c",
                    "set PORT " + std::to_string(probePort) +
                        "; set TCL_PORT 0; set GDB_PORT 0; set TELNET_PORT disabled",
                    "-f", built::kEtmhostConfiguration}),
-          gdbPort(PortOf(openocd, "port (\\d+) for gdb")),
-          tclPort(PortOf(openocd, "port (\\d+) for tcl")),
+          gdbPort(PortOf(openocd, "port ", " for gdb")),
+          tclPort(PortOf(openocd, "port ", " for tcl")),
           m_Tcl(etmhost::Connection::To("", tclPort, Soon())) {}
 
     /// Returns what OpenOCD answers to a Tcl command.
@@ -43,17 +41,20 @@ public:
 
     static etmhost::Deadline Soon() { return etmhost::Deadline(std::chrono::seconds(10)); }
 
-    /// Waits until `program` prints the port that it listens at.
-    static uint16_t PortOf(const Program& program, const char* pattern) {
+    /// Waits until `program` prints the port that it listens at, between these words.
+    static uint16_t PortOf(const Program& program, const std::string& before,
+                           const std::string& behind) {
         std::string output;
-        std::smatch match;
-        const std::regex regex(pattern);
+        size_t begin = 0, end = 0;
         if (!Program::Within([&] {
                 output = program.Output();
-                return std::regex_search(output, match, regex);
+                end = output.find(behind);
+                begin = output.rfind(before, end);
+                return end != std::string::npos && begin != std::string::npos;
             }))
             throw std::runtime_error("never listens, but prints: " + program.Output());
-        return uint16_t(std::stoi(match[1]));
+        begin += before.size();
+        return uint16_t(std::stoi(output.substr(begin, end - begin)));
     }
 
 private:
