@@ -41,15 +41,16 @@ tools/reference
 stage "scripts"
 git grep -lE '^#!.*\b(ba)?sh\b|^# shellcheck ' -- . ':!*.py' | xargs -r shellcheck
 
-# Tests mostly wait, and run beside what computes, which gives way to them: they have deadlines to
-# keep. begin starts a function as soon as no other one runs, finish waits for it, shows what it
-# printed, and fails if it failed.
+# Tests mostly wait, and run beside what computes, which gives way to them. begin starts a function,
+# finish waits for it, shows what it printed, and fails if it failed. What has deadlines to keep is
+# begun in_turn: as soon as nothing else of that kind runs.
 mkdir -p build/beside
 declare -A beside
 begin() {
-  { flock 9; "$2" 9>&-; } >"build/beside/$1.txt" 2>&1 9>build/beside/lock &
+  "${@:2}" >"build/beside/$1.txt" 2>&1 &
   beside[$1]=$!
 }
+in_turn() { { flock 9; "$@" 9>&-; } 9>build/beside/lock; }
 finish() {
   local status=0
   wait "${beside[$1]}" || status=$?
@@ -90,7 +91,7 @@ test_dev() {
   echo "What is installed, and a first host with it:"
   tools/package-test
 }
-begin "g++: tests" test_dev
+begin "g++: tests" in_turn test_dev
 
 stage "clang++ with AddressSanitizer and UBSan: build"
 cmake --preset asan >/dev/null
@@ -101,7 +102,7 @@ test_asan() {
     LSAN_OPTIONS=suppressions=$PWD/tests/lsan.supp:print_suppressions=0 \
     run_tests build/asan
 }
-begin "AddressSanitizer and UBSan: tests" test_asan
+begin "AddressSanitizer and UBSan: tests" in_turn test_asan
 
 stage "Windows: build"
 [ "$windows" = no ] || nice tools/windows-tests --build
@@ -113,7 +114,13 @@ test_windows() {
     echo "Windows checks: not run: left out by --no-windows"
   fi
 }
-begin "Windows: tests" test_windows
+begin "Windows: tests" in_turn test_windows
+
+test_documents() {
+  tools/check-listings
+  tools/pictures --check
+}
+begin "the documents' listings and pictures" test_documents
 
 stage "public headers"
 nice tools/check-headers
@@ -137,10 +144,7 @@ printf '%s\n' build/asan/bin/fuzz_* | nice xargs -P "$(nproc)" -I{} bash -euo pi
 stage "clang-tidy"
 nice tools/tidy "${tidy[@]}"
 
-stage "the documents' listings and pictures"
-nice tools/check-listings
-nice tools/pictures --check
-
+finish "the documents' listings and pictures"
 finish "g++: tests"
 finish "AddressSanitizer and UBSan: tests"
 finish "Windows: tests"
