@@ -112,7 +112,9 @@ std::string DidYouMean(std::string_view name, const std::vector<std::string>& na
     const std::string* nearest = nullptr;
     size_t least = name.size() <= kLongest ? std::min<size_t>(name.size() / 3, 3) + 1 : 0;
     for (const std::string& candidate : names) {
-        const size_t distance = least > 0 ? Distance(name, candidate) : 0;
+        const auto [shorter, longer] = std::minmax({name.size(), candidate.size()});
+        const size_t missing = longer - shorter; // at least that far away
+        const size_t distance = missing < least ? Distance(name, candidate) : missing;
         if (distance >= least) continue;
         least = distance;
         nearest = &candidate;
