@@ -93,17 +93,7 @@ test_dev() {
 }
 begin "g++: tests" in_turn test_dev
 
-stage "clang++ with AddressSanitizer and UBSan: build"
-cmake --preset asan >/dev/null
-nice cmake --build --preset asan -- --quiet
-
-test_asan() {
-  ASAN_OPTIONS=detect_leaks=1:strict_string_checks=1:quarantine_size_mb=32 UBSAN_OPTIONS=print_stacktrace=1 \
-    LSAN_OPTIONS=suppressions=$PWD/tests/lsan.supp:print_suppressions=0 \
-    run_tests build/asan
-}
-begin "AddressSanitizer and UBSan: tests" in_turn test_asan
-
+# Ahead of the sanitizers: these tests wait most, and need something to wait beside.
 stage "Windows: build"
 [ "$windows" = no ] || nice tools/windows-tests --build
 
@@ -121,6 +111,17 @@ test_documents() {
   tools/pictures --check
 }
 begin "the documents' listings and pictures" test_documents
+
+stage "clang++ with AddressSanitizer and UBSan: build"
+cmake --preset asan >/dev/null
+nice cmake --build --preset asan -- --quiet
+
+test_asan() {
+  ASAN_OPTIONS=detect_leaks=1:strict_string_checks=1:quarantine_size_mb=32 UBSAN_OPTIONS=print_stacktrace=1 \
+    LSAN_OPTIONS=suppressions=$PWD/tests/lsan.supp:print_suppressions=0 \
+    run_tests build/asan
+}
+begin "AddressSanitizer and UBSan: tests" in_turn test_asan
 
 stage "public headers"
 nice tools/check-headers
@@ -145,10 +146,10 @@ printf '%s\n' build/asan/bin/fuzz_* | nice xargs -P "$(nproc)" -I{} bash -euo pi
 stage "clang-tidy"
 nice tools/tidy "${tidy[@]}"
 
-finish "the documents' listings and pictures"
 finish "g++: tests"
-finish "AddressSanitizer and UBSan: tests"
 finish "Windows: tests"
+finish "the documents' listings and pictures"
+finish "AddressSanitizer and UBSan: tests"
 
 stage "done"
 echo "All checks passed."
