@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <thread>
+
 #include "host/drive/windows.h"
 #include "testkit/TemporaryDirectory.h"
 #include "tests/module/LoadedModule.h"
@@ -27,7 +30,11 @@ TEST_P(Stories, Tell) {
     loaded.host.TakeCalls();
 
     const std::unique_ptr<etmhost::User> user = etmhost::MakeUser();
-    etmhost::Interpreter interpreter(scenario.script, *user, nullptr);
+    // On a busy machine, where a step takes longer than the pause behind it.
+    const auto busy = [](const std::string&) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(25));
+    };
+    etmhost::Interpreter interpreter(scenario.script, *user, busy);
     etmhost::DriveWindows(interpreter,
                           [&] { EXPECT_TRUE(loaded.control->Open()) << loaded.LastError(); });
     interpreter.End();

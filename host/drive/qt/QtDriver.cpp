@@ -1,6 +1,8 @@
 #include "host/drive/qt/QtDriver.h"
 
+#include <QApplication>
 #include <QTimer>
+#include <utility>
 
 #include "host/drive/qt/QtUser.h"
 #include "host/drive/windows.h"
@@ -22,7 +24,11 @@ void QtDriver::Schedule() {
     // A new timer each time: one timer does not fire again while its handler runs a modal window.
     QTimer::singleShot(kPause, this, [this] {
         Schedule();
-        m_Interpreter.Tick(static_cast<uint64_t>(m_Clock.elapsed()));
+        // The window in front before may just have closed, while its loop has still to return to
+        // who waits for it. What that one does then will be done at the next tick.
+        const QWidget* const window = QApplication::activeModalWidget();
+        if (std::exchange(m_Window, window) == window)
+            m_Interpreter.Tick(static_cast<uint64_t>(m_Clock.elapsed()));
     });
 }
 
