@@ -183,8 +183,9 @@ int Status() {
 namespace fs = std::filesystem;
 
 std::string BytesOf(const char* file) {
-    std::ifstream in(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
+    std::string bytes(fs::file_size(file), '\0');
+    std::ifstream(file, std::ios::binary).read(bytes.data(), std::streamsize(bytes.size()));
+    return bytes;
 }
 
 TEST(TheDisplay, LiesBesideTheModule) {

@@ -45,8 +45,13 @@ std::multimap<int, QColor> Colors(QWidget& widget) {
         {widget.mapTo(widget.window(), TextPlace(widget).topLeft()), TextPlace(widget).size()});
     const QImage image = pixels.toImage().convertToFormat(QImage::Format_RGB32);
     std::map<QRgb, int> counts;
-    for (int y = 0; y < image.height(); ++y)
-        for (int x = 0; x < image.width(); ++x) ++counts[image.pixel(x, y)];
+    for (int y = 0; y < image.height(); ++y) {
+        const QRgb* const row = reinterpret_cast<const QRgb*>(image.constScanLine(y));
+        for (int x = 0, begin = 0; x < image.width(); begin = x) {
+            while (x < image.width() && row[x] == row[begin]) ++x;
+            counts[row[begin]] += x - begin;
+        }
+    }
     std::multimap<int, QColor> colors;
     for (const auto& [color, count] : counts) colors.emplace(count, QColor(color));
     return colors;
@@ -58,9 +63,9 @@ QColor Background(QWidget& widget) {
 
 double BestContrast(QWidget& widget) {
     double best = 1;
-    const QColor background = Background(widget);
-    for (const auto& [count, color] : Colors(widget))
-        best = std::max(best, qt::Contrast(color, background));
+    const std::multimap<int, QColor> colors = Colors(widget);
+    for (const auto& [count, color] : colors)
+        best = std::max(best, qt::Contrast(color, colors.rbegin()->second));
     return best;
 }
 

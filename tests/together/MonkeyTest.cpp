@@ -14,7 +14,12 @@
 
 namespace {
 
+// What isn't optimised, under the sanitizers, takes twenty times as long for each.
+#ifdef NDEBUG
 constexpr int kEvents = 200000;
+#else
+constexpr int kEvents = 50000;
+#endif
 
 class Monkey : public Session {
 protected:
@@ -165,8 +170,8 @@ TEST_F(Monkey, CantBreakTheRules) {
         EXPECT_TRUE(!cancelled || g_Settings->Working == g_Settings->Snapshot);
         host.boardFile.reset();
     }
-    EXPECT_GT(applied, 1000);
-    EXPECT_GT(refused, 100);
+    EXPECT_GT(applied, kEvents / 200);
+    EXPECT_GT(refused, kEvents / 2000);
 }
 
 } // namespace
