@@ -23,16 +23,11 @@ protected:
     };
     /// `launcher` is what stands ahead of the program on its line.
     Outcome Run(const std::string& arguments, const std::string& launcher = "") const {
-        // Files of its own: a Windows lets go of those of the run before a little later.
-        const std::string number = std::to_string(++m_Runs);
-        const std::string output = "output" + number, errors = "errors" + number;
-        const std::string files =
-            " >\"" + m_Printed.PathOf(output) + "\" 2>\"" + m_Printed.PathOf(errors) + "\"";
-        std::string command = launcher + "\"" + built::kEtmhost + "\" " + arguments + files;
-        if (onWindows) command = "\"" + command + "\""; // the shell takes the outer pair off
-        const int result = std::system(command.c_str());
-        // POSIX has the exit status in the second byte, Windows has it as it is.
-        return {result > 255 ? result >> 8 : result, Said(output), Said(errors)};
+        Outcome outcome = RunOnce(arguments, launcher);
+        // On a busy machine Wine's shell now and then fails to start the program, and says so.
+        for (int tries = 1; tries < 4 && outcome.errors.starts_with("Can't recognize '"); ++tries)
+            outcome = RunOnce(arguments, launcher);
+        return outcome;
     }
 
     /// What the program printed, with line ends as everywhere.
@@ -56,6 +51,19 @@ protected:
     const bool onWindows = std::string(built::kEtmhost).ends_with(".exe");
 
 private:
+    Outcome RunOnce(const std::string& arguments, const std::string& launcher) const {
+        // Files of its own: a Windows lets go of those of the run before a little later.
+        const std::string number = std::to_string(++m_Runs);
+        const std::string output = "output" + number, errors = "errors" + number;
+        const std::string files =
+            " >\"" + m_Printed.PathOf(output) + "\" 2>\"" + m_Printed.PathOf(errors) + "\"";
+        std::string command = launcher + "\"" + built::kEtmhost + "\" " + arguments + files;
+        if (onWindows) command = "\"" + command + "\""; // the shell takes the outer pair off
+        const int result = std::system(command.c_str());
+        // POSIX has the exit status in the second byte, Windows has it as it is.
+        return {result > 255 ? result >> 8 : result, Said(output), Said(errors)};
+    }
+
     const TemporaryDirectory m_Printed;
     mutable int m_Runs = 0;
 };
