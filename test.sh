@@ -133,9 +133,9 @@ fuzz() {
   corpus=("build/asan/corpus/$name") # receives what is new
   mkdir -p "${corpus[0]}"
   [ ! -d "fuzz/corpus/$name" ] || corpus+=("fuzz/corpus/$name")
-  # Without the search for rare features, which pays in long runs, the slow ones try twice as much.
+  # Without the search for rare features, which pays in long runs, the slow ones try more inputs.
   "$1" -max_total_time=3 -entropic=0 -timeout=10 -verbosity=0 -print_final_stats=1 \
-    "${corpus[@]}" >"build/asan/$name.txt" 2>&1 ||
+    -artifact_prefix="build/asan/$name-" "${corpus[@]}" >"build/asan/$name.txt" 2>&1 ||
     { cat "build/asan/$name.txt"; echo "$name failed"; exit 1; }
   echo "$name: $(sed -n 's/^stat::number_of_executed_units: *//p' "build/asan/$name.txt") inputs"
 }
