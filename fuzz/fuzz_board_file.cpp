@@ -4,18 +4,14 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
-#include <cstdlib>
 #include <string>
 
 #include "board/BoardFile.h"
+#include "fuzz/target.h"
 #include "platform/compare.h"
 #include "text/text_tools.h"
 
 namespace {
-
-void Require(bool holds) {
-    if (!holds) std::abort();
-}
 
 /// A file that lies in memory. Its bytes count until the next is made.
 const char* FileOf(const void* bytes, size_t size) {
@@ -54,14 +50,14 @@ std::string CheckCommands(const std::string& commands) {
 
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+static void BoardFile(const uint8_t* data, size_t size) {
     const char* path = FileOf(data, size);
     std::string title;
     const bool listed = Title(path, title);
     Require(title.size() <= 248 && title.find_first_of("\r\n") == title.npos);
     const std::string commands = Commands(path);
     const std::string general = CheckCommands(commands);
-    if (!listed) return 0;
+    if (!listed) return;
 
     // A file made from what is shown is listed under the title and shows the same.
     const std::string made = ComposeBoardFile(title, commands.c_str(), 1, 0);
@@ -69,5 +65,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     std::string again;
     Require(Title(path, again) && again == title);
     Require(Commands(path) == kTitleKeyword + title + "\r\n" + general);
-    return 0;
 }
+
+static const FuzzTarget kBoardFile("fuzz_board_file", BoardFile);

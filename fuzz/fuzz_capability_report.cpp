@@ -1,10 +1,9 @@
 // Any text as a number or a yes of the capability report, and as the report itself.
 
-#include <cstdint>
-#include <cstdlib>
 #include <string>
 
 #include "frame/slots.h"
+#include "fuzz/target.h"
 #include "settings/ReadCapabilities.h"
 #include "settings/jTraceSettings.h"
 #include "testkit/SilentTrace.h"
@@ -41,7 +40,7 @@ void CheckReport(const char* report) {
         for (const auto& [label, field] : rows) {
             int32_t wanted = 0;
             scan(report, label, &wanted);
-            if (state.*field != wanted) std::abort();
+            Require(state.*field == wanted);
         }
     };
     check(numbers, ScanNumber);
@@ -50,15 +49,16 @@ void CheckReport(const char* report) {
 
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+static void CapabilityReport(const uint8_t* data, size_t size) {
     const std::string value(reinterpret_cast<const char*>(data), size);
     for (const std::string& report : {value, "label" + value, "label:" + value}) {
         int32_t field = 4711;
-        if (!ScanNumber(report.c_str(), "label", &field) && field != 4711) std::abort();
+        Require(ScanNumber(report.c_str(), "label", &field) || field == 4711);
         field = 4711;
         const bool read = ScanYesNo(report.c_str(), "label", &field);
-        if (read ? field != 0 && field != 1 : field != 4711) std::abort();
+        Require(read ? field == 0 || field == 1 : field == 4711);
     }
     CheckReport(value.c_str());
-    return 0;
 }
+
+static const FuzzTarget kCapabilityReport("fuzz_capability_report", CapabilityReport);

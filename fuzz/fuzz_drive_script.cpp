@@ -1,23 +1,18 @@
 // Any text as a script for the dialog.
 
 #include <algorithm>
-#include <cstdint>
-#include <cstdlib>
 
+#include "fuzz/target.h"
 #include "host/drive/Script.h"
 #include "host/drive/describe.h"
 
 using namespace etmhost;
 
-static void Require(bool holds) {
-    if (!holds) std::abort();
-}
-
 static void RequireOneLine(const std::string& text) {
     for (const char c : text) Require((c & 0xE0) != 0);
 }
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+static void DriveScript(const uint8_t* data, size_t size) {
     const std::string text(reinterpret_cast<const char*>(data), size);
     const Script script = ParseScript("s", text);
     const auto lines = std::ranges::count(text, '\n') + 1;
@@ -27,7 +22,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         last = error.line;
         RequireOneLine(Located(script, error.line, error.text));
     }
-    if (!script.errors.empty()) return 0;
+    if (!script.errors.empty()) return;
     for (size_t i = 0; i < script.steps.size(); ++i) {
         const Step& step = script.steps[i];
         Require(step.line >= last && step.line <= lines);
@@ -43,5 +38,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     for (const char c : text) remarked += c == '\n' ? std::string(" # why\n") : std::string(1, c);
     Require(ParseScript("s", remarked).steps.size() == script.steps.size() ||
             remarked.size() > kLongestScript || text.find('\r') != text.npos);
-    return 0;
 }
+
+static const FuzzTarget kDriveScript("fuzz_drive_script", DriveScript);

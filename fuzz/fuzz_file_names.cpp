@@ -2,20 +2,15 @@
 // the other.
 
 #include <algorithm>
-#include <cstdint>
-#include <cstdlib>
 #include <cstring>
 
 #include "board/BoardFile.h"
+#include "fuzz/target.h"
 #include "platform/paths.h"
 #include "text/file_names.h"
 #include "text/jString.h"
 
 namespace {
-
-void Require(bool holds) {
-    if (!holds) std::abort();
-}
 
 void CheckPath(const std::string& path) {
     const PathParts parts = SplitPath(path);
@@ -50,7 +45,7 @@ void CheckList(const std::string& list) {
 
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+static void FileNames(const uint8_t* data, size_t size) {
     const std::string text(reinterpret_cast<const char*>(data), size);
     const std::string whole = text.c_str(); // up to its NUL
     const size_t end = std::min(whole.find('\n'), whole.size());
@@ -69,5 +64,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         Require(other.size() == name.size());
     if (CanBeBoardFile(name, other))
         Require(path.size() <= kMaxBoardPath && MatchFileName("*.mac", other.c_str()));
-    return 0;
 }
+
+static const FuzzTarget kFileNames("fuzz_file_names", FileNames);

@@ -1,16 +1,11 @@
 // Any bytes as what a GDB server sends. The first byte chooses in which pieces they arrive.
 
 #include <algorithm>
-#include <cstdint>
-#include <cstdlib>
 
+#include "fuzz/target.h"
 #include "host/remote/gdb_packets.h"
 
 using namespace etmhost;
-
-static void Require(bool holds) {
-    if (!holds) std::abort();
-}
 
 // All that `bytes` hold, a line each.
 static std::string Items(const std::string& bytes, size_t piece) {
@@ -29,8 +24,8 @@ static std::string Items(const std::string& bytes, size_t piece) {
     return text;
 }
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    if (size == 0) return 0;
+static void GdbAnswer(const uint8_t* data, size_t size) {
+    if (size == 0) return;
     const std::string bytes(reinterpret_cast<const char*>(data) + 1, size - 1);
     Require(Items(bytes, data[0] + size_t{1}) == Items(bytes, bytes.size() + 1));
 
@@ -48,5 +43,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const size_t packet = ParseGdbPacketSize(bytes, 400);
     Require(packet >= 64 && packet <= 65536);
     if (const auto reason = ParseGdbError(bytes)) Require(reason->size() < size + 40);
-    return 0;
 }
+
+static const FuzzTarget kGdbAnswer("fuzz_gdb_answer", GdbAnswer);

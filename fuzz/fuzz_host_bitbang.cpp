@@ -2,8 +2,8 @@
 // its memory: each question has one answer, and nothing else has.
 
 #include <algorithm>
-#include <cstdlib>
 
+#include "fuzz/target.h"
 #include "host/serve/BitbangSession.h"
 #include "host/serve/CoreDebug.h"
 #include "host/serve/DebugPort.h"
@@ -23,14 +23,14 @@ public:
 
 private:
     static void Check(uint32_t address) {
-        if (address % 4 != 0) std::abort();
+        Require(address % 4 == 0);
         if ((address & 0x1000) != 0) throw BusError("nothing");
     }
 };
 
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+static void HostBitbang(const uint8_t* data, size_t size) {
     static HalfChip chip;
     CoreDebug core(chip, kCortexM4);
     MemoryAccessPort memory(core, 0xE00FF000);
@@ -42,9 +42,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     std::string answer;
     const bool goesOn = session.Take(input, answer);
     const std::string_view heard = input.substr(0, input.find('Q'));
-    if (goesOn != (heard.size() == input.size())) std::abort();
-    if (answer.find_first_not_of("01") != std::string::npos) std::abort();
-    if (answer.size() != size_t(std::ranges::count(heard, 'R'))) std::abort();
+    Require(goesOn == (heard.size() == input.size()));
+    Require(answer.find_first_not_of("01") == std::string::npos);
+    Require(answer.size() == size_t(std::ranges::count(heard, 'R')));
     core.Run(1000);
-    return 0;
 }
+
+static const FuzzTarget kHostBitbang("fuzz_host_bitbang", HostBitbang);

@@ -1,8 +1,8 @@
 // Any bytes as the description of a chip: it is refused in words, or there is a chip to work with.
 
-#include <cstdlib>
 #include <sstream>
 
+#include "fuzz/target.h"
 #include "host/support/host_error.h"
 #include "host/target/command.h"
 #include "host/target/report.h"
@@ -10,10 +10,6 @@
 using namespace etmhost;
 
 namespace {
-
-void Require(bool holds) {
-    if (!holds) std::abort();
-}
 
 void WorkWith(const Chip& chip) {
     static const Symbols symbols;
@@ -35,7 +31,7 @@ void WorkWith(const Chip& chip) {
 
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+static void HostChip(const uint8_t* data, size_t size) {
     try {
         for (const Chip& chip : ParseChips({reinterpret_cast<const char*>(data), size})) {
             Require(!chip.name.empty() && chip.Find(ChipComponent::Kind::Etm) != nullptr);
@@ -45,5 +41,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         Require(*error.what() != '\0');
     } catch (const BusError&) { // as a real chip of that kind would have it
     }
-    return 0;
 }
+
+static const FuzzTarget kHostChip("fuzz_host_chip", HostChip);

@@ -5,18 +5,14 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <sstream>
 
+#include "fuzz/target.h"
 #include "host/target/command.h"
 
 using namespace etmhost;
 
 namespace {
-
-void Require(bool holds) {
-    if (!holds) std::abort();
-}
 
 /// Requires `refusal` to be lines for a person: "COMMAND: REASON" without a control character.
 void CheckRefusal(std::string_view command, const Refusal& refusal) {
@@ -38,8 +34,8 @@ void Fill(int descriptor, std::string_view text) {
 
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    if (size == 0) return 0;
+static void HostCommands(const uint8_t* data, size_t size) {
+    if (size == 0) return;
     static const int board = memfd_create("board", 0);
     static const Symbols symbols = {{"main", 0x8000}, {"a.b", 1}};
     Target target(Chips()[data[0] % Chips().size()], symbols);
@@ -67,5 +63,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     Require(target.state.capture.captured <= target.hardware().capacity);
     // The settings lines are commands that the target takes, but for their spaces.
     for (const std::string& line : target.SettingsLines()) Require(line.starts_with("ETM "));
-    return 0;
 }
+
+static const FuzzTarget kHostCommands("fuzz_host_commands", HostCommands);

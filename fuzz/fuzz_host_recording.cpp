@@ -1,7 +1,6 @@
 // Any bytes as a recording: it is refused by its line, or the module is led through it.
 
-#include <cstdlib>
-
+#include "fuzz/target.h"
 #include "host/replay/Replay.h"
 #include "host/support/host_error.h"
 #include "toolkit/CWinApp.h"
@@ -9,15 +8,7 @@
 
 using namespace etmhost;
 
-namespace {
-
-void Require(bool holds) {
-    if (!holds) std::abort();
-}
-
-} // namespace
-
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+static void HostRecording(const uint8_t* data, size_t size) {
     try {
         const Recording recording =
             ParseRecording("r", {reinterpret_cast<const char*>(data), size});
@@ -35,5 +26,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     } catch (const HostError& error) {
         Require(*error.what() == 'r' || *error.what() == '"');
     }
-    return 0;
 }
+
+static const FuzzTarget kHostRecording("fuzz_host_recording", HostRecording);

@@ -2,20 +2,16 @@
 
 #include <unistd.h>
 
-#include <cstdlib>
 #include <fstream>
 #include <iterator>
 
+#include "fuzz/target.h"
 #include "host/commandline/state_file.h"
 #include "host/support/host_error.h"
 
 using namespace etmhost;
 
 namespace {
-
-void Require(bool holds) {
-    if (!holds) std::abort();
-}
 
 /// The file of this process. It goes with the process.
 struct StateUnderTest {
@@ -37,7 +33,7 @@ struct StateUnderTest {
 
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+static void HostState(const uint8_t* data, size_t size) {
     static const StateUnderTest file;
     const std::string content(reinterpret_cast<const char*>(data), size);
     std::ofstream(file.path, std::ios::binary) << content;
@@ -48,10 +44,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         state.Update(host, [&host] { host.target.state.triggerCount ^= 1; });
     } catch (const HostError&) {
         Require(file.Read() == content);
-        return 0;
+        return;
     }
     SimulatedHost again(*FindChip("arm926"));
     StateFile(file.path).Load(again);
     Require(again.target.state == host.target.state && again.settings == host.settings);
-    return 0;
 }
+
+static const FuzzTarget kHostState("fuzz_host_state", HostState);

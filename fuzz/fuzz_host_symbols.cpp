@@ -3,18 +3,13 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
-#include <cstdlib>
-
+#include "fuzz/target.h"
 #include "host/support/host_error.h"
 #include "host/target/symbols.h"
 
 using namespace etmhost;
 
-static void Require(bool holds) {
-    if (!holds) std::abort();
-}
-
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+static void HostSymbols(const uint8_t* data, size_t size) {
     static const int file = memfd_create("symbols", 0);
     Require(ftruncate(file, 0) == 0);
     Require(pwrite(file, data, size, 0) == static_cast<ssize_t>(size));
@@ -23,5 +18,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
             Require(!name.empty() && name[0] != '$');
     } catch (const HostError&) {
     }
-    return 0;
 }
+
+static const FuzzTarget kHostSymbols("fuzz_host_symbols", HostSymbols);

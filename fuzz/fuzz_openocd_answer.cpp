@@ -1,16 +1,10 @@
 // Any bytes as an answer of OpenOCD's Tcl port.
 
-#include <cstdint>
-#include <cstdlib>
-
+#include "fuzz/target.h"
 #include "host/remote/tcl_answer.h"
 #include "host/remote/wire.h"
 
 using namespace etmhost;
-
-static void Require(bool holds) {
-    if (!holds) std::abort();
-}
 
 // `word` as one word of a list, the way a server writes it.
 static std::string Word(const std::string& word) {
@@ -27,7 +21,7 @@ static std::string Word(const std::string& word) {
     return text.empty() ? "{}" : text;
 }
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+static void OpenocdAnswer(const uint8_t* data, size_t size) {
     const std::string text(reinterpret_cast<const char*>(data), size);
     for (const char c : Excerpt(text)) Require(c >= 0x20 && c < 0x7F);
     Require(Excerpt(text).size() < 300);
@@ -54,5 +48,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         for (const uint32_t number : *numbers) again += std::to_string(number) + "\n";
         Require(ParseTclNumbers(again, count) == numbers && !ParseTclNumbers(text, count + 1));
     }
-    return 0;
 }
+
+static const FuzzTarget kOpenocdAnswer("fuzz_openocd_answer", OpenocdAnswer);

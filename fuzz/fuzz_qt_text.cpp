@@ -1,15 +1,10 @@
 // Any bytes to Qt and back. They come back as they were, whole or in two parts, line ends
 // aside; and Qt's edits find no line end in them that is none.
 
-#include <cstdint>
-#include <cstdlib>
 #include <string>
 
+#include "fuzz/target.h"
 #include "toolkit/qt/qt_text.h"
-
-static void Check(bool holds) {
-    if (!holds) std::abort();
-}
 
 /// `text` with CR LF for each of its line ends.
 static std::string WithLineEnds(const std::string& text) {
@@ -23,17 +18,18 @@ static std::string WithLineEnds(const std::string& text) {
     return lines;
 }
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    if (size == 0) return 0;
+static void QtText(const uint8_t* data, size_t size) {
+    if (size == 0) return;
     const std::string text(reinterpret_cast<const char*>(data) + 1, size - 1);
     const QString shown = qt::FromModel(text);
-    Check(qt::ToModel(shown) == text);
+    Require(qt::ToModel(shown) == text);
     // An edit ends one part and begins another, where the first byte says.
     const qsizetype cut = shown.size() * data[0] / 255;
     if (cut == 0 || !shown[cut - 1].isHighSurrogate())
-        Check(qt::ToModel(shown.first(cut)) + qt::ToModel(shown.sliced(cut)) == text);
+        Require(qt::ToModel(shown.first(cut)) + qt::ToModel(shown.sliced(cut)) == text);
     for (const char16_t end : {u'\u2028', u'\u2029', u'\uFDD0', u'\uFDD1'})
-        Check(!shown.contains(QChar(end)));
-    Check(qt::LinesToModel(qt::LinesFromModel(text)) == WithLineEnds(text));
-    return 0;
+        Require(!shown.contains(QChar(end)));
+    Require(qt::LinesToModel(qt::LinesFromModel(text)) == WithLineEnds(text));
 }
+
+static const FuzzTarget kQtText("fuzz_qt_text", QtText);

@@ -3,13 +3,12 @@
 // capability report too.
 
 #include <algorithm>
-#include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <string>
 #include <vector>
 
 #include "frame/slots.h"
+#include "fuzz/target.h"
 #include "settings/jTraceSettings.h"
 #include "testkit/SilentTrace.h"
 
@@ -28,13 +27,9 @@ struct FuzzedTrace final : SilentTrace {
     std::vector<std::string> lines;
 };
 
-void Check(bool holds) {
-    if (!holds) std::abort();
-}
-
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+static void SettingsText(const uint8_t* data, size_t size) {
     FuzzedTrace host;
     const size_t head = std::min(size, sizeof host.words);
     std::copy(data, data + head, reinterpret_cast<uint8_t*>(host.words));
@@ -47,15 +42,16 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     g_VETMTrace = &host;
 
     jTraceSettings settings;
-    Check(settings.ReadFromTarget() && !settings.IsModified());
+    Require(settings.ReadFromTarget() && !settings.IsModified());
     for (int32_t id = TA_PORT_SIZE; id <= TA_CONTEXT_ID_SIZE; ++id) {
         char text[64];
         uint32_t value = 0;
         for (int32_t index = 0; index < settings.GetChoiceCount(id); ++index)
-            Check(settings.GetChoice(id, index, text, sizeof text, value));
+            Require(settings.GetChoice(id, index, text, sizeof text, value));
     }
     settings.Snapshot = jTraceState();
-    Check(settings.ApplyToTarget() && !settings.IsModified());
+    Require(settings.ApplyToTarget() && !settings.IsModified());
     g_VETMTrace = nullptr;
-    return 0;
 }
+
+static const FuzzTarget kSettingsText("fuzz_settings_text", SettingsText);

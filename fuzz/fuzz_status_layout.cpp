@@ -2,17 +2,12 @@
 // measure, the second how much is shown.
 
 #include <cctype>
-#include <cstdint>
-#include <cstdlib>
 
+#include "fuzz/target.h"
 #include "pages/FormatCapabilityReport.h"
 #include "text/shown_text.h"
 
 namespace {
-
-void Require(bool holds) {
-    if (!holds) std::abort();
-}
 
 /// Tabs stop at multiples of eight characters, each of `width` pixels.
 TextMeasure MeasureOf(int width) {
@@ -43,8 +38,8 @@ void CheckShown(std::string_view text, size_t limit) {
 
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    if (size < 2) return 0;
+static void StatusLayout(const uint8_t* data, size_t size) {
+    if (size < 2) return;
     const std::string text(reinterpret_cast<const char*>(data) + 2, size - 2);
     const std::string_view report(text.c_str());
     CheckShown(text, data[1]);
@@ -57,5 +52,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
             Require(at > 0 && out[at - 1] == '\r' && (at < 2 || out[at - 2] != '\r'));
     for (size_t at = laidOut.find(':'); at != laidOut.npos; at = laidOut.find(':', at + 1))
         Require(at + 1 < laidOut.size() && laidOut[at + 1] == '\t');
-    return 0;
 }
+
+static const FuzzTarget kStatusLayout("fuzz_status_layout", StatusLayout);

@@ -1,18 +1,13 @@
 // Any text through the tokenizer. The scan has to end, and stay inside the text.
 
-#include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <string>
 
+#include "fuzz/target.h"
 #include "text/TxtScan.h"
 
-static void Check(bool holds) {
-    if (!holds) std::abort();
-}
-
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    if (size == 0) return 0;
+static void Tokenizer(const uint8_t* data, size_t size) {
+    if (size == 0) return;
     const std::string text(reinterpret_cast<const char*>(data) + 1, size - 1);
     // The first byte chooses how much of the text is scanned.
     const size_t length = std::strlen(text.c_str());
@@ -20,17 +15,18 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     TxtScan scan(text.c_str(), whole ? -1 : static_cast<int32_t>(length * data[0] / 255));
 
     while (scan.GetToken() != TK_END) {
-        Check(scan.TokenStart >= text.c_str() && scan.Cursor <= text.c_str() + length);
-        Check(std::strlen(scan.Text) < TxtScan::kTextSize);
+        Require(scan.TokenStart >= text.c_str() && scan.Cursor <= text.c_str() + length);
+        Require(std::strlen(scan.Text) < TxtScan::kTextSize);
         if (scan.Kind != TK_ERROR) {
-            Check(scan.Cursor > scan.TokenStart);
+            Require(scan.Cursor > scan.TokenStart);
             continue;
         }
         const std::string message = scan.Text;
-        Check(scan.Cursor == scan.TokenStart && !message.empty());
-        Check(scan.GetToken() == TK_ERROR && message == scan.Text);
-        return 0;
+        Require(scan.Cursor == scan.TokenStart && !message.empty());
+        Require(scan.GetToken() == TK_ERROR && message == scan.Text);
+        return;
     }
-    Check(scan.GetToken() == TK_END && *scan.Text == '\0');
-    return 0;
+    Require(scan.GetToken() == TK_END && *scan.Text == '\0');
 }
+
+static const FuzzTarget kTokenizer("fuzz_tokenizer", Tokenizer);
