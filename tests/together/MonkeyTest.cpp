@@ -11,15 +11,11 @@
 #include "frame/interfaces/IOrnKVETMSupp.h"
 #include "testkit/TemporaryDirectory.h"
 #include "tests/support/Session.h"
+#include "tests/support/games.h"
 
 namespace {
 
-// What isn't optimised, under the sanitizers, takes twenty times as long for each.
-#ifdef NDEBUG
-constexpr int kEvents = 200000;
-#else
-constexpr int kEvents = 50000;
-#endif
+constexpr int kEvents = 50000 * kQuarters;
 
 class Monkey : public Session {
 protected:

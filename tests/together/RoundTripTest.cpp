@@ -10,6 +10,7 @@
 #include "host/commandline/echo.h"
 #include "host/module/module_session.h"
 #include "testkit/TemporaryDirectory.h"
+#include "tests/support/games.h"
 #include "toolkit/CWinApp.h"
 #include "toolkit/headless/HeadlessDisplay.h"
 
@@ -17,12 +18,7 @@ namespace {
 
 using enum ControlKind;
 
-// What isn't optimised, under the sanitizers, takes twenty times as long for each.
-#ifdef NDEBUG
-constexpr int kRounds = 600;
-#else
-constexpr int kRounds = 150;
-#endif
+constexpr int kRounds = 150 * kQuarters;
 
 class RoundTrip : public ::testing::TestWithParam<const char*> {
 protected:
