@@ -11,6 +11,7 @@
 #include "host/target/component_codec.h"
 #include "host/target/etm_registers.h"
 #include "host/target/target.h"
+#include "tests/support/games.h"
 
 namespace etmhost {
 namespace {
@@ -93,7 +94,7 @@ EtmSettings Part(const EtmSettings& settings, size_t index) {
 TEST_P(Codec, BringsBackWhatItWasGivenAndLeavesTheRest) {
     int encoded = 0, foreign = 0;
     EtmImage image = AnyImage();
-    for (int round = 0; round < 40000 && !HasFailure(); ++round) {
+    for (int round = 0; round < 10000 * kQuarters && !HasFailure(); ++round) {
         if (Below(20) == 0) image = AnyImage();
         const EtmSettings before = DecodeSettings(etm, image);
         const EtmSettings wanted = AnySettings();
