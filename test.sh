@@ -29,18 +29,6 @@ export CMAKE_C_COMPILER_LAUNCHER=ccache CMAKE_CXX_COMPILER_LAUNCHER=ccache
 export CCACHE_BASEDIR=$PWD CCACHE_NOHASHDIR=1 CCACHE_DEPEND=1
 export CCACHE_SLOPPINESS=include_file_mtime,include_file_ctime # the sources of a fresh clone are new
 
-stage "format and rooms"
-git ls-files '*.c' '*.cpp' '*.h' | xargs -r clang-format --dry-run -Werror
-tools/check-rooms
-
-stage "the documents' links and quotations, the reference pages"
-tools/check-links
-tools/user-guide --check
-tools/reference
-
-stage "scripts"
-git grep -lE '^#!.*\b(ba)?sh\b|^# shellcheck ' -- . ':!*.py' | xargs -r shellcheck
-
 # Tests mostly wait, and run beside what computes, which gives way to them. begin starts a function,
 # finish waits for it, shows what it printed, and fails if it failed. What has deadlines to keep is
 # begun in_turn: as soon as nothing else of that kind runs.
@@ -61,8 +49,26 @@ finish() {
 # shellcheck disable=SC2046 # one word for each
 trap 'kill $(jobs -p) 2>/dev/null || true' EXIT
 
+configure() {
+  cmake --preset dev >/dev/null
+  cmake --preset asan >/dev/null
+}
+begin "g++ and clang++: configuration" configure
+
+stage "format and rooms"
+git ls-files '*.c' '*.cpp' '*.h' | xargs -r clang-format --dry-run -Werror
+tools/check-rooms
+
+stage "the documents' links and quotations, the reference pages"
+tools/check-links
+tools/user-guide --check
+tools/reference
+
+stage "scripts"
+git grep -lE '^#!.*\b(ba)?sh\b|^# shellcheck ' -- . ':!*.py' | xargs -r shellcheck
+
+finish "g++ and clang++: configuration"
 stage "g++: build"
-cmake --preset dev >/dev/null
 cmake --build --preset dev -- --quiet
 
 # Runs the tests of a build. One that is skipped, for want of a program, has failed.
@@ -113,7 +119,6 @@ test_documents() {
 begin "the documents' listings and pictures" test_documents
 
 stage "clang++ with AddressSanitizer and UBSan: build"
-cmake --preset asan >/dev/null
 nice cmake --build --preset asan -- --quiet
 
 test_asan() {

